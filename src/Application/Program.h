@@ -1,0 +1,9 @@
+#pragma once
+
+namespace tembra {
+
+/// The whole program: reads the command line, starts, runs until the user quits. Returns the exit
+/// status: 0, 1 when the journal cannot be opened, 2 when the command line is wrong.
+int runProgram(int argc, char *argv[]);
+
+} // namespace tembra

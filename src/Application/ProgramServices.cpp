@@ -1,0 +1,30 @@
+#include "Application/ProgramServices.h"
+
+#include "Application/DataFolder.h"
+#include "Model/JournalModel.h"
+#include "Store/PersistentContainer.h"
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+ProgramServices::ProgramServices(const DataFolder &folder)
+    : region(UserRegion::current())
+    , calendar(region.timeZoneId)
+    , dates(region.localeName, region.timeZoneId, clock)
+    , defaults(folder.settingsFile(), notifications)
+    , derivedTexts(clock, calendar, notifications)
+    , journal{clock, calendar, dates, defaults, derivedTexts}
+    , coreData(
+          [this, directory = folder.journalDirectory()] {
+              return std::make_unique<PersistentContainer>(
+                  u"Vum"_s, makeJournalModel(journal),
+                  PersistentContainer::Options{.directory = directory, .clock = &clock});
+          },
+          defaults)
+{
+}
+
+ProgramServices::~ProgramServices() = default;
+
+} // namespace tembra

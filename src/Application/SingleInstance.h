@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Foundation/Result.h"
+
+#include <QLocalServer>
+#include <QObject>
+#include <QString>
+
+namespace tembra {
+
+/// Lets a second start on the same data folder bring the running window forward instead. What keeps
+/// two programs from one store is the store's own lock; this is the courtesy in front of it.
+class SingleInstance : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SingleInstance(const QString &dataDirectory, QObject *parent = nullptr);
+
+    enum class Answer {
+        NobodyRuns, ///< No program works on this folder, or none that listens.
+        Shown       ///< The running program has brought its window forward.
+    };
+    /// Asks a running program to come forward; fails when one is there but does not answer.
+    Result<Answer> askRunningInstance() const;
+
+    /// Listens for later starts, on a socket that this user alone can reach. Call once the store is
+    /// open: its lock says that whatever socket was left there is nobody's.
+    void listen();
+
+Q_SIGNALS:
+    void showRequested();
+
+private:
+    void answer();
+
+    QString m_serverName;
+    QLocalServer m_server;
+};
+
+} // namespace tembra

@@ -1,0 +1,10 @@
+#include "Foundation/Logging.h"
+
+namespace tembra {
+
+Q_LOGGING_CATEGORY(storeLog, "tembra.store")
+Q_LOGGING_CATEGORY(modelLog, "tembra.model")
+Q_LOGGING_CATEGORY(windowLog, "tembra.window")
+Q_LOGGING_CATEGORY(applicationLog, "tembra.application")
+
+} // namespace tembra

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+namespace tembra {
+
+/// One plain line per event; never the text of a note nor the name of a person.
+Q_DECLARE_LOGGING_CATEGORY(storeLog)
+Q_DECLARE_LOGGING_CATEGORY(modelLog)
+Q_DECLARE_LOGGING_CATEGORY(windowLog)
+Q_DECLARE_LOGGING_CATEGORY(applicationLog)
+
+} // namespace tembra

@@ -1,0 +1,153 @@
+#include "MainWindow/MainWindow.h"
+
+#include "MainWindow/CounterpartsPaneViewController.h"
+#include "MainWindow/DetailPaneViewController.h"
+#include "MainWindow/HairlineSplitter.h"
+#include "MainWindow/SaveFailureBanner.h"
+#include "MainWindow/SessionDetailViewController.h"
+#include "Model/CoreDataInterface.h"
+#include "Model/Note.h"
+#include "Preferences/InputControls/AutoEditArrayController.h"
+#include "Store/ManagedObjectContext.h"
+#include "Store/PersistentContainer.h"
+#include "Store/UndoManager.h"
+#include "Toolkit/Icons.h"
+
+#include <QCloseEvent>
+#include <QVBoxLayout>
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize smallestSize(900, 560);
+constexpr QSize usualSize(1100, 720);
+constexpr int usualListWidth = 300;
+
+const QString stateName = u"mainWindow"_s;
+
+} // namespace
+
+MainWindow::MainWindow(CoreDataInterface &coreData, const JournalServices &services,
+                       NotificationCenter &notifications, const QString &windowStateFile,
+                       std::function<void()> quitRequested, QWidget *parent)
+    : QMainWindow(parent)
+    , m_coreData(coreData)
+    , m_windowState(windowStateFile)
+    , m_quitRequested(std::move(quitRequested))
+    , m_counterpartsPane(new CounterpartsPaneViewController(m_viewCoordinator, coreData, notifications))
+    , m_detailPane(new DetailPaneViewController(m_viewCoordinator, coreData, services, notifications))
+{
+    m_viewCoordinator.counterpartsArrayController = &m_counterpartsPane->counterpartsArrayController();
+    m_viewCoordinator.detailPaneViewController = m_detailPane;
+    m_viewCoordinator.masterViewController = m_counterpartsPane;
+    m_viewCoordinator.awakeFromNib();
+    buildLayout();
+    createMenus();
+    connectSignals();
+    restoreState();
+    m_counterpartsPane->setFocus();
+}
+
+MainWindow::~MainWindow()
+{
+    m_windowState.saveWindow(stateName, *this);
+    m_windowState.saveSplit(stateName, *m_splitter);
+    // They use the coordinator to their end, and it goes before children do.
+    delete centralWidget();
+}
+
+void MainWindow::buildLayout()
+{
+    setObjectName(u"mainWindow"_s);
+    setWindowTitle(u"Tembra"_s);
+    setWindowIcon(icons::application());
+    setMinimumSize(smallestSize);
+    m_splitter = new HairlineSplitter(Qt::Horizontal);
+    m_splitter->setObjectName(u"splitter"_s);
+    m_splitter->addWidget(m_counterpartsPane);
+    m_splitter->addWidget(m_detailPane);
+    m_splitter->setStretchFactor(1, 1);
+    m_saveFailureBanner = new SaveFailureBanner;
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(m_splitter, 1);
+    layout->addWidget(m_saveFailureBanner);
+    setCentralWidget(content);
+}
+
+void MainWindow::connectSignals()
+{
+    connect(m_saveFailureBanner, &SaveFailureBanner::saveAgainRequested, this, [this] { m_coreData.save(); });
+    connect(&m_coreData, &CoreDataInterface::saveFailingChanged, m_saveFailureBanner, &SaveFailureBanner::setFailing);
+    m_saveFailureBanner->setFailing(m_coreData.isSaveFailing());
+    connect(m_coreData.viewContext().undoManager(), &UndoManager::willChangeObject, this,
+            [this](const ObjectID &id, int) { reveal(id); });
+    connect(m_counterpartsPane, &CounterpartsPaneViewController::selectionChanged, this, &MainWindow::updateCommands);
+    connect(m_detailPane, &DetailPaneViewController::selectedCounterpartChanged, this, &MainWindow::updateCommands);
+    connect(m_detailPane, &DetailPaneViewController::selectedSessionChanged, this, &MainWindow::updateCommands);
+    updateCommands();
+}
+
+void MainWindow::restoreState()
+{
+    m_windowState.restoreWindow(stateName, *this, usualSize);
+    m_windowState.restoreSplit(stateName, *m_splitter, {usualListWidth, width() - usualListWidth});
+}
+
+void MainWindow::updateCommands()
+{
+    const bool showsTeammate = m_detailPane->selectedCounterpart() != nullptr;
+    const bool showsMeeting = m_detailPane->selectedSession() != nullptr;
+    m_newMeeting->setEnabled(showsTeammate);
+    m_rename->setEnabled(m_counterpartsPane->hasSelection());
+    m_deleteMeeting->setEnabled(showsMeeting);
+    for (QAction *command : std::as_const(m_fieldCommands))
+        command->setEnabled(showsMeeting);
+}
+
+bool MainWindow::commitEditing()
+{
+    const bool listCommitted = m_counterpartsPane->commitEditing();
+    return m_detailPane->commitEditing() && listCommitted;
+}
+
+void MainWindow::reveal(const ObjectID &id)
+{
+    ManagedObjectContext &context = m_coreData.viewContext();
+    const ObjectModel &model = context.container().model();
+    if (id.entity == model.entityIndex(Counterpart::entityName())) {
+        m_counterpartsPane->reveal(id);
+    } else if (id.entity == model.entityIndex(Session::entityName())) {
+        revealSession(id);
+    } else if (id.entity == model.entityIndex(Note::entityName())) {
+        const auto note = context.object<Note>(id);
+        if (!note)
+            return;
+        revealSession(note->toOneID(Note::sessionProperty));
+        m_detailPane->sessionDetailViewController().showField(note->identifier());
+    }
+}
+
+void MainWindow::revealSession(const ObjectID &id)
+{
+    const auto session = m_coreData.viewContext().object<Session>(id);
+    if (!session || !session->counterpart())
+        return;
+    m_counterpartsPane->reveal(session->toOneID(Session::counterpartProperty));
+    if (m_detailPane->selectedSession() != session)
+        m_detailPane->setSelectedSession(session);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    // Whether the program ends is decided elsewhere; until then the window stays.
+    event->ignore();
+    m_quitRequested();
+}
+
+} // namespace tembra

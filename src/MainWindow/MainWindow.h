@@ -1,0 +1,84 @@
+#pragma once
+
+#include "MainWindow/ViewCoordinator.h"
+#include "MainWindow/WindowState.h"
+#include "Store/ObjectID.h"
+
+#include <QMainWindow>
+
+#include <functional>
+
+class QAction;
+class QMenu;
+class QSplitter;
+
+namespace tembra {
+
+class CoreDataInterface;
+class CounterpartsPaneViewController;
+class DetailPaneViewController;
+class NotificationCenter;
+class SaveFailureBanner;
+struct JournalServices;
+
+/// The window of the journal: the teammates on the left, the meetings of one of them on the right,
+/// and the menus. Closing it asks to quit.
+class MainWindow final : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// @p windowStateFile keeps where the window stood. @p quitRequested is what Quit and closing
+    /// the window call; it must not destroy the window before it returns.
+    MainWindow(CoreDataInterface &coreData, const JournalServices &services, NotificationCenter &notifications,
+               const QString &windowStateFile, std::function<void()> quitRequested, QWidget *parent = nullptr);
+    /// Writes down where the window stood.
+    ~MainWindow() override;
+
+    CounterpartsPaneViewController &counterpartsViewController() const { return *m_counterpartsPane; }
+    DetailPaneViewController &detailPaneViewController() const { return *m_detailPane; }
+    ViewCoordinator &viewCoordinator() { return m_viewCoordinator; }
+    /// Commands for development; hidden.
+    QMenu *debugMenu() const { return m_debugMenu; }
+
+    /// Edits in progress go into the records they belong to, without ending. False when one refuses.
+    bool commitEditing();
+
+public Q_SLOTS:
+    /// Shows a record: its teammate, its meeting, its note field, as far as it has them.
+    void reveal(const tembra::ObjectID &id);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void buildLayout();
+    void connectSignals();
+    void restoreState();
+
+    void createMenus();
+    void createFileMenu();
+    void createEditMenu();
+    void createGoMenu();
+    void createDebugMenu();
+    QAction *addCommand(QMenu &menu, const QString &title, const QString &objectName,
+                        const QKeySequence &shortcut, std::function<void()> perform);
+    void updateCommands();
+    void revealSession(const tembra::ObjectID &id);
+
+    CoreDataInterface &m_coreData;
+    WindowState m_windowState;
+    std::function<void()> m_quitRequested;
+    ViewCoordinator m_viewCoordinator;
+    CounterpartsPaneViewController *m_counterpartsPane;
+    DetailPaneViewController *m_detailPane;
+    QSplitter *m_splitter = nullptr;
+    SaveFailureBanner *m_saveFailureBanner = nullptr;
+    QMenu *m_debugMenu = nullptr;
+    QAction *m_newMeeting = nullptr;
+    QAction *m_rename = nullptr;
+    QAction *m_deleteMeeting = nullptr;
+    QList<QAction *> m_fieldCommands; ///< Need a meeting in the editor.
+};
+
+} // namespace tembra

@@ -1,0 +1,110 @@
+#include "MainWindow/CounterpartsPaneViewController.h"
+#include "MainWindow/DetailPaneViewController.h"
+#include "MainWindow/EditCommands.h"
+#include "MainWindow/MainWindow.h"
+#include "MainWindow/SessionDetailViewController.h"
+#include "Model/CoreDataInterface.h"
+#include "Store/ManagedObjectContext.h"
+#include "Toolkit/Icons.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+
+// The menus of the main window.
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+void MainWindow::createMenus()
+{
+    createFileMenu();
+    createEditMenu();
+    createGoMenu();
+    createDebugMenu();
+}
+
+QAction *MainWindow::addCommand(QMenu &menu, const QString &title, const QString &objectName,
+                                const QKeySequence &shortcut, std::function<void()> perform)
+{
+    QAction *command = menu.addAction(title);
+    command->setObjectName(objectName);
+    command->setShortcut(shortcut);
+    // None of them belongs into the application menu that some desktops have.
+    command->setMenuRole(QAction::NoRole);
+    connect(command, &QAction::triggered, this, std::move(perform));
+    return command;
+}
+
+void MainWindow::createFileMenu()
+{
+    QMenu &menu = *menuBar()->addMenu(tr("&File", "Menu"));
+    QAction *newTeammate =
+        addCommand(menu, tr("New &Teammate", "File menu"), u"newTeammateAction"_s,
+                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N), [this] { m_counterpartsPane->handleTeammateAddDelete(0); });
+    newTeammate->setIcon(icons::icon(icons::Name::Add));
+    m_newMeeting = addCommand(menu, tr("&New Meeting", "File menu"), u"newMeetingAction"_s, QKeySequence::New,
+                              [this] { m_detailPane->addSessionFileMenu(); });
+    m_rename = addCommand(menu, tr("&Rename Teammate…", "File menu"), u"renameTeammateAction"_s,
+                          QKeySequence(Qt::Key_F2), [this] { m_counterpartsPane->renameSelected(); });
+    menu.addSeparator();
+    QAction *save = addCommand(menu, tr("&Save", "File menu"), u"saveAction"_s, QKeySequence::Save,
+                               [this] { m_coreData.save(); });
+    save->setIcon(icons::icon(icons::Name::Save));
+    menu.addSeparator();
+    QAction *quit = addCommand(menu, tr("&Quit", "File menu"), u"quitAction"_s,
+                               QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { m_quitRequested(); });
+    quit->setMenuRole(QAction::QuitRole);
+}
+
+void MainWindow::createEditMenu()
+{
+    QMenu &menu = *menuBar()->addMenu(tr("&Edit", "Menu"));
+    auto *commands = new EditCommands(*m_coreData.viewContext().undoManager(), [this] { return commitEditing(); }, this);
+    commands->addUndoTo(menu);
+    menu.addSeparator();
+    commands->addClipboardTo(menu);
+    menu.addSeparator();
+    m_deleteMeeting = addCommand(menu, tr("Delete &Meeting…", "Edit menu"), u"deleteMeetingAction"_s, {},
+                                 [this] { m_detailPane->handleDelete(); });
+    addCommand(menu, tr("&Delete Teammates…", "Edit menu"), u"deleteTeammatesAction"_s, {},
+               [this] { m_counterpartsPane->handleDeleteFromMenu(); });
+    menu.addSeparator();
+    QAction *find = addCommand(menu, tr("&Find in Notes", "Edit menu"), u"findInNotesAction"_s, QKeySequence::Find,
+                               [this] { m_detailPane->focusSearchField(); });
+    find->setIcon(icons::icon(icons::Name::Search));
+}
+
+void MainWindow::createGoMenu()
+{
+    QMenu &menu = *menuBar()->addMenu(tr("&Go", "Menu"));
+    SessionDetailViewController *editor = &m_detailPane->sessionDetailViewController();
+    QAction *next = addCommand(menu, tr("&Next Note Field", "Go menu"), u"nextNoteFieldAction"_s,
+                               QKeySequence(Qt::CTRL | Qt::Key_PageDown), [editor] { editor->handleNextNoteButton(); });
+    QAction *previous =
+        addCommand(menu, tr("&Previous Note Field", "Go menu"), u"previousNoteFieldAction"_s,
+                   QKeySequence(Qt::CTRL | Qt::Key_PageUp), [editor] { editor->handlePreviousNoteButton(); });
+    next->setIcon(icons::icon(icons::Name::Next));
+    previous->setIcon(icons::icon(icons::Name::Previous));
+    menu.addSeparator();
+    addCommand(menu, tr("To the &Teammates", "Go menu"), u"goToTeammatesAction"_s,
+               QKeySequence(Qt::CTRL | Qt::Key_1), [this] { m_counterpartsPane->setFocus(Qt::ShortcutFocusReason); });
+    addCommand(menu, tr("To the &Meetings", "Go menu"), u"goToMeetingsAction"_s,
+               QKeySequence(Qt::CTRL | Qt::Key_2), [this] { m_detailPane->setFocus(Qt::ShortcutFocusReason); });
+    QAction *toNotes =
+        addCommand(menu, tr("To the N&otes", "Go menu"), u"goToNotesAction"_s, QKeySequence(Qt::CTRL | Qt::Key_3),
+                   [editor] { editor->focusNoteInput(); });
+    m_fieldCommands = {next, previous, toNotes};
+}
+
+void MainWindow::createDebugMenu()
+{
+    m_debugMenu = menuBar()->addMenu(tr("&Debug", "Menu"));
+    m_debugMenu->setObjectName(u"debugMenu"_s);
+    addCommand(*m_debugMenu, tr("&Stuff Sessions", "Debug menu"), u"stuffSessionsAction"_s, {},
+               [this] { m_detailPane->stuffSessions(); });
+    m_debugMenu->menuAction()->setVisible(false);
+}
+
+} // namespace tembra

@@ -1,0 +1,156 @@
+#include "Model/CoreDataInterface.h"
+
+#include "Foundation/Logging.h"
+#include "Foundation/Precondition.h"
+#include "Model/DefaultsManager.h"
+#include "Model/JournalQueries.h"
+#include "Model/LegacyFlags.h"
+#include "Model/Session.h"
+#include "Model/Tag.h"
+#include "Store/ManagedObjectContext.h"
+#include "Store/PersistentContainer.h"
+#include "Store/UndoManager.h"
+
+#include <QScopedValueRollback>
+
+#include <chrono>
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+CoreDataInterface::CoreDataInterface(ContainerMaker makeContainer, const DefaultsManager &defaults, QObject *parent)
+    : QObject(parent)
+    , m_makeContainer(std::move(makeContainer))
+    , m_defaults(defaults)
+    , m_commitEditing([] { return true; })
+    , m_presentError([](const Error &error) {
+        qCWarning(modelLog, "Could not save: %s", qUtf8Printable(error.description()));
+    })
+    , m_stopProgram([](const QString &message) { fatal(qUtf8Printable(message)); })
+    , m_timer(this)
+{
+    m_timer.setInterval(std::chrono::milliseconds(qint64(saveInterval() * 1000)));
+    connect(&m_timer, &QTimer::timeout, this, &CoreDataInterface::handleTimer);
+    m_timer.start();
+}
+
+CoreDataInterface::~CoreDataInterface() = default;
+
+PersistentContainer &CoreDataInterface::persistentContainer()
+{
+    if (!m_container) {
+        m_container = m_makeContainer();
+        if (const auto loaded = m_container->loadPersistentStores(); !loaded)
+            m_stopProgram(u"Unresolved error "_s + loaded.error().description());
+        adoptContainer();
+    }
+    return *m_container;
+}
+
+void CoreDataInterface::setPersistentContainer(std::unique_ptr<PersistentContainer> container)
+{
+    m_container = std::move(container);
+    adoptContainer();
+}
+
+void CoreDataInterface::adoptContainer()
+{
+    connect(m_container.get(), &PersistentContainer::contextDidSave, this, &CoreDataInterface::handleSave);
+}
+
+ManagedObjectContext &CoreDataInterface::viewContext()
+{
+    return persistentContainer().viewContext();
+}
+
+void CoreDataInterface::setCommitEditing(std::function<bool()> commitEditing)
+{
+    m_commitEditing = std::move(commitEditing);
+}
+
+void CoreDataInterface::setPresentError(std::function<void(const Error &)> presentError)
+{
+    m_presentError = std::move(presentError);
+}
+
+void CoreDataInterface::setStopProgram(std::function<void(const QString &)> stopProgram)
+{
+    m_stopProgram = std::move(stopProgram);
+}
+
+bool CoreDataInterface::commitEditing()
+{
+    return m_commitEditing();
+}
+
+void CoreDataInterface::save()
+{
+    save(Reporting::EveryFailure);
+}
+
+void CoreDataInterface::handleTimer()
+{
+    if (viewContext().hasChanges())
+        save(Reporting::FirstFailure);
+}
+
+void CoreDataInterface::save(Reporting reporting)
+{
+    if (!commitEditing())
+        qCWarning(modelLog, "CoreDataInterface unable to commit editing before saving");
+    if (!viewContext().hasChanges())
+        return;
+    const auto saved = viewContext().save();
+    if (!saved)
+        reportFailure(saved.error(), reporting);
+    else
+        setSaveFailing(false);
+}
+
+void CoreDataInterface::reportFailure(const Error &error, Reporting reporting)
+{
+    const bool alreadyKnown = m_saveFailing && reporting == Reporting::FirstFailure;
+    setSaveFailing(true);
+    if (alreadyKnown || m_presentingError)
+        return;
+    const QScopedValueRollback presenting(m_presentingError, true);
+    m_presentError(error);
+}
+
+void CoreDataInterface::setSaveFailing(bool failing)
+{
+    if (m_saveFailing == failing)
+        return;
+    m_saveFailing = failing;
+    Q_EMIT saveFailingChanged(failing);
+}
+
+void CoreDataInterface::handleSave(ManagedObjectContext *savedContext, const ChangeSet &changes)
+{
+    if (savedContext != &viewContext())
+        viewContext().mergeChanges(changes);
+}
+
+void CoreDataInterface::migrateFlagsToTags()
+{
+    ManagedObjectContext &context = viewContext();
+    const auto flagged = context.fetch<Session>(JournalQueries::flaggedSessions());
+    if (!flagged) {
+        qCWarning(modelLog, "Could not fetch flagged sessions: %s", qUtf8Printable(flagged.error().description()));
+        return;
+    }
+    {
+        const UndoManager::Suspension notUndoable(*context.undoManager());
+        for (const std::shared_ptr<Session> &session : *flagged) {
+            const QString name = u"Flag %1"_s.arg(session->flag());
+            Tag::findOrCreate(context, name, legacyFlagEmoji(session->flag(), m_defaults))->addSession(*session);
+            session->setFlag(0);
+        }
+        // What was recorded in this turn must be settled before recording goes on.
+        context.processPendingChanges();
+    }
+    save();
+}
+
+} // namespace tembra

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Store/ObjectModel.h"
+
+namespace tembra {
+
+struct JournalServices;
+
+/// The four entities of the journal (Counterpart, Tag, Session, Note), their relationships, delete
+/// rules and schema. @p services must outlive every store made with the model.
+ObjectModel makeJournalModel(const JournalServices &services);
+
+/// The numbered steps that made the schema what it is.
+QList<SchemaMigration> journalMigrations();
+
+} // namespace tembra

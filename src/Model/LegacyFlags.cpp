@@ -1,0 +1,24 @@
+#include "Model/LegacyFlags.h"
+
+#include "Model/DefaultsManager.h"
+
+#include <array>
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+QString legacyFlagEmoji(int flag, const DefaultsManager &defaults)
+{
+    static const std::array<QString, 7> emoji{
+        u"-"_s, u"🏳\uFE0F"_s, u"🚩"_s, u"🏴"_s, u"⭐\uFE0F"_s, u"♥\uFE0F"_s, u"⚠\uFE0F"_s,
+    };
+    if (flag < 0 || flag >= int(emoji.size()))
+        return {};
+    if (const auto own = defaults.flagOverride(flag))
+        return *own;
+    // The "-" of the table was never shown: no flag had no emoji.
+    return flag == 0 ? u""_s : emoji.at(size_t(flag));
+}
+
+} // namespace tembra

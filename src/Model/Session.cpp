@@ -1,0 +1,171 @@
+#include "Model/Session.h"
+
+#include "Foundation/Clock.h"
+#include "Foundation/DateFormatting.h"
+#include "Model/Counterpart.h"
+#include "Model/DerivedTexts.h"
+#include "Model/JournalServices.h"
+#include "Model/Note.h"
+#include "Model/SentimentScale.h"
+#include "Model/Tag.h"
+#include "Store/ManagedObjectContext.h"
+
+#include <algorithm>
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString emojiOnScale(const SentimentScale &scale, qint16 value, const DefaultsManager &defaults)
+{
+    return scale.contains(value) ? scale.emoji(value, defaults) : QString();
+}
+
+/// Code-point order, a missing text before every other.
+int compareTexts(const QString &left, const QString &right)
+{
+    if (left.isNull() || right.isNull())
+        return int(right.isNull()) - int(left.isNull());
+    // QString compares UTF-16 units, which puts surrogates before U+E000: UTF-8 keeps the order.
+    return left.toUtf8().compare(right.toUtf8());
+}
+
+bool tagComesBefore(const std::shared_ptr<Tag> &left, const std::shared_ptr<Tag> &right)
+{
+    if (const int byName = compareTexts(left->name(), right->name()))
+        return byName < 0;
+    return compareTexts(left->emoji(), right->emoji()) < 0;
+}
+
+} // namespace
+
+Session::Session(const JournalServices &services)
+    : m_services(services)
+{
+}
+
+Session::~Session()
+{
+    m_services.derivedTexts.remove(this);
+}
+
+void Session::awakeFromInsert()
+{
+    setDate(m_services.clock.now());
+    for (const Note::Identifier identifier : allNoteIdentifiers()) {
+        const auto note = managedObjectContext()->insert<Note>();
+        note->setSession(std::static_pointer_cast<Session>(shared_from_this()));
+        note->setIdentifier(qint16(identifier));
+    }
+}
+
+void Session::awake()
+{
+    m_services.derivedTexts.add(this);
+}
+
+void Session::prepareForDeletion()
+{
+    if (m_onDeletion)
+        m_onDeletion();
+}
+
+std::shared_ptr<Counterpart> Session::counterpart() const
+{
+    return toOne<Counterpart>(counterpartProperty);
+}
+
+void Session::setCounterpart(const std::shared_ptr<Counterpart> &counterpart)
+{
+    setToOne(counterpartProperty, counterpart);
+}
+
+QList<std::shared_ptr<Note>> Session::notes() const
+{
+    return related<Note>(notesProperty);
+}
+
+QList<std::shared_ptr<Tag>> Session::tags() const
+{
+    return related<Tag>(tagsProperty);
+}
+
+void Session::addTag(const Tag &tag)
+{
+    addRelated(tagsProperty, tag);
+}
+
+void Session::removeTag(const Tag &tag)
+{
+    removeRelated(tagsProperty, tag);
+}
+
+void Session::setOnDeletion(std::function<void()> onDeletion)
+{
+    m_onDeletion = std::move(onDeletion);
+    setPinned(bool(m_onDeletion));
+}
+
+QString Session::emojiSummary() const
+{
+    return joinedEmoji(u' ');
+}
+
+QString Session::emojiColumn() const
+{
+    return joinedEmoji(u'\n');
+}
+
+QString Session::joinedEmoji(QChar separator) const
+{
+    const SentimentScale &personal = SentimentScale::personal();
+    const SentimentScale &meeting = SentimentScale::meeting();
+    // The separators are always there, also around a value off its scale.
+    return emojiOnScale(personal, personalSentiment(), m_services.defaults) + separator
+        + emojiOnScale(meeting, meetingSentiment(), m_services.defaults) + separator
+        + emojiOnScale(personal, counterpartSentiment(), m_services.defaults);
+}
+
+QString Session::dateText() const
+{
+    const OptionalDate moment = date();
+    return moment ? m_services.dates.displayDate(*moment) : u""_s;
+}
+
+QString Session::sessionSummary() const
+{
+    return dateText() + u' ' + emojiSummary();
+}
+
+QList<std::shared_ptr<Note>> Session::sortedNotes() const
+{
+    QList<std::shared_ptr<Note>> sorted = notes();
+    std::stable_sort(sorted.begin(), sorted.end(), [](const auto &left, const auto &right) {
+        return left->identifier() < right->identifier();
+    });
+    return sorted;
+}
+
+QList<std::shared_ptr<Tag>> Session::sortedTags() const
+{
+    QList<std::shared_ptr<Tag>> sorted = tags();
+    std::stable_sort(sorted.begin(), sorted.end(), tagComesBefore);
+    return sorted;
+}
+
+QString Session::tagEmojiSummary() const
+{
+    QString summary = u""_s;
+    for (const std::shared_ptr<Tag> &tag : sortedTags())
+        summary += tag->emoji();
+    return summary;
+}
+
+void Session::invalidateDerived()
+{
+    Q_EMIT derivedChanged();
+}
+
+} // namespace tembra

@@ -1,0 +1,91 @@
+#include "Model/Tag.h"
+
+#include "Foundation/Logging.h"
+#include "Foundation/Precondition.h"
+#include "Model/JournalQueries.h"
+#include "Model/Session.h"
+#include "Store/FetchedResultsController.h"
+#include "Store/ManagedObjectContext.h"
+
+#include <algorithm>
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A missing text equals only a missing one, not an empty one.
+bool sameText(const QString &left, const QString &right)
+{
+    return left.isNull() == right.isNull() && left == right;
+}
+
+} // namespace
+
+Tag::Tag(const JournalServices &)
+{
+}
+
+void Tag::awakeFromInsert()
+{
+    setEmoji(u"🏷"_s);
+}
+
+void Tag::awake()
+{
+    updateTitleString();
+    m_nameObservation = connect(this, &Tag::nameChanged, this, &Tag::updateTitleString);
+    m_emojiObservation = connect(this, &Tag::emojiChanged, this, &Tag::updateTitleString);
+}
+
+void Tag::updateTitleString()
+{
+    m_titleString = name() + u' ' + emoji();
+    Q_EMIT titleStringChanged();
+}
+
+QList<std::shared_ptr<Session>> Tag::sessions() const
+{
+    return related<Session>(sessionsProperty);
+}
+
+void Tag::addSession(const Session &session)
+{
+    addRelated(sessionsProperty, session);
+}
+
+std::unique_ptr<FetchedResultsController> Tag::sessionsResultController() const
+{
+    require(managedObjectContext(), "a tag whose sessions are listed is in the store");
+    return std::make_unique<FetchedResultsController>(*managedObjectContext(),
+                                                      JournalQueries::sessionsCarrying(objectID()));
+}
+
+std::shared_ptr<Tag> Tag::findOrCreate(ManagedObjectContext &context, const QString &name, const QString &emoji)
+{
+    const auto created = context.insert<Tag>();
+    created->setName(name);
+    created->setEmoji(emoji);
+
+    const auto tags = context.fetch<Tag>(JournalQueries::allTags());
+    if (!tags) {
+        qCWarning(modelLog, "Could not load tags: %s", qUtf8Printable(tags.error().description()));
+        return created;
+    }
+    const auto existing = std::find_if(tags->begin(), tags->end(), [&](const std::shared_ptr<Tag> &tag) {
+        return tag != created && sameText(tag->name(), name) && sameText(tag->emoji(), emoji);
+    });
+    if (existing == tags->end())
+        return created;
+    if (const auto deletion = context.deleteObject(created); !deletion)
+        qCWarning(modelLog, "Could not delete a tag: %s", qUtf8Printable(deletion.error().description()));
+    return *existing;
+}
+
+std::unique_ptr<FetchedResultsController> Tag::allTagsResultController(ManagedObjectContext &context)
+{
+    return std::make_unique<FetchedResultsController>(context, JournalQueries::allTags());
+}
+
+} // namespace tembra

@@ -1,0 +1,237 @@
+#include "Preferences/InputControls/BindablePlaceholderTextField.h"
+
+#include "Preferences/InputControls/RawText.h"
+#include "Toolkit/EmojiHighlighter.h"
+#include "Toolkit/PropertyObservation.h"
+#include "Toolkit/Theme.h"
+
+#include <QAbstractItemView>
+#include <QScopedValueRollback>
+#include <QTextBlock>
+#include <QTextLayout>
+
+#include <algorithm>
+
+namespace tembra {
+
+namespace {
+
+/// How far into the text its direction is looked for.
+constexpr qsizetype directionProbe = 1000;
+
+} // namespace
+
+BindablePlaceholderTextField::BindablePlaceholderTextField(QWidget *parent)
+    : QPlainTextEdit(parent)
+    , m_raw(std::make_unique<RawText>())
+{
+    setUndoRedoEnabled(false);
+    setTabChangesFocus(true);
+    new EmojiHighlighter(document());
+    connect(document(), &QTextDocument::contentsChange, this,
+            &BindablePlaceholderTextField::documentChanged);
+    // Writing the property waits for the end of the change: what listens to it may look at the field.
+    connect(document(), &QTextDocument::contentsChanged, this,
+            &BindablePlaceholderTextField::textEdited);
+    applyTheme();
+}
+
+BindablePlaceholderTextField::~BindablePlaceholderTextField() = default;
+
+void BindablePlaceholderTextField::bind(Binding binding, QObject *object, const QByteArray &keyPath,
+                                        const BindingOptions &options)
+{
+    if (binding == Binding::Text)
+        bindValue(object, keyPath, options);
+    else
+        bindPlaceholder(object, keyPath);
+}
+
+void BindablePlaceholderTextField::bind(Binding binding, QObject *object, const QByteArray &keyPath)
+{
+    bind(binding, object, keyPath, {});
+}
+
+void BindablePlaceholderTextField::bindValue(QObject *object, const QByteArray &keyPath,
+                                             const BindingOptions &options)
+{
+    commitEditing();
+    if (m_object)
+        disconnect(m_object, &QObject::destroyed, this, nullptr);
+    m_object = object;
+    m_key = keyPath;
+    m_valueObservation = std::make_unique<PropertyObservation>(object, keyPath,
+                                                               [this] { loadFromObject(); });
+    connect(object, &QObject::destroyed, this, [this] { unbind(Binding::Text); });
+    if (!m_observation)
+        setPlaceholderText(options.nullPlaceholder);
+    setText(object->property(keyPath.constData()).toString());
+    if (hasFocus())
+        moveCursor(QTextCursor::End);
+}
+
+void BindablePlaceholderTextField::bindPlaceholder(QObject *object, const QByteArray &keyPath)
+{
+    const auto show = [this, object, keyPath] {
+        setPlaceholderText(object->property(keyPath.constData()).toString());
+    };
+    m_observation = std::make_unique<PropertyObservation>(object, keyPath, show);
+    show();
+}
+
+void BindablePlaceholderTextField::unbind(Binding binding)
+{
+    if (binding == Binding::Placeholder) {
+        m_observation.reset();
+        setPlaceholderText({});
+        return;
+    }
+    if (m_object)
+        disconnect(m_object, &QObject::destroyed, this, nullptr);
+    m_object.clear();
+    m_valueObservation.reset();
+    setText({});
+}
+
+QString BindablePlaceholderTextField::text() const
+{
+    return m_raw->text();
+}
+
+void BindablePlaceholderTextField::setText(const QString &text)
+{
+    const QScopedValueRollback loading(m_loading, true);
+    m_changedWhileComposing = false;
+    setPlainText(RawText::encoded(text));
+}
+
+/// Follows one change of the document. The counts may include the end of the last paragraph.
+void BindablePlaceholderTextField::documentChanged(int position, int removed, int added)
+{
+    const qsizetype end = document()->characterCount() - 1;
+    QTextCursor piece(document());
+    piece.setPosition(position);
+    piece.setPosition(int(std::min<qsizetype>(position + added, end)), QTextCursor::KeepAnchor);
+    QString text = piece.selectedText();
+    text.replace(QChar::ParagraphSeparator, u'\n');
+    const qsizetype removable = std::min<qsizetype>(removed, m_raw->raw().size() - position);
+    if (m_raw->replace(position, removable, text) && !m_loading)
+        m_uncommitted = true;
+}
+
+/// Right-to-left notes stand at the right: a plain text document does not see to that itself.
+void BindablePlaceholderTextField::alignToDirection()
+{
+    const bool rightToLeft = QStringView(m_raw->raw()).left(directionProbe).isRightToLeft();
+    QTextOption option = document()->defaultTextOption();
+    const Qt::Alignment alignment = rightToLeft ? Qt::AlignRight : Qt::AlignLeft;
+    if (option.alignment() == alignment)
+        return;
+    option.setAlignment(alignment);
+    document()->setDefaultTextOption(option);
+}
+
+void BindablePlaceholderTextField::textEdited()
+{
+    alignToDirection();
+    if (m_loading || !m_uncommitted)
+        return;
+    commitEditing();
+    Q_EMIT edited();
+}
+
+void BindablePlaceholderTextField::commitEditing()
+{
+    if (!m_uncommitted)
+        return;
+    m_uncommitted = false;
+    if (!m_object || m_committing)
+        return;
+    {
+        const QScopedValueRollback committing(m_committing, true);
+        m_object->setProperty(m_key.constData(), text());
+    }
+    // The object has the last word on what it holds.
+    loadFromObject();
+}
+
+void BindablePlaceholderTextField::loadFromObject()
+{
+    if (!m_object || m_committing)
+        return;
+    const QString value = m_object->property(m_key.constData()).toString();
+    if (value == text())
+        return;
+    if (isComposing())
+        m_changedWhileComposing = true;
+    else
+        replaceDifference(value);
+}
+
+void BindablePlaceholderTextField::replaceDifference(const QString &text)
+{
+    const QScopedValueRollback loading(m_loading, true);
+    const QString after = RawText::encoded(text);
+    const QString &before = m_raw->raw();
+    const qsizetype shorter = std::min(before.size(), after.size());
+    qsizetype prefix = std::mismatch(before.begin(), before.begin() + shorter, after.begin()).first
+                       - before.begin();
+    if (prefix > 0 && before.at(prefix - 1).isHighSurrogate())
+        --prefix;
+    const auto tail = before.rbegin() + (shorter - prefix);
+    qsizetype suffix = std::mismatch(before.rbegin(), tail, after.rbegin()).first - before.rbegin();
+    if (suffix > 0 && before.at(before.size() - suffix).isLowSurrogate())
+        --suffix;
+    QTextCursor cursor(document());
+    cursor.setPosition(int(prefix));
+    cursor.setPosition(int(before.size() - suffix), QTextCursor::KeepAnchor);
+    cursor.insertText(after.mid(prefix, after.size() - prefix - suffix));
+}
+
+bool BindablePlaceholderTextField::isComposing() const
+{
+    const QTextLayout *layout = textCursor().block().layout();
+    return layout && !layout->preeditAreaText().isEmpty();
+}
+
+void BindablePlaceholderTextField::setTableView(QAbstractItemView *tableView)
+{
+    m_tableView = tableView;
+}
+
+QAbstractItemView *BindablePlaceholderTextField::tableView() const
+{
+    return m_tableView;
+}
+
+void BindablePlaceholderTextField::setNextField(QWidget *field)
+{
+    m_nextField = field;
+}
+
+void BindablePlaceholderTextField::setPreviousField(QWidget *field)
+{
+    m_previousField = field;
+}
+
+QWidget *BindablePlaceholderTextField::nextKeyView() const
+{
+    return m_nextField;
+}
+
+QWidget *BindablePlaceholderTextField::previousKeyView() const
+{
+    return m_previousField;
+}
+
+void BindablePlaceholderTextField::applyTheme()
+{
+    const QColor color = theme::secondaryText(palette(), QPalette::Base);
+    if (palette().color(QPalette::PlaceholderText) == color)
+        return;
+    QPalette dimmed = palette();
+    dimmed.setColor(QPalette::PlaceholderText, color);
+    setPalette(dimmed);
+}
+
+} // namespace tembra

@@ -1,0 +1,36 @@
+#include "Preferences/InputControls/CoachingMarkViewController.h"
+
+#include "Toolkit/Theme.h"
+
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int textWidth = 280;
+
+} // namespace
+
+CoachingMarkViewController::CoachingMarkViewController(QWidget *parent)
+    : QWidget(parent)
+    , label(new QLabel(this))
+{
+    buildLayout();
+}
+
+void CoachingMarkViewController::buildLayout()
+{
+    label->setObjectName(u"label"_s);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setFixedWidth(textWidth);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(theme::margin, theme::margin, theme::margin, theme::margin);
+    layout->addWidget(label);
+}
+
+} // namespace tembra

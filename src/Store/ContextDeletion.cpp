@@ -1,0 +1,256 @@
+// Deleting records with all that cascades from them, and bringing them back.
+
+#include "Store/DeletionEffects.h"
+#include "Store/DeletionPlan.h"
+#include "Store/ManagedObjectContextPrivate.h"
+#include "Store/UndoHistory.h"
+#include "Store/UndoManager.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace tembra {
+
+Result<void> ManagedObjectContext::Private::deleteRecords(std::vector<ObjectID> roots)
+{
+    if (roots.empty())
+        return {};
+    ++deletionDepth;
+    Result<void> done = deleteAfterHooks(std::move(roots));
+    if (--deletionDepth == 0)
+        hooked.clear();
+    return done;
+}
+
+Result<void> ManagedObjectContext::Private::deleteAfterHooks(std::vector<ObjectID> roots)
+{
+    for (;;) {
+        const quint64 editsBefore = edits;
+        if (Result<void> written = writeDrafts(); !written)
+            return written;
+        const Result<DeletionPlan> plan = DeletionPlan::cascadingFrom(roots, schema, reader);
+        if (!plan)
+            return failure(plan.error());
+        runHooks(*plan);
+        if (edits == editsBefore)
+            return runDeletion(*plan);
+        // The hooks changed something: what there is to delete, and to read, may be different now.
+        std::erase_if(roots, [&](ObjectID id) { return !exists(id); });
+    }
+}
+
+void ManagedObjectContext::Private::runHooks(const DeletionPlan &plan)
+{
+    QList<std::shared_ptr<ManagedObject>> live;
+    registry.forEach([&](ManagedObject &object) {
+        if (plan.contains(object.m_id) && !hooked.contains(object.m_id)) {
+            if (auto held = registry.find(object.m_id))
+                live.append(std::move(held));
+        }
+    });
+    // The values of a deleted object can still be read: so they are read now.
+    (void)loadTogether(live);
+    for (const auto &object : live) {
+        if (object->m_deleted || hooked.contains(object->m_id))
+            continue;
+        hooked.insert(object->m_id);
+        object->prepareForDeletion();
+    }
+}
+
+Result<void> ManagedObjectContext::Private::runDeletion(const DeletionPlan &plan)
+{
+    const Result<DeletionEffects> effects = DeletionEffects::of(plan, schema, reader);
+    if (!effects)
+        return failure(effects.error());
+    const Result<void> done = inTransaction([&](Transaction &transaction) -> Result<void> {
+        for (int entity = schema.entityCount() - 1; entity >= 0; --entity) {
+            if (Result<void> deleted = deleteRows(transaction, plan, entity); !deleted)
+                return deleted;
+        }
+        return {};
+    });
+    if (done)
+        finishDeletion(plan, *effects);
+    return done;
+}
+
+Result<void> ManagedObjectContext::Private::deleteRows(Transaction &transaction, const DeletionPlan &plan, int entity)
+{
+    const std::vector<qint64> &keys = plan.keys(entity);
+    for (const ToManyLink &link : schema.table(entity).toManys) {
+        if (!link.joined)
+            continue;
+        if (Result<void> done = writer.removeLinks(transaction, link, keys); !done)
+            return done;
+    }
+    for (const ToOneColumn &column : schema.table(entity).references) {
+        if (column.rule != DeleteRule::Nullify)
+            continue;
+        if (Result<void> done = writer.nullify(transaction, column, keys); !done)
+            return done;
+    }
+    return writer.deleteRows(transaction, entity, keys);
+}
+
+void ManagedObjectContext::Private::finishDeletion(const DeletionPlan &plan, const DeletionEffects &effects)
+{
+    if (UndoHistory *history = recorder())
+        history->recordDeleted(effects.archive);
+    note([&](PendingChanges &changes) { changes.note(effects.changes); });
+    ObjectList gone;
+    registry.forEach([&](ManagedObject &object) {
+        if (plan.contains(object.m_id)) {
+            if (auto held = registry.find(object.m_id))
+                gone.push_back(std::move(held));
+        }
+    });
+    for (const auto &object : gone)
+        (void)becomeDeleted(object->m_id);
+    Announcements announcements;
+    applyRelated(effects.losses, false, announcements);
+    for (const auto &cleared : effects.archive->cleared()) {
+        const ToOneChange change{cleared.property, cleared.key, 0};
+        note([&](PendingChanges &changes) { changes.noteToOne(cleared.id, change); });
+        const auto live = registry.find(cleared.id);
+        if (!live || live->m_values.empty())
+            continue;
+        live->m_values[size_t(cleared.property)] = Value();
+        announcements.emplace_back(live, cleared.property);
+    }
+    didEdit();
+    announceDeleted(gone);
+    announce(announcements);
+}
+
+std::shared_ptr<ManagedObject> ManagedObjectContext::Private::becomeDeleted(ObjectID id)
+{
+    auto object = registry.find(id);
+    if (!object)
+        return nullptr;
+    registry.remove(*object);
+    pinned.remove(id);
+    object->m_deleted = true;
+    object->m_context = nullptr;
+    object->m_isNew = false;
+    object->m_unwritten = 0;
+    return object;
+}
+
+void ManagedObjectContext::Private::announceDeleted(const ObjectList &gone)
+{
+    for (const auto &object : gone)
+        Q_EMIT object->deleted();
+}
+
+void ManagedObjectContext::Private::noteVanished(ObjectID id)
+{
+    ObjectChange change{id, allProperties, {}};
+    const auto live = registry.find(id);
+    if (live && !live->m_values.empty())
+        change.toOnes = toOnesOf(live->m_values, schema, id.entity, false);
+    note([&](PendingChanges &changes) { changes.noteDeleted(change); });
+    scheduleTurnEnd();
+}
+
+void ManagedObjectContext::Private::applyRelated(const RelatedChanges &related, bool gained,
+                                                 Announcements &announcements)
+{
+    for (const auto &[end, changedKeys] : related) {
+        const auto &[owner, property] = end;
+        if (schema.table(owner.entity).toMany(property).joined)
+            note([&, id = owner, bit = propertyBit(property)](PendingChanges &c) { c.noteUpdated(id, bit); });
+        auto live = registry.find(owner);
+        if (!live)
+            continue;
+        if (auto *known = knownRelated(*live, property)) {
+            std::vector<qint64> sorted = changedKeys;
+            std::sort(sorted.begin(), sorted.end());
+            std::vector<qint64> result;
+            if (gained)
+                std::set_union(known->begin(), known->end(), sorted.begin(), sorted.end(), std::back_inserter(result));
+            else
+                std::set_difference(known->begin(), known->end(), sorted.begin(), sorted.end(),
+                                    std::back_inserter(result));
+            *known = std::move(result);
+        }
+        announcements.emplace_back(std::move(live), property);
+    }
+}
+
+Result<void> ManagedObjectContext::Private::restoreRecords(const RecordArchive &archive)
+{
+    if (Result<void> written = writeDrafts(); !written)
+        return written;
+    Restoration restoration;
+    const Result<void> done = inTransaction(
+        [&](Transaction &transaction) { return writeRestored(transaction, archive, restoration); });
+    if (!done)
+        return done;
+    note([&](PendingChanges &changes) { changes.note(restoration.changes); });
+    if (UndoHistory *history = recorder()) {
+        std::vector<ObjectID> ids;
+        for (const ObjectChange &change : restoration.changes.inserted)
+            ids.push_back(change.id);
+        history->recordInserted(std::move(ids));
+    }
+    Announcements announcements;
+    applyRelated(restoration.gains, true, announcements);
+    didEdit();
+    announce(announcements);
+    for (const auto &cleared : archive.cleared()) {
+        const auto object = this->object(cleared.id);
+        if (object && isMissing(object->value(cleared.property)))
+            object->setValue(cleared.property, Value(cleared.key));
+    }
+    return {};
+}
+
+Result<void> ManagedObjectContext::Private::writeRestored(Transaction &transaction, const RecordArchive &archive,
+                                                          Restoration &restoration)
+{
+    Result<void> done;
+    QHash<ObjectID, bool> isThere; // What to-ones and links lead to.
+    const auto reaches = [&](ObjectID id) {
+        const auto known = isThere.constFind(id);
+        return known != isThere.cend() ? *known : *isThere.insert(id, exists(id));
+    };
+    archive.forEachRow([&](ObjectID id, RowReader::Row row) {
+        if (!schema.table(id.entity).toManys.empty())
+            isThere.insert(id, true);
+        for (const ToOneColumn &column : schema.table(id.entity).toOnes) {
+            Value &value = row[size_t(column.property)];
+            if (!isMissing(value) && !reaches({column.destination, std::get<qint64>(value)}))
+                value = Value();
+        }
+        done = writer.insertRow(transaction, id, row);
+        restoration.add(id, row, schema);
+        return done.has_value();
+    });
+    for (const LinkKey &key : archive.links()) {
+        if (!done)
+            return done;
+        const ToManyLink &link = schema.table(key.entity).toMany(key.property);
+        const ObjectID owner{link.entity, key.owner};
+        const ObjectID other{link.destination, key.other};
+        if (!reaches(owner) || !reaches(other))
+            continue;
+        done = writer.addLink(transaction, link, key.owner, key.other);
+        restoration.gains[{owner, link.property}].push_back(key.other);
+        restoration.gains[{other, link.inverse}].push_back(key.owner);
+    }
+    return done;
+}
+
+void ManagedObjectContext::Private::Restoration::add(ObjectID id, const RowReader::Row &row,
+                                                     const StoreSchema &schema)
+{
+    changes.inserted.push_back({id, allProperties, toOnesOf(row, schema, id.entity, true)});
+    for (const ToOneChange &toOne : changes.inserted.back().toOnes) {
+        const ToOneColumn &column = *schema.table(id.entity).toOne(toOne.property);
+        if (column.inverse >= 0)
+            gains[{{column.destination, toOne.newKey}, column.inverse}].push_back(id.key);
+    }
+}
+
+} // namespace tembra

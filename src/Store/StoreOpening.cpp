@@ -1,0 +1,146 @@
+#include "Store/StoreOpening.h"
+
+#include "Foundation/Logging.h"
+#include "Store/CompanionFiles.h"
+#include "Store/ObjectModel.h"
+#include "Store/PrivateFile.h"
+#include "Store/SchemaMigrator.h"
+#include "Store/StoreInspection.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <unistd.h>
+
+namespace tembra {
+
+namespace {
+
+/// Makes the folder of a store, and takes it away again unless the store could be opened.
+class FolderGuard
+{
+public:
+    Result<void> make(const QString &folder)
+    {
+        auto made = createPrivateFolder(folder);
+        if (!made)
+            return failure(made.error());
+        m_made = std::move(*made);
+        if (!QFileInfo(folder).isDir())
+            return failure(
+                QStringLiteral(
+                    "“%1” is not a folder. Move it somewhere else, or choose another folder for "
+                    "the journal.")
+                    .arg(folder));
+        return {};
+    }
+
+    void keep() { m_made.clear(); }
+
+    ~FolderGuard()
+    {
+        for (const QString &folder : std::as_const(m_made))
+            ::rmdir(QFile::encodeName(folder).constData());
+    }
+
+private:
+    QStringList m_made; ///< Innermost first.
+};
+
+Result<void> bringUpToDate(Connection &connection, const ObjectModel &model, int version,
+                           const QByteArray &vfs)
+{
+    qCInfo(storeLog, "Bringing the store from schema version %d to %d", version, model.version());
+    return setAsideCopy(connection, model, vfs).and_then([&] {
+        return migrate(connection, model, version);
+    });
+}
+
+/// The version the store has now that something went wrong with it; -1 when that cannot be read.
+int versionNow(Connection &connection)
+{
+    const auto statement = connection.prepare("PRAGMA user_version");
+    if (!statement)
+        return -1;
+    const auto row = (*statement)->step();
+    const int version = row && *row ? int((*statement)->key(0)) : -1;
+    (*statement)->reset();
+    return version;
+}
+
+/// Opens a store that was looked at before. Until all went well, closing it must change nothing.
+Result<OpenStore> openInspected(StoreLock lock, const QString &file, const ObjectModel &model,
+                                int version, const QByteArray &vfs)
+{
+    CompanionFiles companions(file);
+    auto opened = Connection::open(file, Connection::Mode::ReadWrite, vfs);
+    if (!opened) {
+        companions.restore();
+        return failure(opened.error());
+    }
+    std::shared_ptr<Connection> connection = std::move(*opened);
+    connection->setCheckpointsOnClose(false);
+    auto meta = version == model.version() ? Result<void>()
+                                           : bringUpToDate(*connection, model, version, vfs);
+    auto read = meta.and_then([&] { return StoreMeta::read(*connection); });
+    if (!read) {
+        const bool isUnchanged = versionNow(*connection) == version;
+        connection.reset();
+        if (isUnchanged)
+            companions.restore();
+        return failure(read.error());
+    }
+    connection->setCheckpointsOnClose(true);
+    return OpenStore{std::move(lock), std::move(connection), std::move(*read)};
+}
+
+Result<OpenStore> openLocked(StoreLock lock, const QString &file, const ObjectModel &model,
+                             const QByteArray &vfs)
+{
+    const bool isMissing = !QFileInfo::exists(file);
+    const auto version = inspectStore(file, model, vfs);
+    if (!version)
+        return failure(version.error());
+    if (*version > 0)
+        return openInspected(std::move(lock), file, model, *version, vfs);
+    if (auto created = createStore(file, model, vfs); !created)
+        return failure(created.error());
+    auto store = openInspected(std::move(lock), file, model, model.version(), vfs);
+    if (!store && isMissing)
+        removeDatabase(file);
+    return store;
+}
+
+/// Older files and folders may be open to others. A folder that is shared on purpose stays so.
+void tightenPermissions(const QString &folder, const QString &file)
+{
+    const bool holdsMore = QDir::homePath().startsWith(folder);
+    if (!holdsMore)
+        makePrivate(folder);
+    for (const QString &path : QStringList{file} + companionsOf(file))
+        makePrivate(path);
+}
+
+} // namespace
+
+Result<OpenStore> openStore(const StorePlace &place, const ObjectModel &model,
+                            const QByteArray &vfs)
+{
+    FolderGuard folder;
+    if (auto made = folder.make(place.directory); !made)
+        return failure(made.error());
+    // From here on no part of the path is a link, so that SQLite can be told to follow none.
+    const StorePlace real{QFileInfo(place.directory).canonicalFilePath(), place.name};
+    auto lock = StoreLock::acquire(real.lockFile());
+    if (!lock)
+        return failure(lock.error());
+    auto store = openLocked(std::move(*lock), real.storeFile(), model, vfs);
+    if (store) {
+        folder.keep();
+        tightenPermissions(real.directory, real.storeFile());
+    }
+    return store;
+}
+
+} // namespace tembra

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QPointer>
+#include <QRect>
+#include <QWidget>
+
+class QPainterPath;
+
+namespace tembra {
+
+/// A transient panel with an arrow that points at what it belongs to.
+///
+/// Closes on Escape and on a click elsewhere. It stays on the screen: where the wished side has no
+/// room, it opens on the opposite one.
+class Popover final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit Popover(QWidget *parent = nullptr);
+
+    /// Takes ownership of @p content; its size hint decides the size of the popover.
+    void setContent(QWidget *content);
+    QWidget *content() const { return m_content; }
+    /// Shown beside @p rect of @p anchor (in the anchor's coordinates), on the side of @p edge.
+    void showRelativeTo(QWidget *anchor, const QRect &rect, Qt::Edge edge);
+    /// Beside the whole of @p anchor.
+    void showRelativeTo(QWidget *anchor, Qt::Edge edge);
+    /// The side of the anchor on which it opened.
+    Qt::Edge edge() const { return m_edge; }
+
+Q_SIGNALS:
+    void closed();
+
+protected:
+    bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void place();
+    QRect anchorOnScreen() const;
+    QRect panelRect() const;
+    QPainterPath outline() const;
+    void fadeIn();
+
+    QPointer<QWidget> m_content;
+    QPointer<QWidget> m_anchor;
+    QRect m_anchorRect;
+    Qt::Edge m_wishedEdge = Qt::BottomEdge;
+    Qt::Edge m_edge = Qt::BottomEdge;
+    int m_arrowPosition = 0; ///< Of the arrow's tip, along the side it stands on.
+};
+
+} // namespace tembra
