@@ -16,7 +16,7 @@ set(TEMBRA_TEST_ENVIRONMENT
     "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/tests/home/config"
     "XDG_DATA_HOME=${CMAKE_BINARY_DIR}/tests/home/data"
     "XDG_STATE_HOME=${CMAKE_BINARY_DIR}/tests/home/state"
-    "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1"
+    "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:intercept_strndup=0"
     "LSAN_OPTIONS=suppressions=\"${CMAKE_SOURCE_DIR}/tests/support/lsan.supp\":print_suppressions=0"
     "TSAN_OPTIONS=suppressions=\"${CMAKE_SOURCE_DIR}/tests/support/tsan.supp\":halt_on_error=1"
     "UBSAN_OPTIONS=print_stacktrace=1")

@@ -8,10 +8,10 @@
 #include "MainWindow/ViewCoordinator.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
 #include "Toolkit/Alert.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QScopedValueRollback>
 #include <QSessionManager>
 
@@ -31,18 +31,12 @@ QString savingErrorAdvice(const Error &error)
 AppDelegate::AppDelegate(ProgramServices &services, const DataFolder &folder, QObject *parent)
     : QObject(parent)
     , m_services(services)
+    , m_presentError([this](const Error &error) { return showSavingError(error); })
     , m_windowStateFile(folder.windowStateFile())
 {
-    m_presentError = [this](const Error &error) {
-        Alert::runModal({.messageText = tr("Your changes could not be saved.", "Alert when saving fails"),
-                         .informativeText = savingErrorAdvice(error),
-                         .buttons = {tr("OK", "Closes the alert about a failed save")},
-                         .style = AlertContents::Style::Critical},
-                        m_window.get());
-        return false;
-    };
-    m_services.coreData.setPresentError([this](const Error &error) { m_presentError(error); });
+    m_services.coreData.setPresentError([this](const Error &error) { presentError(error); });
     m_services.coreData.setCommitEditing([this] { return !m_window || m_window->commitEditing(); });
+    qApp->installEventFilter(this);
 }
 
 AppDelegate::~AppDelegate()
@@ -61,14 +55,7 @@ void AppDelegate::applicationDidFinishLaunching(const std::function<void()> &pre
 
     m_window = std::make_unique<MainWindow>(m_services.coreData, m_services.journal, m_services.notifications,
                                             m_windowStateFile, [this] { terminate(); });
-    connectUndo();
     m_window->show();
-}
-
-void AppDelegate::connectUndo()
-{
-    UndoManager *undo = m_services.coreData.viewContext().undoManager();
-    connect(undo, &UndoManager::willChangeObject, m_window.get(), &MainWindow::reveal);
 }
 
 void AppDelegate::terminate()
@@ -79,6 +66,8 @@ void AppDelegate::terminate()
 
 bool AppDelegate::applicationShouldTerminate()
 {
+    if (!m_window)
+        return true; // Still starting: there is nothing to lose.
     if (m_terminating)
         return false;
     const QScopedValueRollback terminating(m_terminating, true);
@@ -86,13 +75,32 @@ bool AppDelegate::applicationShouldTerminate()
         qCWarning(applicationLog, "AppDelegate unable to commit editing to terminate");
         return false;
     }
-    ManagedObjectContext &context = m_services.coreData.viewContext();
-    if (!context.hasChanges())
+    if (!m_services.coreData.viewContext().hasChanges())
         return true;
-    const auto saved = context.save();
+    const auto saved = m_services.coreData.saveChanges();
     if (saved)
         return true;
-    return !m_presentError(saved.error()) && askQuitAnyway();
+    // A minimised window would keep the questions to itself.
+    bringForward();
+    return !presentError(saved.error()) && askQuitAnyway();
+}
+
+bool AppDelegate::presentError(const Error &error)
+{
+    if (m_presentingError)
+        return false;
+    const QScopedValueRollback presenting(m_presentingError, true);
+    return m_presentError(error);
+}
+
+bool AppDelegate::showSavingError(const Error &error)
+{
+    Alert::runModal({.messageText = tr("Your changes could not be saved.", "Alert when saving fails"),
+                     .informativeText = savingErrorAdvice(error),
+                     .buttons = {tr("OK", "Closes the alert about a failed save")},
+                     .style = AlertContents::Style::Critical},
+                    m_window.get());
+    return false;
 }
 
 bool AppDelegate::askQuitAnyway()
@@ -110,25 +118,50 @@ bool AppDelegate::askQuitAnyway()
 
 void AppDelegate::commitDataForLogout(QSessionManager &manager)
 {
-    if (manager.allowsInteraction()) {
-        if (!applicationShouldTerminate())
-            manager.cancel();
+    const bool mayAsk = manager.allowsInteraction();
+    if (!prepareForLogout(mayAsk))
+        manager.cancel();
+    if (mayAsk)
         manager.release();
-        return;
+}
+
+bool AppDelegate::prepareForLogout(bool mayAsk)
+{
+    m_readyForLogout = false;
+    if (mayAsk) {
+        m_readyForLogout = applicationShouldTerminate();
+        return m_readyForLogout;
     }
     m_services.coreData.commitEditing();
-    if (const auto saved = m_services.coreData.viewContext().save(); !saved)
+    if (const auto saved = m_services.coreData.saveChanges(); !saved)
         qCWarning(applicationLog, "Could not save at log-out: %s", qUtf8Printable(saved.error().description()));
+    return true;
+}
+
+bool AppDelegate::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Quit || watched != qApp)
+        return QObject::eventFilter(watched, event);
+    // Whoever was asked at the log-out is not asked again when the log-out then happens.
+    if (m_readyForLogout)
+        QCoreApplication::exit(0);
+    else
+        terminate();
+    return true;
 }
 
 void AppDelegate::bringForward()
 {
-    if (!m_window)
-        return;
-    m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
-    m_window->show();
-    m_window->raise();
-    m_window->activateWindow();
+    if (m_window) {
+        m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
+        m_window->show();
+        m_window->raise();
+    }
+    QWidget *alert = QApplication::activeModalWidget();
+    if (QWidget *front = alert ? alert : m_window.get()) {
+        front->raise();
+        front->activateWindow();
+    }
 }
 
 MainWindow *AppDelegate::window() const

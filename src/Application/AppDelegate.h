@@ -3,7 +3,6 @@
 #include "Foundation/Result.h"
 
 #include <QObject>
-#include <QPointer>
 
 #include <functional>
 #include <memory>
@@ -35,13 +34,17 @@ public:
     void applicationDidFinishLaunching(const std::function<void()> &prepareStore = {});
 
     /// Ends the program if applicationShouldTerminate() lets it; the one way out for menu, window,
-    /// signals and log-out. Does nothing while it is already asking.
+    /// signals and QApplication::quit(). Does nothing while it is already asking.
     void terminate();
     /// Commits and saves; where that fails, asks the user. False when the program goes on.
     bool applicationShouldTerminate();
-    /// The desktop's log-out: the same, without questions where it allows none.
+    /// The desktop's log-out.
     void commitDataForLogout(QSessionManager &manager);
+    /// What it does: the same as quitting, but without questions where it @p mayAsk none. False when
+    /// the user wants to stay. The desktop ends the program later, if nobody else stops it.
+    bool prepareForLogout(bool mayAsk);
 
+    /// Shows the window, or the alert that is open over it, in front of everything else.
     void bringForward();
 
     MainWindow *window() const;
@@ -50,18 +53,24 @@ public:
     ViewCoordinator *viewCoordinator() const;
     PersistentContainer &persistentContainer() const;
 
-    /// Shows an error that kept the program from saving; true when the user resolved it meanwhile.
+    /// Replaces the alert about an error that kept the program from saving; the function answers
+    /// true when the user resolved it meanwhile.
     void setPresentError(std::function<bool(const Error &)> presentError);
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    bool presentError(const Error &error);
+    bool showSavingError(const Error &error);
     bool askQuitAnyway();
-    void connectUndo();
 
     ProgramServices &m_services;
     std::function<bool(const Error &)> m_presentError;
     std::unique_ptr<MainWindow> m_window;
     QString m_windowStateFile;
+    bool m_presentingError = false;
     bool m_terminating = false;
+    bool m_readyForLogout = false;
 };
 
 } // namespace tembra

@@ -23,6 +23,20 @@ struct Options
     QCommandLineOption version{{u"v"_s, u"version"_s}, u"Show the version."_s};
 };
 
+/// What the toolkit takes off the command line by itself, as "-platform xcb" or "--platform xcb".
+QList<QCommandLineOption> optionsOfTheToolkit()
+{
+    QList<QCommandLineOption> options;
+    for (const QString &name : {u"display"_s, u"geometry"_s, u"icon"_s, u"name"_s, u"platform"_s,
+                                u"platformpluginpath"_s, u"platformtheme"_s, u"plugin"_s, u"qwindowgeometry"_s,
+                                u"qwindowicon"_s, u"qwindowtitle"_s, u"session"_s, u"style"_s, u"stylesheet"_s,
+                                u"title"_s})
+        options.append(QCommandLineOption(name, QString(), u"VALUE"_s));
+    for (const QString &name : {u"dograb"_s, u"nograb"_s, u"reverse"_s, u"widgetcount"_s})
+        options.append(QCommandLineOption(name));
+    return options;
+}
+
 QString usage()
 {
     return u"Usage: tembra [--data-dir DIR | --sample] [--screenshots DIR] [--help] [--version]\n"
@@ -43,10 +57,27 @@ PrintAndExit mistake(const QString &sentence)
     return {u"tembra: %1\nTry 'tembra --help'.\n"_s.arg(sentence), usageError};
 }
 
-/// The directory an option names; null when the option is not there.
-QString directoryValue(const QCommandLineParser &parser, const QCommandLineOption &option)
+/// What is wrong with an option that names a folder; empty when nothing is.
+QString mistakeInFolder(const QCommandLineParser &parser, const QCommandLineOption &option)
 {
-    return parser.isSet(option) ? parser.value(option) : QString();
+    // "--data-dir --sample" is a forgotten folder and not one with a curious name.
+    const QString folder = parser.value(option);
+    if (!parser.isSet(option) || !(folder.isEmpty() || folder.startsWith(u'-')))
+        return {};
+    return u"--%1 needs the name of a folder."_s.arg(option.names().first());
+}
+
+QString mistakeIn(const QCommandLineParser &parser, const Options &options)
+{
+    if (!parser.positionalArguments().isEmpty())
+        return u"'%1' is not an option."_s.arg(parser.positionalArguments().first());
+    for (const QCommandLineOption &option : {options.dataDir, options.screenshots}) {
+        if (const QString found = mistakeInFolder(parser, option); !found.isEmpty())
+            return found;
+    }
+    if (parser.isSet(options.sample) && parser.isSet(options.dataDir))
+        return u"--sample uses a folder of its own; leave --data-dir out."_s;
+    return {};
 }
 
 } // namespace
@@ -55,27 +86,20 @@ std::variant<StartOptions, PrintAndExit> parseCommandLine(const QStringList &arg
 {
     const Options options;
     QCommandLineParser parser;
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     parser.addOptions({options.dataDir, options.sample, options.screenshots, options.help, options.version});
+    parser.addOptions(optionsOfTheToolkit());
     const bool understood = parser.parse(arguments);
     if (parser.isSet(options.help))
         return PrintAndExit{usage(), 0};
     if (parser.isSet(options.version))
         return PrintAndExit{u"tembra %1\n"_s.arg(programVersion()), 0};
-    if (!understood)
-        return mistake(parser.errorText());
-    if (!parser.positionalArguments().isEmpty())
-        return mistake(u"'%1' is not an option."_s.arg(parser.positionalArguments().first()));
-
-    const StartOptions start{.dataDirectory = directoryValue(parser, options.dataDir),
-                             .sample = parser.isSet(options.sample),
-                             .screenshotsDirectory = directoryValue(parser, options.screenshots)};
-    if (parser.isSet(options.dataDir) && start.dataDirectory.isEmpty())
-        return mistake(u"--data-dir needs the name of a folder."_s);
-    if (parser.isSet(options.screenshots) && start.screenshotsDirectory.isEmpty())
-        return mistake(u"--screenshots needs the name of a folder."_s);
-    if (start.sample && !start.dataDirectory.isEmpty())
-        return mistake(u"--sample uses a folder of its own; leave --data-dir out."_s);
-    return start;
+    const QString wrong = understood ? mistakeIn(parser, options) : parser.errorText();
+    if (!wrong.isEmpty())
+        return mistake(wrong);
+    return StartOptions{.dataDirectory = parser.value(options.dataDir),
+                        .sample = parser.isSet(options.sample),
+                        .screenshotsDirectory = parser.value(options.screenshots)};
 }
 
 } // namespace tembra

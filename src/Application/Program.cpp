@@ -29,11 +29,17 @@ void printTo(FILE *stream, const QString &text)
     std::fputs(qPrintable(text), stream);
 }
 
-/// Tells why the program cannot go on, on the screen and where it was started from.
-int giveUp(const QString &message)
+/// Unwinds a start that cannot go on, so that everything made so far is taken down again.
+struct CannotStart
 {
-    printTo(stderr, u"tembra: "_s + message + u'\n');
-    Alert::runModal({.messageText = message,
+    QString reason;
+};
+
+/// Tells why the program cannot go on, on the screen and where it was started from.
+int giveUp(const QString &reason)
+{
+    printTo(stderr, u"tembra: "_s + reason + u'\n');
+    Alert::runModal({.messageText = reason,
                      .informativeText = QCoreApplication::translate(
                          "Program", "Tembra has changed nothing. It closes now.", "Alert when the start fails"),
                      .buttons = {QCoreApplication::translate("Program", "Quit", "Closes the program")},
@@ -41,10 +47,21 @@ int giveUp(const QString &message)
     return couldNotStart;
 }
 
-/// Ends the process at once: nothing has been made yet that would have to be taken down.
-[[noreturn]] void stopProgram(const QString &message)
+int leaveToRunningInstance(const StartOptions &options)
 {
-    std::exit(giveUp(message));
+    if (options.screenshotsDirectory.isEmpty())
+        return 0;
+    printTo(stderr, u"tembra: Tembra is already running with this journal. Quit it to take pictures.\n"_s);
+    return couldNotStart;
+}
+
+int runUntilQuit(AppDelegate &delegate, const StartOptions &options)
+{
+    Screenshots screenshots(options.screenshotsDirectory);
+    if (!options.screenshotsDirectory.isEmpty())
+        screenshots.takeThenQuit(delegate);
+    const int status = QCoreApplication::exec();
+    return screenshots.failed() ? couldNotStart : status;
 }
 
 int runOn(const DataFolder &folder, const StartOptions &options)
@@ -54,27 +71,27 @@ int runOn(const DataFolder &folder, const StartOptions &options)
     if (!answer)
         return giveUp(answer.error().description());
     if (*answer == SingleInstance::Answer::Shown)
-        return 0;
+        return leaveToRunningInstance(options);
+    instance.listen();
 
     ProgramServices services(folder);
-    services.coreData.setStopProgram(stopProgram);
+    services.coreData.setStopProgram([](const QString &reason) { throw CannotStart{reason}; });
     AppDelegate delegate(services, folder);
-    delegate.applicationDidFinishLaunching([&] {
-        if (options.sample)
-            SampleJournal::fill(services.coreData.viewContext(), services.clock);
-    });
-    instance.listen();
     const UnixSignals signalsOfTheSystem;
     QObject::connect(&instance, &SingleInstance::showRequested, &delegate, &AppDelegate::bringForward);
     QObject::connect(&signalsOfTheSystem, &UnixSignals::terminationRequested, &delegate, &AppDelegate::terminate);
     QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, &delegate, &AppDelegate::commitDataForLogout,
                      Qt::DirectConnection);
-
-    Screenshots screenshots(options.screenshotsDirectory);
-    if (!options.screenshotsDirectory.isEmpty())
-        screenshots.takeThenQuit(delegate);
-    const int status = QCoreApplication::exec();
-    return screenshots.failed() ? couldNotStart : status;
+    try {
+        delegate.applicationDidFinishLaunching([&] {
+            if (options.sample)
+                SampleJournal::fill(services.coreData.viewContext(), services.clock,
+                                    QTimeZone(services.region.timeZoneId.toUtf8()));
+        });
+    } catch (const CannotStart &stop) {
+        return giveUp(stop.reason);
+    }
+    return runUntilQuit(delegate, options);
 }
 
 } // namespace
@@ -83,26 +100,22 @@ int runProgram(int argc, char *argv[])
 {
     QCoreApplication::setApplicationName(u"Tembra"_s);
     QCoreApplication::setApplicationVersion(programVersion());
-    QStringList rawArguments;
+    QStringList arguments;
     for (int i = 0; i < argc; ++i)
-        rawArguments.append(QString::fromLocal8Bit(argv[i]));
-    // Help and version need no display. What is wrong is told later: the toolkit takes its own
-    // options off the list first.
-    const auto early = parseCommandLine(rawArguments);
-    if (const auto *answer = std::get_if<PrintAndExit>(&early); answer && answer->exitStatus == 0) {
-        printTo(stdout, answer->text);
-        return 0;
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    // Before the toolkit starts: help, version and mistakes need no display.
+    const auto parsed = parseCommandLine(arguments);
+    if (const auto *text = std::get_if<PrintAndExit>(&parsed)) {
+        printTo(text->exitStatus == 0 ? stdout : stderr, text->text);
+        return text->exitStatus;
     }
 
-    QApplication application(argc, argv);
+    const QApplication application(argc, argv);
     QGuiApplication::setDesktopFileName(u"tembra"_s);
-    QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(icons::application());
-    const auto parsed = parseCommandLine(QCoreApplication::arguments());
-    if (const auto *mistake = std::get_if<PrintAndExit>(&parsed)) {
-        printTo(stderr, mistake->text);
-        return mistake->exitStatus;
-    }
+    // Only AppDelegate ends the program.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QCoreApplication::setQuitLockEnabled(false);
     const auto &options = std::get<StartOptions>(parsed);
     const auto folder = DataFolder::forOptions(options);
     return folder ? runOn(*folder, options) : giveUp(folder.error().description());

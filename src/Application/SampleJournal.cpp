@@ -5,12 +5,17 @@
 #include "Foundation/Logging.h"
 #include "Model/Counterpart.h"
 #include "Model/Note.h"
+#include "Model/NoteField.h"
 #include "Model/SentimentScale.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/UndoManager.h"
 
+#include <QDateTime>
+
+#include <algorithm>
+#include <array>
 #include <random>
 
 namespace tembra {
@@ -19,7 +24,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr double day = 24 * 60 * 60;
 constexpr int twoYears = 730;
 
 /// Writes the journal record by record. The generator is seeded the same every time, and only its
@@ -27,7 +31,7 @@ constexpr int twoYears = 730;
 class SampleWriter
 {
 public:
-    SampleWriter(ManagedObjectContext &context, Date now)
+    SampleWriter(ManagedObjectContext &context, const QDateTime &now)
         : m_context(context)
         , m_now(now)
     {
@@ -39,6 +43,8 @@ public:
         counterpart->setName(teammate.name);
         if (teammate.daysBetweenMeetings == 0)
             return;
+        for (int &turn : m_turnOfField)
+            turn = below(100);
         int daysAgo = teammate.daysSinceLastMeeting;
         while (daysAgo < twoYears) {
             writeMeeting(counterpart, daysAgo);
@@ -53,13 +59,21 @@ private:
     {
         const auto session = m_context.insert<Session>();
         session->setCounterpart(counterpart);
-        // At some half hour of the working day, the nearest one before now.
-        session->setDate(m_now.adding(-daysAgo * day - below(12) * 1800));
+        session->setDate(Date::fromUnixMilliseconds(double(workingHour(daysAgo).toMSecsSinceEpoch())));
         session->setPersonalSentiment(rating(SentimentScale::personal()));
         session->setMeetingSentiment(rating(SentimentScale::meeting()));
         session->setCounterpartSentiment(rating(SentimentScale::personal()));
         writeNotes(*session);
         writeTags(*session);
+    }
+
+    /// Some half hour between nine and five of that day; of the Friday before it at a weekend.
+    QDateTime workingHour(int daysAgo)
+    {
+        const QDate date = m_now.date().addDays(-daysAgo);
+        const int pastFriday = std::max(0, date.dayOfWeek() - int(Qt::Friday));
+        const QTime time = QTime(9, 0).addSecs(below(16) * 30 * 60);
+        return QDateTime(date.addDays(-pastFriday), time, m_now.timeZone());
     }
 
     /// Mostly a rating, now and then none.
@@ -68,10 +82,16 @@ private:
     void writeNotes(const Session &session)
     {
         for (const std::shared_ptr<Note> &note : session.sortedNotes()) {
-            const QStringList texts = SampleTexts::notes(note->identifier());
             if (below(9) < 4)
-                note->setContentString(texts.at(below(int(texts.size()))));
+                note->setContentString(nextText(note->identifier()));
         }
+    }
+
+    /// In turn, so that a text comes again as late as it can.
+    QString nextText(qint16 identifier)
+    {
+        const QStringList texts = SampleTexts::notes(identifier);
+        return texts.at(m_turnOfField.at(size_t(identifier))++ % texts.size());
     }
 
     void writeTags(Session &session)
@@ -84,16 +104,18 @@ private:
     }
 
     ManagedObjectContext &m_context;
-    Date m_now;
+    QDateTime m_now;
+    std::array<int, maximumNoteIdentifier + 1> m_turnOfField{};
     std::mt19937 m_random{20010101};
 };
 
 } // namespace
 
-void SampleJournal::fill(ManagedObjectContext &context, const Clock &clock)
+void SampleJournal::fill(ManagedObjectContext &context, const Clock &clock, const QTimeZone &timeZone)
 {
     const UndoManager::Suspension notUndoable(*context.undoManager());
-    SampleWriter writer(context, clock.now());
+    const qint64 now = qint64(clock.now().toUnixMilliseconds());
+    SampleWriter writer(context, QDateTime::fromMSecsSinceEpoch(now, timeZone));
     for (const SampleTexts::Teammate &teammate : SampleTexts::teammates())
         writer.writeTeammate(teammate);
     context.processPendingChanges();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QTimeZone>
+
 namespace tembra {
 
 class Clock;
@@ -11,7 +13,7 @@ class SampleJournal
 {
 public:
     /// Fills an empty store and saves it. Nothing of it can be undone.
-    static void fill(ManagedObjectContext &context, const Clock &clock);
+    static void fill(ManagedObjectContext &context, const Clock &clock, const QTimeZone &timeZone);
 };
 
 } // namespace tembra

@@ -14,7 +14,7 @@ QList<Teammate> teammates()
         {u"Émile Fontaine"_s, 11, 7},
         {u"Maximiliane von Hohenstein-Löwenberg"_s, 9, 14},
         {u"Priya Raghunathan"_s, 1, 7},
-        {u"Tomás Herrera"_s, 14, 21},
+        {u"Tomás Herrera"_s, 12, 21},
     };
 }
 
@@ -32,11 +32,11 @@ QStringList notes(qint16 identifier)
     static const QList<QStringList> notesOfField{
         {
             u"Ask finance whether the training budget carries over into January."_s,
-            u"Introduce her to the platform team before Thursday's design review."_s,
+            u"Introduce us to the platform team before Thursday's design review."_s,
             u"Read the draft of the migration plan and comment by Wednesday.\nBook a room for the retro."_s,
             u"Find out who owns the staging cluster now."_s,
             u"Send the notes of the skip-level meeting."_s,
-            u"Clear two Fridays for the hiring panel; talk to Émile about swapping."_s,
+            u"Clear two Fridays for the hiring panel; ask the platform lead about swapping."_s,
         },
         {
             u"Waiting for security to sign off on the new login flow. Third week now."_s,
@@ -61,7 +61,7 @@ QStringList notes(qint16 identifier)
         {
             u"Short term: own the billing rewrite end to end. Long term: staff engineer."_s,
             u"Speak at the spring conference; first draft of the talk in two weeks."_s,
-            u"Hand the release process over to Tomás by the end of the quarter."_s,
+            u"Hand the release process over by the end of the quarter."_s,
             u"Learn enough SQL to answer the support questions alone."_s,
             u"Bring the error rate below 0.1 % and keep it there for a month."_s,
         },
@@ -82,7 +82,7 @@ QStringList notes(qint16 identifier)
         {
             u"Two weeks off in July, then part time until September."_s,
             u"No break since spring. Suggested the long weekend; will look at the calendar."_s,
-            u"Away from the 20th; Daria covers."_s,
+            u"Away from the 20th; we still need somebody to cover."_s,
             u"Family visit in December, wants to work the first week from there."_s,
         },
         {

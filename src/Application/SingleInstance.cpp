@@ -42,7 +42,8 @@ Result<SingleInstance::Answer> SingleInstance::askRunningInstance() const
 {
     QLocalSocket socket;
     socket.connectToServer(m_serverName);
-    if (!socket.waitForConnected(patienceInMilliseconds))
+    // One that is still connecting after so long waits in the queue of a program that hangs.
+    if (!socket.waitForConnected(patienceInMilliseconds) && socket.state() == QLocalSocket::UnconnectedState)
         return Answer::NobodyRuns;
     socket.write(showRequest.data(), showRequest.size());
     QByteArray received;
@@ -50,6 +51,8 @@ Result<SingleInstance::Answer> SingleInstance::askRunningInstance() const
         received += socket.readAll();
     if (received == shownAnswer)
         return Answer::Shown;
+    if (socket.error() == QLocalSocket::PeerClosedError)
+        return Answer::NobodyRuns;
     return failure(u"Tembra is already running with this journal but does not answer. "
                    "Close it, or end it in the system's task manager, then start again."_s);
 }

@@ -18,14 +18,15 @@ public:
     explicit SingleInstance(const QString &dataDirectory, QObject *parent = nullptr);
 
     enum class Answer {
-        NobodyRuns, ///< No program works on this folder, or none that listens.
+        NobodyRuns, ///< No program works on this folder, or none that listens, or one that is ending.
         Shown       ///< The running program has brought its window forward.
     };
     /// Asks a running program to come forward; fails when one is there but does not answer.
     Result<Answer> askRunningInstance() const;
 
-    /// Listens for later starts, on a socket that this user alone can reach. Call once the store is
-    /// open: its lock says that whatever socket was left there is nobody's.
+    /// Listens for later starts, on a socket that this user alone can reach. Call when nobody runs:
+    /// whatever socket was left there is removed. A later start waits for its answer until the
+    /// event loop runs.
     void listen();
 
 Q_SIGNALS:

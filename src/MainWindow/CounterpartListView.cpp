@@ -13,14 +13,14 @@ bool isStep(const QKeyEvent &event)
 
 bool isMovement(const QKeyEvent &event)
 {
-    static const QList<int> keys{Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown};
+    static const QList<int> keys{Qt::Key_Up,  Qt::Key_Down,   Qt::Key_Home,
+                                 Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown};
     return !(event.modifiers() & ~Qt::KeypadModifier) && keys.contains(event.key());
 }
 
 } // namespace
 
-CounterpartListView::CounterpartListView(QWidget *parent)
-    : QListView(parent)
+CounterpartListView::CounterpartListView(QWidget *parent) : QListView(parent)
 {
     setFrameShape(QFrame::NoFrame);
     setUniformItemSizes(true);

@@ -19,8 +19,7 @@ constexpr auto commitDelay = 500ms;
 
 } // namespace
 
-CounterpartNameEditor::CounterpartNameEditor(QWidget *parent)
-    : QLineEdit(parent)
+CounterpartNameEditor::CounterpartNameEditor(QWidget *parent) : QLineEdit(parent)
 {
     setObjectName(u"nameEditor"_s);
     setAccessibleName(tr("Name", "Accessible name of the field for a teammate's name"));

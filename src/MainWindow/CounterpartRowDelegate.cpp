@@ -34,7 +34,8 @@ CounterpartRowViewModel rowOf(const QModelIndex &index)
 
 int lineHeight(const QFont &font)
 {
-    return int(std::ceil(std::max(emojiTextSize(u"🎯"_s, font).height(), QFontMetricsF(font).height())));
+    return int(
+        std::ceil(std::max(emojiTextSize(u"🎯"_s, font).height(), QFontMetricsF(font).height())));
 }
 
 /// Where the parts of a row lie, in the row's reading direction.
@@ -69,8 +70,10 @@ RowLayout::RowLayout(const QStyleOptionViewItem &option, const QString &tagEmoji
     const int gap = emojiWidth > 0 ? theme::relatedSpacing : 0;
     name = visual({content.left(), content.top(), content.width() - emojiWidth - gap, nameHeight});
     tagEmoji = visual({content.right() + 1 - emojiWidth, content.top(), emojiWidth, nameHeight});
-    meeting = visual({content.left(), content.top() + nameHeight + lineSpacing, content.width(), lineHeight(meetingFont)});
-    overdueBar = visual({fill.left() + theme::gridUnit, content.top() + 2, overdueBarWidth, content.height() - 4});
+    meeting = visual({content.left(), content.top() + nameHeight + lineSpacing, content.width(),
+                      lineHeight(meetingFont)});
+    overdueBar = visual(
+        {fill.left() + theme::gridUnit, content.top() + 2, overdueBarWidth, content.height() - 4});
 }
 
 struct RowColors
@@ -117,13 +120,16 @@ void drawFocusRing(QPainter *painter, const RowLayout &layout, const RowColors &
     painter->drawRoundedRect(ring, theme::cornerRadius - 2, theme::cornerRadius - 2);
 }
 
-void drawTexts(QPainter *painter, const CounterpartRowViewModel &row, const RowLayout &layout, const RowColors &colors)
+void drawTexts(QPainter *painter, const CounterpartRowViewModel &row, const RowLayout &layout,
+               const RowColors &colors)
 {
-    drawEmojiText(painter, layout.name, row.title, layout.nameFont, row.isUnnamed ? colors.secondary : colors.title);
+    drawEmojiText(painter, layout.name, row.title, layout.nameFont,
+                  row.isUnnamed ? colors.secondary : colors.title);
     if (!row.tagEmoji.isEmpty())
         drawEmojiText(painter, layout.tagEmoji, row.tagEmoji, layout.nameFont, colors.title,
                       Qt::AlignTrailing | Qt::AlignVCenter);
-    const QFont meetingFont = row.isOverdue ? theme::mediumFont(layout.meetingFont) : layout.meetingFont;
+    const QFont meetingFont = row.isOverdue ? theme::mediumFont(layout.meetingFont)
+                                            : layout.meetingFont;
     drawEmojiText(painter, layout.meeting, row.meetingLine, meetingFont,
                   row.isOverdue ? colors.title : colors.secondary);
 }
@@ -141,7 +147,8 @@ void CounterpartRowDelegate::commitOpenEditor()
         m_openEditor->commit();
 }
 
-void CounterpartRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+void CounterpartRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                                   const QModelIndex &index) const
 {
     const CounterpartRowViewModel row = rowOf(index);
     const RowLayout layout(option, row.tagEmoji);
@@ -161,17 +168,21 @@ void CounterpartRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem
     painter->restore();
 }
 
-QSize CounterpartRowDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &) const
+QSize CounterpartRowDelegate::sizeHint(const QStyleOptionViewItem &option,
+                                       const QModelIndex &) const
 {
     const RowLayout layout(option, {});
-    return {0, 2 * theme::relatedSpacing + layout.name.height() + lineSpacing + layout.meeting.height()};
+    return {0, 2 * theme::relatedSpacing + layout.name.height() + lineSpacing
+                   + layout.meeting.height()};
 }
 
-QWidget *CounterpartRowDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &, const QModelIndex &) const
+QWidget *CounterpartRowDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
+                                              const QModelIndex &) const
 {
     auto *editor = new CounterpartNameEditor(parent);
     auto *self = const_cast<CounterpartRowDelegate *>(this);
-    connect(editor, &CounterpartNameEditor::commitRequested, self, [self, editor] { Q_EMIT self->commitData(editor); });
+    connect(editor, &CounterpartNameEditor::commitRequested, self,
+            [self, editor] { Q_EMIT self->commitData(editor); });
     m_openEditor = editor;
     return editor;
 }
@@ -181,7 +192,8 @@ void CounterpartRowDelegate::setEditorData(QWidget *editor, const QModelIndex &i
     static_cast<CounterpartNameEditor *>(editor)->setName(index.data(Qt::EditRole).toString());
 }
 
-void CounterpartRowDelegate::setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const
+void CounterpartRowDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
+                                          const QModelIndex &index) const
 {
     auto *nameEditor = static_cast<CounterpartNameEditor *>(editor);
     if (!nameEditor->isUncommitted())
@@ -190,7 +202,8 @@ void CounterpartRowDelegate::setModelData(QWidget *editor, QAbstractItemModel *m
     model->setData(index, nameEditor->text());
 }
 
-void CounterpartRowDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+void CounterpartRowDelegate::updateEditorGeometry(QWidget *editor,
+                                                  const QStyleOptionViewItem &option,
                                                   const QModelIndex &) const
 {
     // Wider than the name by the field's own frame, so that the text does not jump.
@@ -199,16 +212,16 @@ void CounterpartRowDelegate::updateEditorGeometry(QWidget *editor, const QStyleO
     editor->setGeometry(name.adjusted(-frame, -frame, frame, frame));
 }
 
-bool CounterpartRowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
-                                       const QModelIndex &index)
+bool CounterpartRowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
+                                       const QStyleOptionViewItem &option, const QModelIndex &index)
 {
     if (event->type() != QEvent::ToolTip || !index.isValid())
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     const CounterpartRowViewModel row = rowOf(index);
     const RowLayout layout(option, row.tagEmoji);
     const bool cutShort = isCutShort(row.title, layout.nameFont, layout.name)
-        || isCutShort(row.meetingLine, layout.meetingFont, layout.meeting)
-        || isCutShort(row.tagEmoji, layout.nameFont, layout.tagEmoji);
+                          || isCutShort(row.meetingLine, layout.meetingFont, layout.meeting)
+                          || isCutShort(row.tagEmoji, layout.nameFont, layout.tagEmoji);
     QString text;
     if (cutShort) {
         for (const QString &line : {row.title, row.meetingLine, row.tagEmoji})

@@ -18,8 +18,8 @@ public:
     /// What stands in for a name that is missing; also the prompt while one is typed.
     static QString unnamedTitle();
 
-    QString title;       ///< The name, or unnamedTitle().
-    bool isUnnamed;      ///< Then the title is shown dimmer.
+    QString title; ///< The name, or unnamedTitle().
+    bool isUnnamed; ///< Then the title is shown dimmer.
     QString meetingLine; ///< The most recent meeting; begins with a warning sign when overdue.
     QString tagEmoji;
     bool isOverdue;

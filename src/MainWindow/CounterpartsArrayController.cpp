@@ -18,7 +18,8 @@ QVariant CounterpartsArrayController::data(const QModelIndex &index, int role) c
 {
     if (role != Qt::AccessibleTextRole || !index.isValid())
         return AutoEditArrayController::data(index, role);
-    return CounterpartRowViewModel(static_cast<const Counterpart &>(*objectAt(index.row()))).accessibleText();
+    return CounterpartRowViewModel(static_cast<const Counterpart &>(*objectAt(index.row())))
+        .accessibleText();
 }
 
 } // namespace tembra

@@ -65,7 +65,8 @@ QWidget *CounterpartsPaneViewController::buildHeader()
     title->setFont(theme::titleFont(font()));
     auto *header = new QWidget;
     auto *layout = new QHBoxLayout(header);
-    layout->setContentsMargins(theme::wideMargin, theme::margin, theme::relatedSpacing, theme::relatedSpacing);
+    layout->setContentsMargins(theme::wideMargin, theme::margin, theme::relatedSpacing,
+                               theme::relatedSpacing);
     layout->addWidget(title, 1);
     layout->addWidget(buildSegments());
     return header;
@@ -79,12 +80,15 @@ QWidget *CounterpartsPaneViewController::buildSegments()
     layout->setContentsMargins({});
     layout->setSpacing(0);
     const QList<QToolButton *> buttons{
-        segment(icons::Name::Add, tr("Add a teammate", "Tooltip and accessible name"), u"addTeammateButton"_s),
-        segment(icons::Name::Remove, tr("Delete the selected teammates", "Tooltip and accessible name"),
+        segment(icons::Name::Add, tr("Add a teammate", "Tooltip and accessible name"),
+                u"addTeammateButton"_s),
+        segment(icons::Name::Remove,
+                tr("Delete the selected teammates", "Tooltip and accessible name"),
                 u"deleteTeammatesButton"_s)};
     for (int index = 0; index < buttons.size(); ++index) {
         layout->addWidget(buttons.at(index));
-        connect(buttons.at(index), &QToolButton::clicked, this, [this, index] { handleTeammateAddDelete(index); });
+        connect(buttons.at(index), &QToolButton::clicked, this,
+                [this, index] { handleTeammateAddDelete(index); });
     }
     return segments;
 }
@@ -102,7 +106,8 @@ void CounterpartsPaneViewController::buildList()
 void CounterpartsPaneViewController::buildEmptyState()
 {
     m_emptyState = new EmptyState(tr("No teammates yet", "Stands in the empty list of teammates"),
-                                  tr("Add the people you meet one-on-one.", "Stands in the empty list of teammates"),
+                                  tr("Add the people you meet one-on-one.",
+                                     "Stands in the empty list of teammates"),
                                   tr("Add Teammate", "Button in the empty list of teammates"));
     m_emptyState->setObjectName(u"noTeammates"_s);
     connect(m_emptyState, &EmptyState::triggered, this, [this] { handleTeammateAddDelete(0); });
@@ -113,19 +118,22 @@ void CounterpartsPaneViewController::createActions()
     m_renameAction = new QAction(tr("&Rename…", "Context menu of a teammate"), m_tableView);
     m_renameAction->setObjectName(u"renameAction"_s);
     m_renameAction->setEnabled(false);
-    connect(m_renameAction, &QAction::triggered, this, &CounterpartsPaneViewController::renameSelected);
+    connect(m_renameAction, &QAction::triggered, this,
+            &CounterpartsPaneViewController::renameSelected);
 
     auto *deleteAction = new QAction(tr("&Delete…", "Context menu of a teammate"), m_tableView);
     deleteAction->setObjectName(u"deleteAction"_s);
     deleteAction->setShortcut(QKeySequence::Delete);
     deleteAction->setShortcutContext(Qt::WidgetShortcut);
-    connect(deleteAction, &QAction::triggered, this, &CounterpartsPaneViewController::handleDeleteFromMenu);
+    connect(deleteAction, &QAction::triggered, this,
+            &CounterpartsPaneViewController::handleDeleteFromMenu);
 
     m_tableView->addActions({m_renameAction, deleteAction});
     m_tableView->setContextMenuPolicy(Qt::ActionsContextMenu);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
         auto *shortcut = new QShortcut(key, m_tableView, nullptr, nullptr, Qt::WidgetShortcut);
-        connect(shortcut, &QShortcut::activated, this, &CounterpartsPaneViewController::focusMeetings);
+        connect(shortcut, &QShortcut::activated, this,
+                &CounterpartsPaneViewController::focusMeetings);
     }
 }
 

@@ -18,7 +18,10 @@
 #include <QAction>
 #include <QApplication>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QStackedWidget>
+
+#include <utility>
 
 namespace tembra {
 
@@ -35,7 +38,8 @@ std::shared_ptr<Counterpart> asCounterpart(const ArrayController::Object &object
 
 CounterpartsPaneViewController::CounterpartsPaneViewController(ViewCoordinator &viewCoordinator,
                                                                CoreDataInterface &coreData,
-                                                               NotificationCenter &notifications, QWidget *parent)
+                                                               NotificationCenter &notifications,
+                                                               QWidget *parent)
     : QWidget(parent)
     , m_viewCoordinator(viewCoordinator)
     , m_coreData(coreData)
@@ -75,31 +79,39 @@ void CounterpartsPaneViewController::connectSignals()
     connect(m_counterpartsArrayController, &ArrayController::selectionChanged, this,
             &CounterpartsPaneViewController::tableViewSelectionDidChange);
     for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
-        connect(m_counterpartsArrayController, signal, this, &CounterpartsPaneViewController::showWhatThereIs);
+        connect(m_counterpartsArrayController, signal, this,
+                &CounterpartsPaneViewController::showWhatThereIs);
     connect(&m_notifications, &NotificationCenter::didChangeStaleness, this,
             &CounterpartsPaneViewController::reload);
-    connect(&m_notifications, &NotificationCenter::didChangeEmoji, this, &CounterpartsPaneViewController::reload);
+    connect(&m_notifications, &NotificationCenter::didChangeEmoji, this,
+            &CounterpartsPaneViewController::reload);
 }
 
 void CounterpartsPaneViewController::viewDidLoad()
 {
-    m_counterpartsArrayController->setNewObject([this] { return m_coreData.viewContext().insert<Counterpart>(); });
+    m_counterpartsArrayController->setNewObject(
+        [this] { return m_coreData.viewContext().insert<Counterpart>(); });
     m_counterpartsArrayController->setDeleteObjects(
         [this](const ArrayController::ObjectList &objects) { removeFromStore(objects); });
     m_counterpartsArrayController->setTableView(m_tableView);
     m_counterpartsArrayController->bindSelection(m_tableView->selectionModel());
     fetchCounterparts();
-    showWhatThereIs();
 }
 
 void CounterpartsPaneViewController::fetchCounterparts()
 {
     const auto found = m_coreData.viewContext().fetchObjects(JournalQueries::counterparts());
     if (!found) {
-        qCWarning(windowLog, "Failed to fetch entities: %s", qUtf8Printable(found.error().description()));
+        qCWarning(windowLog, "Failed to fetch entities: %s",
+                  qUtf8Printable(found.error().description()));
         return;
     }
+    // A new content ends what is being typed and scrolls to the top.
+    commitEditing();
+    const int scrolledTo = m_tableView->verticalScrollBar()->value();
     m_counterpartsArrayController->setContent({found->begin(), found->end()});
+    m_tableView->verticalScrollBar()->setValue(scrolledTo);
+    showWhatThereIs();
 }
 
 void CounterpartsPaneViewController::followStore(const ChangeSet &changes)
@@ -111,29 +123,35 @@ void CounterpartsPaneViewController::followStore(const ChangeSet &changes)
     }
     m_counterpartsArrayController->removeObjects(vanished);
 
+    const ArrayController::ObjectList unlisted = unlistedInsertions(changes);
+    const QSet<ObjectID> awaited = std::exchange(m_awaited, {});
+    if (unlisted.isEmpty())
+        return;
+    fetchCounterparts();
+    ArrayController::ObjectList revealed = unlisted;
+    revealed.removeIf(
+        [&](const auto &object) { return !awaited.contains(asCounterpart(object)->objectID()); });
+    if (revealed.isEmpty())
+        return;
+    m_counterpartsArrayController->setSelectedObjects(revealed);
+    m_tableView->scrollTo(
+        m_counterpartsArrayController->index(m_counterpartsArrayController->selectionIndex(), 0));
+}
+
+ArrayController::ObjectList CounterpartsPaneViewController::unlistedInsertions(
+    const ChangeSet &changes) const
+{
     ManagedObjectContext &context = m_coreData.viewContext();
     const int entity = context.container().model().entityIndex(Counterpart::entityName());
-    ArrayController::ObjectList appeared;
-    ArrayController::ObjectList awaited;
+    ArrayController::ObjectList unlisted;
     for (const ObjectChange &change : changes.inserted) {
         if (change.id.entity != entity)
             continue;
         const auto counterpart = context.object<Counterpart>(change.id);
-        if (!counterpart || m_counterpartsArrayController->rowOf(counterpart.get()) >= 0)
-            continue;
-        appeared.append(counterpart);
-        if (m_awaited.contains(change.id))
-            awaited.append(counterpart);
+        if (counterpart && m_counterpartsArrayController->rowOf(counterpart.get()) < 0)
+            unlisted.append(counterpart);
     }
-    m_awaited.clear();
-    if (appeared.isEmpty())
-        return;
-    m_counterpartsArrayController->addObjects(appeared);
-    m_counterpartsArrayController->rearrangeObjects();
-    if (awaited.isEmpty())
-        return;
-    m_counterpartsArrayController->setSelectedObjects(awaited);
-    m_tableView->scrollTo(m_counterpartsArrayController->index(m_counterpartsArrayController->selectionIndex(), 0));
+    return unlisted;
 }
 
 void CounterpartsPaneViewController::tableViewSelectionDidChange()
@@ -145,16 +163,19 @@ void CounterpartsPaneViewController::tableViewSelectionDidChange()
     Q_EMIT selectionChanged();
 }
 
-void CounterpartsPaneViewController::setTimelineCounterpart(const std::shared_ptr<Counterpart> &counterpart)
+void CounterpartsPaneViewController::setTimelineCounterpart(
+    const std::shared_ptr<Counterpart> &counterpart)
 {
     require(m_viewCoordinator.detailPaneViewController, "The list knows the meeting pane");
-    m_viewCoordinator.detailPaneViewController->setProperty("selectedCounterpart", QVariant::fromValue(counterpart));
+    m_viewCoordinator.detailPaneViewController->setProperty("selectedCounterpart",
+                                                            QVariant::fromValue(counterpart));
 }
 
 void CounterpartsPaneViewController::focusMeetings()
 {
     require(m_viewCoordinator.detailPaneViewController, "The list knows the meeting pane");
-    m_viewCoordinator.detailPaneViewController->setFocus(Qt::OtherFocusReason);
+    if (hasSelection())
+        m_viewCoordinator.detailPaneViewController->setFocus(Qt::OtherFocusReason);
 }
 
 void CounterpartsPaneViewController::reveal(ObjectID counterpart)
@@ -205,19 +226,22 @@ void CounterpartsPaneViewController::renameSelected()
 void CounterpartsPaneViewController::askToDelete()
 {
     const ArrayController::ObjectList selected = m_counterpartsArrayController->selectedObjects();
-    const AlertContents contents{
-        .messageText = tr("Do you really want to delete these teammates?", "Asks before teammates are deleted"),
-        .informativeText =
-            tr("%1 will be removed.", "Number of teammates to be deleted").arg(QString::number(selected.size())),
-        .buttons = {tr("Delete", "Button that deletes"), tr("Cancel", "Button that leaves things as they are")},
-        .firstButtonDestroys = true};
+    const AlertContents contents{.messageText = tr("Do you really want to delete these teammates?",
+                                                   "Asks before teammates are deleted"),
+                                 .informativeText = tr("%1 will be removed.",
+                                                       "Number of teammates to be deleted")
+                                                        .arg(QString::number(selected.size())),
+                                 .buttons = {tr("Delete", "Button that deletes"),
+                                             tr("Cancel", "Button that leaves things as they are")},
+                                 .firstButtonDestroys = true};
     Alert::beginSheet(contents, window(), [guard = QPointer(this), selected](int button) {
         if (guard && button == 0)
             guard->deleteCounterparts(selected);
     });
 }
 
-void CounterpartsPaneViewController::deleteCounterparts(const ArrayController::ObjectList &counterparts)
+void CounterpartsPaneViewController::deleteCounterparts(
+    const ArrayController::ObjectList &counterparts)
 {
     // Those that were counted, whatever became of the selection in the meantime.
     m_counterpartsArrayController->setSelectedObjects(counterparts);
@@ -236,10 +260,12 @@ void CounterpartsPaneViewController::removeFromStore(const ArrayController::Obje
     if (removed)
         return;
     m_counterpartsArrayController->addObjects(counterparts);
-    m_counterpartsArrayController->rearrangeObjects();
+    fetchCounterparts();
     m_counterpartsArrayController->setSelectedObjects(counterparts);
-    qCWarning(windowLog, "Could not delete teammates: %s", qUtf8Printable(removed.error().description()));
-    Alert::beginSheet({.messageText = tr("The teammates could not be deleted.", "Alert when a deletion fails"),
+    qCWarning(windowLog, "Could not delete teammates: %s",
+              qUtf8Printable(removed.error().description()));
+    Alert::beginSheet({.messageText = tr("The teammates could not be deleted.",
+                                         "Alert when a deletion fails"),
                        .informativeText = removed.error().description(),
                        .buttons = {tr("OK", "Button that closes an alert")}},
                       window(), [](int) {});

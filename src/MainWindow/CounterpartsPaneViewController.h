@@ -71,6 +71,8 @@ private:
 
     void fetchCounterparts();
     void followStore(const ChangeSet &changes);
+    /// Teammates that came in otherwise than by the list.
+    ArrayController::ObjectList unlistedInsertions(const ChangeSet &changes) const;
     void showWhatThereIs();
     void tableViewSelectionDidChange();
     void setTimelineCounterpart(const std::shared_ptr<Counterpart> &counterpart);

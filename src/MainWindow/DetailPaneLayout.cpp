@@ -19,7 +19,6 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QStackedWidget>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace tembra {
@@ -59,7 +58,9 @@ DetailPaneViewController::DetailPaneViewController(ViewCoordinator &viewCoordina
     , m_coreData(coreData)
     , m_services(services)
     , m_timeline(new SessionTimelineModel(this))
-    , m_deleteButton(new QToolButton)
+    , m_stripButtons(new QWidget)
+    , m_deleteButton(new QPushButton)
+    , m_hairline(makeHairline())
     , m_nameLabel(new EmojiLabel)
     , m_pages(new QStackedWidget)
 {
@@ -82,7 +83,7 @@ void DetailPaneViewController::viewDidLoad()
 void DetailPaneViewController::connectSignals(NotificationCenter &notifications)
 {
     connect(addButton, &QPushButton::clicked, this, &DetailPaneViewController::addSession);
-    connect(m_deleteButton, &QToolButton::clicked, this, &DetailPaneViewController::handleDelete);
+    connect(m_deleteButton, &QPushButton::clicked, this, &DetailPaneViewController::handleDelete);
     connect(searchField, &QLineEdit::textChanged, this,
             &DetailPaneViewController::searchTextChanged);
     connect(searchField, &QLineEdit::returnPressed, this, [this] { setFocus(); });
@@ -108,9 +109,9 @@ void DetailPaneViewController::connectSignals(NotificationCenter &notifications)
 
 void DetailPaneViewController::buildEmptyStates()
 {
-    m_noCounterpartState =
-        new EmptyState(tr("No teammate selected"),
-                       tr("Choose a teammate in the list, or add one, to see your meetings."));
+    m_noCounterpartState = new EmptyState(
+        tr("No teammate selected"),
+        tr("Choose a teammate in the list, or add one, to see your meetings."));
     m_noCounterpartState->setObjectName(u"noCounterpartState"_s);
     m_noTilesState = new EmptyState({}, {});
     m_noTilesState->setObjectName(u"noTilesState"_s);
@@ -132,7 +133,7 @@ void DetailPaneViewController::buildLayout()
     column->setSpacing(0);
     column->addWidget(buildHeader());
     column->addWidget(buildStripRow());
-    column->addWidget(makeHairline());
+    column->addWidget(m_hairline);
     column->addWidget(detailContainerView, 1);
     column->addWidget(m_noSelectionState, 1);
 
@@ -150,16 +151,16 @@ QWidget *DetailPaneViewController::buildHeader()
     daysSinceLastMeetingLabel->setObjectName(u"daysSinceLastMeetingLabel"_s);
     daysSinceLastMeetingLabel->setSecondary(true);
     buildSearchField();
-    auto *names = new QVBoxLayout;
-    names->setSpacing(theme::gridUnit);
-    names->addWidget(m_nameLabel);
-    names->addWidget(daysSinceLastMeetingLabel);
+    auto *upper = new QHBoxLayout;
+    upper->setSpacing(theme::groupSpacing);
+    upper->addWidget(m_nameLabel, 1);
+    upper->addWidget(searchField);
     auto *header = new QWidget;
-    auto *layout = new QHBoxLayout(header);
+    auto *layout = new QVBoxLayout(header);
     layout->setContentsMargins(theme::wideMargin, theme::margin, theme::wideMargin, theme::margin);
-    layout->setSpacing(theme::groupSpacing);
-    layout->addLayout(names, 1);
-    layout->addWidget(searchField, 0, Qt::AlignTop);
+    layout->setSpacing(theme::gridUnit);
+    layout->addLayout(upper);
+    layout->addWidget(daysSinceLastMeetingLabel);
     return header;
 }
 
@@ -187,22 +188,22 @@ QWidget *DetailPaneViewController::buildStripRow()
     addButton->setText(tr("Add Meeting", "Button: adds a meeting with the teammate"));
     addButton->setIcon(icons::icon(icons::Name::Add));
     m_deleteButton->setObjectName(u"deleteButton"_s);
+    m_deleteButton->setText(tr("Delete…", "Button: asks, then deletes the selected meeting"));
     m_deleteButton->setIcon(icons::icon(icons::Name::Remove));
     m_deleteButton->setToolTip(tr("Delete the selected meeting"));
-    m_deleteButton->setAccessibleName(tr("Delete the selected meeting"));
-    m_deleteButton->setAutoRaise(true);
     summaryCollectionView->setObjectName(u"summaryCollectionView"_s);
     summaryCollectionView->setAccessibleName(tr("Meetings"));
-    auto *buttons = new QVBoxLayout;
+    auto *buttons = new QVBoxLayout(m_stripButtons);
+    buttons->setContentsMargins({});
     buttons->setSpacing(theme::relatedSpacing);
     buttons->addWidget(addButton);
-    buttons->addWidget(m_deleteButton, 0, Qt::AlignLeading);
+    buttons->addWidget(m_deleteButton);
     buttons->addStretch();
     auto *row = new QWidget;
     auto *layout = new QHBoxLayout(row);
     layout->setContentsMargins(theme::wideMargin, 0, theme::wideMargin, theme::relatedSpacing);
     layout->setSpacing(theme::margin);
-    layout->addLayout(buttons);
+    layout->addWidget(m_stripButtons);
     layout->addWidget(summaryCollectionView, 1);
     layout->addWidget(m_noTilesState, 1);
     return row;
@@ -213,12 +214,14 @@ void DetailPaneViewController::refreshLabels()
     const QString name = m_selectedCounterpart ? m_selectedCounterpart->name() : QString();
     const int days = m_selectedCounterpart ? m_selectedCounterpart->daysSinceLastSession() : -1;
     m_nameLabel->setText(name.isEmpty() ? tr("Unnamed teammate") : name);
-    searchField->setPlaceholderText(tr("Search notes for", "Followed by a teammate's name") + u' ' + name);
+    searchField->setPlaceholderText(tr("Search notes for", "Followed by a teammate's name") + u' '
+                                    + name);
     if (days < 0 && !m_selectedSession)
         daysSinceLastMeetingLabel->clear();
     else
-        daysSinceLastMeetingLabel->setText(tr("Days since last meeting with", "Followed by a teammate's name")
-                                           + u' ' + name + u": " + QString::number(days));
+        daysSinceLastMeetingLabel->setText(
+            tr("Days since last meeting with", "Followed by a teammate's name") + u' ' + name
+            + u": " + QString::number(days));
 }
 
 void DetailPaneViewController::showWhatThereIs()
@@ -241,12 +244,15 @@ void DetailPaneViewController::showWhatThereIs()
     const int stripHeight = summaryCollectionView->height();
     m_noTilesState->setMinimumHeight(stripHeight);
     m_noTilesState->setMaximumHeight(hasEditor ? stripHeight : QWIDGETSIZE_MAX);
+    m_stripButtons->setVisible(hasTiles || hasEditor || searchInput);
+    m_hairline->setVisible(hasTiles || hasEditor);
     summaryCollectionView->setVisible(hasTiles);
     m_noTilesState->setVisible(!hasTiles);
     detailContainerView->setVisible(hasEditor);
     m_noSelectionState->setVisible(hasTiles && !hasEditor);
     m_pages->setCurrentIndex(m_selectedCounterpart ? 1 : 0);
-    setFocusProxy(hasTiles ? static_cast<QWidget *>(summaryCollectionView) : m_noTilesState->button());
+    setFocusProxy(hasTiles ? static_cast<QWidget *>(summaryCollectionView)
+                           : m_noTilesState->button());
 }
 
 } // namespace tembra

@@ -215,10 +215,13 @@ void DetailPaneViewController::handleDelete()
     if (!m_selectedSession)
         return;
     const AlertContents contents{
-        .messageText = tr("Do you really want to delete this session?", "Asks before a meeting is deleted"),
+        .messageText = tr("Do you really want to delete this session?",
+                          "Asks before a meeting is deleted"),
         .informativeText = m_selectedSession->dateText()
-            + tr(" will be removed.", "Follows directly upon the date of the meeting to be deleted"),
-        .buttons = {tr("Delete", "Button that deletes"), tr("Cancel", "Button that leaves things as they are")},
+                           + tr(" will be removed.",
+                                "Follows directly upon the date of the meeting to be deleted"),
+        .buttons = {tr("Delete", "Button that deletes"),
+                    tr("Cancel", "Button that leaves things as they are")},
         .firstButtonDestroys = true};
     Alert::beginSheet(contents, window(),
                       [guard = QPointer(this), session = m_selectedSession](int button) {
@@ -237,8 +240,10 @@ void DetailPaneViewController::deleteSession(const std::shared_ptr<Session> &ses
         context.processPendingChanges();
         return;
     }
-    qCWarning(windowLog, "Could not delete a meeting: %s", qUtf8Printable(deleted.error().description()));
-    Alert::beginSheet({.messageText = tr("The meeting could not be deleted.", "Alert when a deletion fails"),
+    qCWarning(windowLog, "Could not delete a meeting: %s",
+              qUtf8Printable(deleted.error().description()));
+    Alert::beginSheet({.messageText = tr("The meeting could not be deleted.",
+                                         "Alert when a deletion fails"),
                        .informativeText = deleted.error().description(),
                        .buttons = {tr("OK", "Button that closes an alert")}},
                       window(), [](int) {});

@@ -13,7 +13,6 @@
 class QLineEdit;
 class QPushButton;
 class QStackedWidget;
-class QToolButton;
 
 namespace tembra {
 
@@ -37,10 +36,10 @@ struct JournalServices;
 class DetailPaneViewController : public QWidget
 {
     Q_OBJECT
-    Q_PROPERTY(std::shared_ptr<tembra::Counterpart> selectedCounterpart READ selectedCounterpart WRITE
-                   setSelectedCounterpart NOTIFY selectedCounterpartChanged)
-    Q_PROPERTY(std::shared_ptr<tembra::Session> selectedSession READ selectedSession WRITE setSelectedSession NOTIFY
-                   selectedSessionChanged)
+    Q_PROPERTY(std::shared_ptr<tembra::Counterpart> selectedCounterpart READ selectedCounterpart
+                   WRITE setSelectedCounterpart NOTIFY selectedCounterpartChanged)
+    Q_PROPERTY(std::shared_ptr<tembra::Session> selectedSession READ selectedSession WRITE
+                   setSelectedSession NOTIFY selectedSessionChanged)
     Q_PROPERTY(bool controlsEnabled READ controlsEnabled NOTIFY controlsEnabledChanged)
 
 public:
@@ -56,7 +55,10 @@ public:
     /// True exactly when a meeting is selected.
     bool controlsEnabled() const { return m_controlsEnabled; }
 
-    SessionDetailViewController &sessionDetailViewController() const { return *m_sessionDetailViewController; }
+    SessionDetailViewController &sessionDetailViewController() const
+    {
+        return *m_sessionDetailViewController;
+    }
 
     /// Edits in progress in the pane's controls go into the records they belong to, without ending
     /// the edit, moving the caret or breaking a composition. False when one refuses.
@@ -125,7 +127,9 @@ private:
     CoreDataInterface &m_coreData;
     const JournalServices &m_services;
     SessionTimelineModel *m_timeline;
-    QToolButton *m_deleteButton = nullptr;
+    QWidget *m_stripButtons = nullptr;
+    QPushButton *m_deleteButton = nullptr;
+    QWidget *m_hairline = nullptr;
     EmojiLabel *m_nameLabel = nullptr;
     QStackedWidget *m_pages = nullptr;
     EmptyState *m_noCounterpartState = nullptr;

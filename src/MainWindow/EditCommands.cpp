@@ -18,7 +18,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QAction *command(QObject *parent, const QString &title, QKeySequence::StandardKey shortcut, const QString &objectName)
+QAction *command(QObject *parent, const QString &title, QKeySequence::StandardKey shortcut,
+                 const QString &objectName)
 {
     auto *action = new QAction(title, parent);
     action->setShortcuts(shortcut);
@@ -43,18 +44,23 @@ bool hasSelectedText(const QWidget *widget)
 
 } // namespace
 
-EditCommands::EditCommands(UndoManager &undoManager, std::function<bool()> commitEditing, QWidget *window)
+EditCommands::EditCommands(UndoManager &undoManager, std::function<bool()> commitEditing,
+                           QWidget *window)
     : QObject(window)
     , m_undoManager(undoManager)
     , m_commitEditing(std::move(commitEditing))
     , m_window(window)
     , m_undo(command(this, tr("&Undo", "Edit menu"), QKeySequence::Undo, u"undoAction"_s))
     , m_redo(command(this, tr("&Redo", "Edit menu"), QKeySequence::Redo, u"redoAction"_s))
-    , m_clipboard{
-          {command(this, tr("Cu&t", "Edit menu"), QKeySequence::Cut, u"cutAction"_s), "cut()"},
-          {command(this, tr("&Copy", "Edit menu"), QKeySequence::Copy, u"copyAction"_s), "copy()"},
-          {command(this, tr("&Paste", "Edit menu"), QKeySequence::Paste, u"pasteAction"_s), "paste()"},
-          {command(this, tr("Select &All", "Edit menu"), QKeySequence::SelectAll, u"selectAllAction"_s), "selectAll()"}}
+    , m_clipboard{{command(this, tr("Cu&t", "Edit menu"), QKeySequence::Cut, u"cutAction"_s),
+                   "cut()"},
+                  {command(this, tr("&Copy", "Edit menu"), QKeySequence::Copy, u"copyAction"_s),
+                   "copy()"},
+                  {command(this, tr("&Paste", "Edit menu"), QKeySequence::Paste, u"pasteAction"_s),
+                   "paste()"},
+                  {command(this, tr("Select &All", "Edit menu"), QKeySequence::SelectAll,
+                           u"selectAllAction"_s),
+                   "selectAll()"}}
 {
     m_undo->setIcon(icons::icon(icons::Name::Undo));
     m_redo->setIcon(icons::icon(icons::Name::Redo));
@@ -62,8 +68,10 @@ EditCommands::EditCommands(UndoManager &undoManager, std::function<bool()> commi
     connect(m_redo, &QAction::triggered, this, &EditCommands::redo);
     connect(&m_undoManager, &UndoManager::changed, this, &EditCommands::updateUndo);
     for (const ClipboardCommand &clipboard : std::as_const(m_clipboard))
-        connect(clipboard.action, &QAction::triggered, this, [this, clipboard] { perform(clipboard); });
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) { followFocus(now); });
+        connect(clipboard.action, &QAction::triggered, this,
+                [this, clipboard] { perform(clipboard); });
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget *, QWidget *now) { followFocus(now); });
     updateUndo();
 }
 
@@ -108,7 +116,8 @@ bool EditCommands::eventFilter(QObject *object, QEvent *event)
     if (event->type() == QEvent::ShortcutOverride && object == m_focused) {
         const auto *key = static_cast<QKeyEvent *>(event);
         const bool isSpent = (key->matches(QKeySequence::Undo) && !lineEdit()->isUndoAvailable())
-            || (key->matches(QKeySequence::Redo) && !lineEdit()->isRedoAvailable());
+                             || (key->matches(QKeySequence::Redo)
+                                 && !lineEdit()->isRedoAvailable());
         if (isSpent) {
             // A one-line field claims these keys even when it has nothing to take back.
             event->ignore();
@@ -152,7 +161,8 @@ void EditCommands::prepareMenu()
         else if (slot == "copy()")
             possible = possible && hasSelectedText(m_focused);
         else if (slot == "paste()")
-            possible = possible && isWritable(m_focused) && QApplication::clipboard()->mimeData()->hasText();
+            possible = possible && isWritable(m_focused)
+                       && QApplication::clipboard()->mimeData()->hasText();
         clipboard.action->setEnabled(possible);
     }
 }

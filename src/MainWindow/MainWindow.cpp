@@ -37,10 +37,13 @@ MainWindow::MainWindow(CoreDataInterface &coreData, const JournalServices &servi
     , m_coreData(coreData)
     , m_windowState(windowStateFile)
     , m_quitRequested(std::move(quitRequested))
-    , m_counterpartsPane(new CounterpartsPaneViewController(m_viewCoordinator, coreData, notifications))
-    , m_detailPane(new DetailPaneViewController(m_viewCoordinator, coreData, services, notifications))
+    , m_counterpartsPane(
+          new CounterpartsPaneViewController(m_viewCoordinator, coreData, notifications))
+    , m_detailPane(
+          new DetailPaneViewController(m_viewCoordinator, coreData, services, notifications))
 {
-    m_viewCoordinator.counterpartsArrayController = &m_counterpartsPane->counterpartsArrayController();
+    m_viewCoordinator.counterpartsArrayController = &m_counterpartsPane
+                                                         ->counterpartsArrayController();
     m_viewCoordinator.detailPaneViewController = m_detailPane;
     m_viewCoordinator.masterViewController = m_counterpartsPane;
     m_viewCoordinator.awakeFromNib();
@@ -82,14 +85,19 @@ void MainWindow::buildLayout()
 
 void MainWindow::connectSignals()
 {
-    connect(m_saveFailureBanner, &SaveFailureBanner::saveAgainRequested, this, [this] { m_coreData.save(); });
-    connect(&m_coreData, &CoreDataInterface::saveFailingChanged, m_saveFailureBanner, &SaveFailureBanner::setFailing);
+    connect(m_saveFailureBanner, &SaveFailureBanner::saveAgainRequested, this,
+            [this] { m_coreData.save(); });
+    connect(&m_coreData, &CoreDataInterface::saveFailingChanged, m_saveFailureBanner,
+            &SaveFailureBanner::setFailing);
     m_saveFailureBanner->setFailing(m_coreData.isSaveFailing());
     connect(m_coreData.viewContext().undoManager(), &UndoManager::willChangeObject, this,
             [this](const ObjectID &id, int) { reveal(id); });
-    connect(m_counterpartsPane, &CounterpartsPaneViewController::selectionChanged, this, &MainWindow::updateCommands);
-    connect(m_detailPane, &DetailPaneViewController::selectedCounterpartChanged, this, &MainWindow::updateCommands);
-    connect(m_detailPane, &DetailPaneViewController::selectedSessionChanged, this, &MainWindow::updateCommands);
+    connect(m_counterpartsPane, &CounterpartsPaneViewController::selectionChanged, this,
+            &MainWindow::updateCommands);
+    connect(m_detailPane, &DetailPaneViewController::selectedCounterpartChanged, this,
+            &MainWindow::updateCommands);
+    connect(m_detailPane, &DetailPaneViewController::selectedSessionChanged, this,
+            &MainWindow::updateCommands);
     updateCommands();
 }
 
@@ -101,13 +109,11 @@ void MainWindow::restoreState()
 
 void MainWindow::updateCommands()
 {
-    const bool showsTeammate = m_detailPane->selectedCounterpart() != nullptr;
-    const bool showsMeeting = m_detailPane->selectedSession() != nullptr;
-    m_newMeeting->setEnabled(showsTeammate);
     m_rename->setEnabled(m_counterpartsPane->hasSelection());
-    m_deleteMeeting->setEnabled(showsMeeting);
-    for (QAction *command : std::as_const(m_fieldCommands))
-        command->setEnabled(showsMeeting);
+    for (QAction *command : std::as_const(m_teammateCommands))
+        command->setEnabled(m_detailPane->selectedCounterpart() != nullptr);
+    for (QAction *command : std::as_const(m_meetingCommands))
+        command->setEnabled(m_detailPane->selectedSession() != nullptr);
 }
 
 bool MainWindow::commitEditing()

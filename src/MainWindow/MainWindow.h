@@ -30,12 +30,16 @@ class MainWindow final : public QMainWindow
 public:
     /// @p windowStateFile keeps where the window stood. @p quitRequested is what Quit and closing
     /// the window call; it must not destroy the window before it returns.
-    MainWindow(CoreDataInterface &coreData, const JournalServices &services, NotificationCenter &notifications,
-               const QString &windowStateFile, std::function<void()> quitRequested, QWidget *parent = nullptr);
+    MainWindow(CoreDataInterface &coreData, const JournalServices &services,
+               NotificationCenter &notifications, const QString &windowStateFile,
+               std::function<void()> quitRequested, QWidget *parent = nullptr);
     /// Writes down where the window stood.
     ~MainWindow() override;
 
-    CounterpartsPaneViewController &counterpartsViewController() const { return *m_counterpartsPane; }
+    CounterpartsPaneViewController &counterpartsViewController() const
+    {
+        return *m_counterpartsPane;
+    }
     DetailPaneViewController &detailPaneViewController() const { return *m_detailPane; }
     ViewCoordinator &viewCoordinator() { return m_viewCoordinator; }
     /// Commands for development; hidden.
@@ -75,10 +79,9 @@ private:
     QSplitter *m_splitter = nullptr;
     SaveFailureBanner *m_saveFailureBanner = nullptr;
     QMenu *m_debugMenu = nullptr;
-    QAction *m_newMeeting = nullptr;
     QAction *m_rename = nullptr;
-    QAction *m_deleteMeeting = nullptr;
-    QList<QAction *> m_fieldCommands; ///< Need a meeting in the editor.
+    QList<QAction *> m_teammateCommands; ///< Need a teammate whose meetings are shown.
+    QList<QAction *> m_meetingCommands; ///< Need a meeting in the editor.
 };
 
 } // namespace tembra

@@ -40,14 +40,17 @@ QAction *MainWindow::addCommand(QMenu &menu, const QString &title, const QString
 void MainWindow::createFileMenu()
 {
     QMenu &menu = *menuBar()->addMenu(tr("&File", "Menu"));
-    QAction *newTeammate =
-        addCommand(menu, tr("New &Teammate", "File menu"), u"newTeammateAction"_s,
-                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N), [this] { m_counterpartsPane->handleTeammateAddDelete(0); });
+    QAction *newTeammate = addCommand(menu, tr("New &Teammate", "File menu"),
+                                      u"newTeammateAction"_s,
+                                      QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N),
+                                      [this] { m_counterpartsPane->handleTeammateAddDelete(0); });
     newTeammate->setIcon(icons::icon(icons::Name::Add));
-    m_newMeeting = addCommand(menu, tr("&New Meeting", "File menu"), u"newMeetingAction"_s, QKeySequence::New,
-                              [this] { m_detailPane->addSessionFileMenu(); });
+    m_teammateCommands += addCommand(menu, tr("&New Meeting", "File menu"), u"newMeetingAction"_s,
+                                     QKeySequence::New,
+                                     [this] { m_detailPane->addSessionFileMenu(); });
     m_rename = addCommand(menu, tr("&Rename Teammate…", "File menu"), u"renameTeammateAction"_s,
-                          QKeySequence(Qt::Key_F2), [this] { m_counterpartsPane->renameSelected(); });
+                          QKeySequence(Qt::Key_F2),
+                          [this] { m_counterpartsPane->renameSelected(); });
     menu.addSeparator();
     QAction *save = addCommand(menu, tr("&Save", "File menu"), u"saveAction"_s, QKeySequence::Save,
                                [this] { m_coreData.save(); });
@@ -61,19 +64,22 @@ void MainWindow::createFileMenu()
 void MainWindow::createEditMenu()
 {
     QMenu &menu = *menuBar()->addMenu(tr("&Edit", "Menu"));
-    auto *commands = new EditCommands(*m_coreData.viewContext().undoManager(), [this] { return commitEditing(); }, this);
+    auto *commands = new EditCommands(
+        *m_coreData.viewContext().undoManager(), [this] { return commitEditing(); }, this);
     commands->addUndoTo(menu);
     menu.addSeparator();
     commands->addClipboardTo(menu);
     menu.addSeparator();
-    m_deleteMeeting = addCommand(menu, tr("Delete &Meeting…", "Edit menu"), u"deleteMeetingAction"_s, {},
-                                 [this] { m_detailPane->handleDelete(); });
+    m_meetingCommands += addCommand(menu, tr("Delete &Meeting…", "Edit menu"),
+                                    u"deleteMeetingAction"_s, {},
+                                    [this] { m_detailPane->handleDelete(); });
     addCommand(menu, tr("&Delete Teammates…", "Edit menu"), u"deleteTeammatesAction"_s, {},
                [this] { m_counterpartsPane->handleDeleteFromMenu(); });
     menu.addSeparator();
-    QAction *find = addCommand(menu, tr("&Find in Notes", "Edit menu"), u"findInNotesAction"_s, QKeySequence::Find,
-                               [this] { m_detailPane->focusSearchField(); });
+    QAction *find = addCommand(menu, tr("&Find in Notes", "Edit menu"), u"findInNotesAction"_s,
+                               QKeySequence::Find, [this] { m_detailPane->focusSearchField(); });
     find->setIcon(icons::icon(icons::Name::Search));
+    m_teammateCommands += find;
 }
 
 void MainWindow::createGoMenu()
@@ -81,21 +87,25 @@ void MainWindow::createGoMenu()
     QMenu &menu = *menuBar()->addMenu(tr("&Go", "Menu"));
     SessionDetailViewController *editor = &m_detailPane->sessionDetailViewController();
     QAction *next = addCommand(menu, tr("&Next Note Field", "Go menu"), u"nextNoteFieldAction"_s,
-                               QKeySequence(Qt::CTRL | Qt::Key_PageDown), [editor] { editor->handleNextNoteButton(); });
-    QAction *previous =
-        addCommand(menu, tr("&Previous Note Field", "Go menu"), u"previousNoteFieldAction"_s,
-                   QKeySequence(Qt::CTRL | Qt::Key_PageUp), [editor] { editor->handlePreviousNoteButton(); });
+                               QKeySequence(Qt::CTRL | Qt::Key_PageDown),
+                               [editor] { editor->handleNextNoteButton(); });
+    QAction *previous = addCommand(menu, tr("&Previous Note Field", "Go menu"),
+                                   u"previousNoteFieldAction"_s,
+                                   QKeySequence(Qt::CTRL | Qt::Key_PageUp),
+                                   [editor] { editor->handlePreviousNoteButton(); });
     next->setIcon(icons::icon(icons::Name::Next));
     previous->setIcon(icons::icon(icons::Name::Previous));
     menu.addSeparator();
     addCommand(menu, tr("To the &Teammates", "Go menu"), u"goToTeammatesAction"_s,
-               QKeySequence(Qt::CTRL | Qt::Key_1), [this] { m_counterpartsPane->setFocus(Qt::ShortcutFocusReason); });
-    addCommand(menu, tr("To the &Meetings", "Go menu"), u"goToMeetingsAction"_s,
-               QKeySequence(Qt::CTRL | Qt::Key_2), [this] { m_detailPane->setFocus(Qt::ShortcutFocusReason); });
-    QAction *toNotes =
-        addCommand(menu, tr("To the N&otes", "Go menu"), u"goToNotesAction"_s, QKeySequence(Qt::CTRL | Qt::Key_3),
-                   [editor] { editor->focusNoteInput(); });
-    m_fieldCommands = {next, previous, toNotes};
+               QKeySequence(Qt::CTRL | Qt::Key_1),
+               [this] { m_counterpartsPane->setFocus(Qt::ShortcutFocusReason); });
+    m_teammateCommands += addCommand(menu, tr("To the &Meetings", "Go menu"),
+                                     u"goToMeetingsAction"_s, QKeySequence(Qt::CTRL | Qt::Key_2),
+                                     [this] { m_detailPane->setFocus(Qt::ShortcutFocusReason); });
+    QAction *toNotes = addCommand(menu, tr("To the N&otes", "Go menu"), u"goToNotesAction"_s,
+                                  QKeySequence(Qt::CTRL | Qt::Key_3),
+                                  [editor] { editor->focusNoteInput(); });
+    m_meetingCommands += {next, previous, toNotes};
 }
 
 void MainWindow::createDebugMenu()

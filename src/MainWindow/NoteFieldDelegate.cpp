@@ -9,7 +9,7 @@ namespace tembra {
 
 namespace {
 
-constexpr int rowHeight = 28;
+constexpr int rowHeight = 26;
 constexpr int sideMargin = theme::relatedSpacing;
 constexpr int dotSize = 6;
 /// Room that is kept for the dot, so that the titles stand still when it comes and goes.
@@ -23,6 +23,8 @@ QPalette::ColorGroup colorGroup(const QStyleOptionViewItem &option)
 }
 
 } // namespace
+
+const int NoteFieldDelegate::roomBesideTitle = 2 * sideMargin + dotColumn;
 
 void NoteFieldDelegate::initStyleOption(QStyleOptionViewItem *option,
                                         const QModelIndex &index) const
@@ -38,8 +40,8 @@ void NoteFieldDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
     initStyleOption(&item, index);
     const bool selected = item.state & QStyle::State_Selected;
     const QPalette::ColorGroup group = colorGroup(item);
-    const QColor textColor =
-        item.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text);
+    const QColor textColor = item.palette.color(group, selected ? QPalette::HighlightedText
+                                                                : QPalette::Text);
     const QColor dotColor = selected ? textColor : item.palette.color(group, QPalette::Highlight);
     const QString title = item.text;
     item.text.clear();
@@ -69,7 +71,7 @@ QSize NoteFieldDelegate::sizeHint(const QStyleOptionViewItem &option,
 {
     QStyleOptionViewItem item = option;
     initStyleOption(&item, index);
-    const int width = item.fontMetrics.horizontalAdvance(item.text) + 2 * sideMargin + dotColumn;
+    const int width = item.fontMetrics.horizontalAdvance(item.text) + roomBesideTitle;
     return {width, std::max(rowHeight, item.fontMetrics.height() + theme::relatedSpacing)};
 }
 

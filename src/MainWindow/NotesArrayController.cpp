@@ -4,8 +4,7 @@
 
 namespace tembra {
 
-NotesArrayController::NotesArrayController(QObject *parent)
-    : ArrayController(parent)
+NotesArrayController::NotesArrayController(QObject *parent) : ArrayController(parent)
 {
     // The second column is not shown; it is there so that a change of a text is told.
     setColumns({"titleString", "contentString"});

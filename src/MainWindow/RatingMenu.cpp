@@ -5,21 +5,32 @@
 #include "Toolkit/EmojiComboBox.h"
 #include "Toolkit/EmojiItemDelegate.h"
 #include "Toolkit/PropertyObservation.h"
+#include "Toolkit/Theme.h"
 
 #include <QAbstractItemView>
 #include <QEvent>
+
+#include <algorithm>
 
 namespace tembra {
 
 namespace {
 
 constexpr int labelRole = Qt::UserRole;
+constexpr int rowHeight = 28;
+constexpr int closedWidth = 72;
 
 /// Writes the word for a rating beside its emoji.
 class RatingDelegate final : public EmojiItemDelegate
 {
 public:
     using EmojiItemDelegate::EmojiItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const QSize size = EmojiItemDelegate::sizeHint(option, index);
+        return {size.width() + theme::groupSpacing, std::max(size.height(), rowHeight)};
+    }
 
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
@@ -41,6 +52,7 @@ RatingMenu::RatingMenu(EmojiComboBox *popup, const SentimentScale &scale,
 {
     m_popup->setItemDelegate(new RatingDelegate(m_popup));
     m_popup->setMaxVisibleItems(int(scale.allValues().size()));
+    m_popup->setMinimumWidth(closedWidth);
     m_popup->setFocusPolicy(Qt::StrongFocus);
     m_popup->installEventFilter(this);
     connect(m_popup, &QComboBox::activated, this, &RatingMenu::storeRating);
@@ -56,8 +68,8 @@ void RatingMenu::setSession(std::shared_ptr<Session> session)
     m_observation.reset();
     m_session = std::move(session);
     if (m_session)
-        m_observation =
-            std::make_unique<PropertyObservation>(m_session.get(), m_property, [this] { showRating(); });
+        m_observation = std::make_unique<PropertyObservation>(m_session.get(), m_property,
+                                                              [this] { showRating(); });
     showRating();
 }
 

@@ -1,5 +1,6 @@
 #include "MainWindow/SaveFailureBanner.h"
 
+#include "Toolkit/EmojiLabel.h"
 #include "Toolkit/Theme.h"
 
 #include <QAccessible>
@@ -7,14 +8,12 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
-#include <QStyle>
 
 namespace tembra {
 
 using namespace Qt::StringLiterals;
 
-SaveFailureBanner::SaveFailureBanner(QWidget *parent)
-    : QWidget(parent)
+SaveFailureBanner::SaveFailureBanner(QWidget *parent) : QWidget(parent)
 {
     buildLayout();
     hide();
@@ -25,19 +24,19 @@ void SaveFailureBanner::buildLayout()
     setObjectName(u"saveFailureBanner"_s);
     const QString message = tr("Changes could not be saved", "Shown as long as saving fails");
     setAccessibleName(message);
-    auto *icon = new QLabel;
-    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(theme::groupSpacing));
     auto *label = new QLabel(message);
     label->setObjectName(u"saveFailureLabel"_s);
     label->setTextFormat(Qt::PlainText);
-    auto *button = new QPushButton(tr("Save again", "Button beside \"Changes could not be saved\""));
+    auto *button = new QPushButton(
+        tr("Save again", "Button beside \"Changes could not be saved\""));
     button->setObjectName(u"saveAgainButton"_s);
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, &SaveFailureBanner::saveAgainRequested);
     auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(theme::wideMargin, theme::relatedSpacing, theme::wideMargin, theme::relatedSpacing);
+    layout->setContentsMargins(theme::wideMargin, theme::relatedSpacing, theme::wideMargin,
+                               theme::relatedSpacing);
     layout->setSpacing(theme::relatedSpacing);
-    layout->addWidget(icon);
+    layout->addWidget(new EmojiLabel(u"⚠️"_s));
     layout->addWidget(label);
     layout->addStretch();
     layout->addWidget(button);

@@ -34,17 +34,19 @@ QDateTime latestMoment()
 
 QDateTime shownMoment(Date date)
 {
-    const double milliseconds =
-        std::clamp(date.toUnixMilliseconds(), double(earliestMoment().toMSecsSinceEpoch()),
-                   double(latestMoment().toMSecsSinceEpoch()));
+    const double milliseconds = std::clamp(date.toUnixMilliseconds(),
+                                           double(earliestMoment().toMSecsSinceEpoch()),
+                                           double(latestMoment().toMSecsSinceEpoch()));
     return QDateTime::fromMSecsSinceEpoch(qint64(milliseconds));
 }
 
-QString fourDigitYear(QString format)
+/// The locale's short format, but with the whole year and without seconds.
+QString displayFormat(const QLocale &locale)
 {
+    QString format = locale.dateTimeFormat(QLocale::ShortFormat);
     if (!format.contains("yyyy"_L1))
         format.replace("yy"_L1, "yyyy"_L1);
-    return format;
+    return format.remove(":ss"_L1);
 }
 
 } // namespace
@@ -96,7 +98,7 @@ void SessionDateField::buildLayout()
     m_edit->setCalendarPopup(true);
     m_edit->setFocusPolicy(Qt::StrongFocus);
     m_edit->setDateTimeRange(earliestMoment(), latestMoment());
-    m_edit->setDisplayFormat(fourDigitYear(locale().dateTimeFormat(QLocale::ShortFormat)));
+    m_edit->setDisplayFormat(displayFormat(locale()));
     m_edit->setAccessibleName(tr("Date of the meeting"));
     addWidget(m_edit);
     addWidget(buildNoDatePage());

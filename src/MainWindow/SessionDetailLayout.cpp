@@ -5,6 +5,7 @@
 #include "MainWindow/SessionDateField.h"
 #include "MainWindow/SessionDetailViewController.h"
 #include "Model/JournalServices.h"
+#include "Model/NoteField.h"
 #include "Model/NotificationCenter.h"
 #include "Model/SentimentScale.h"
 #include "Preferences/InputControls/BindablePlaceholderTextField.h"
@@ -20,14 +21,32 @@
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace tembra {
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr int widestSelector = 260;
+
+/// As wide as the longest title of a field needs, whichever fields a meeting has.
+int selectorWidth(const QListView &table)
+{
+    int widest = 0;
+    for (const NoteIdentifier identifier : allNoteIdentifiers())
+        widest = std::max(widest, table.fontMetrics().horizontalAdvance(
+                                      noteFieldTitle(qint16(identifier))));
+    const int scrollBar = table.verticalScrollBar()->sizeHint().width(); // In a low window.
+    return std::min(widest + NoteFieldDelegate::roomBesideTitle + 2 * table.frameWidth()
+                        + scrollBar,
+                    widestSelector);
+}
 
 QPushButton *makeStepButton(const QString &title, const QString &objectName, const QString &hint,
                             icons::Name iconName)
@@ -95,7 +114,8 @@ void SessionDetailViewController::buildLayout()
     columns->addWidget(noteSelectorTable);
     columns->addWidget(buildNoteArea(), 1);
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(theme::wideMargin, theme::margin, theme::wideMargin, theme::wideMargin);
+    layout->setContentsMargins(theme::wideMargin, theme::margin, theme::wideMargin,
+                               theme::wideMargin);
     layout->setSpacing(theme::groupSpacing);
     layout->addWidget(buildRatings());
     layout->addLayout(columns, 1);
@@ -126,7 +146,7 @@ void SessionDetailViewController::addLabelled(QGridLayout *grid, const QString &
     label->setFont(theme::secondaryFont(font()));
     label->setBuddy(control);
     const int column = grid->count() == 0 ? 0 : grid->columnCount();
-    grid->addWidget(label, 0, column, Qt::AlignLeading | Qt::AlignBottom);
+    grid->addWidget(label, 0, column);
     grid->addWidget(control, 1, column, Qt::AlignLeading | Qt::AlignVCenter);
 }
 
@@ -140,12 +160,14 @@ void SessionDetailViewController::buildNoteSelector()
     noteSelectorTable->setSelectionMode(QListView::SingleSelection);
     noteSelectorTable->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     noteSelectorTable->setMouseTracking(true);
+    noteSelectorTable->setFixedWidth(selectorWidth(*noteSelectorTable));
     noteInputField->setTableView(noteSelectorTable);
 }
 
 QWidget *SessionDetailViewController::buildNoteArea()
 {
     noteInputField->setObjectName(u"noteInputField"_s);
+    noteInputField->document()->setDocumentMargin(theme::relatedSpacing);
     auto *area = new QWidget;
     auto *layout = new QVBoxLayout(area);
     layout->setContentsMargins({});
@@ -185,13 +207,14 @@ QWidget *SessionDetailViewController::buildNoteHeader()
 
 QWidget *SessionDetailViewController::buildNoteButtons()
 {
-    QPushButton *previous =
-        makeStepButton(tr("&Previous", "Button: shows the previous note field"),
-                       u"previousNoteButton"_s, tr("Previous note field"), icons::Name::Previous);
+    QPushButton *previous = makeStepButton(tr("&Previous", "Button: shows the previous note field"),
+                                           u"previousNoteButton"_s, tr("Previous note field"),
+                                           icons::Name::Previous);
     connect(previous, &QPushButton::clicked, this,
             &SessionDetailViewController::handlePreviousNoteButton);
     QPushButton *next = makeStepButton(tr("&Next", "Button: shows the next note field"),
-                                       u"nextNoteButton"_s, tr("Next note field"), icons::Name::Next);
+                                       u"nextNoteButton"_s, tr("Next note field"),
+                                       icons::Name::Next);
     connect(next, &QPushButton::clicked, this, &SessionDetailViewController::handleNextNoteButton);
     auto *buttons = new QWidget;
     auto *layout = new QHBoxLayout(buttons);

@@ -98,7 +98,8 @@ void SessionDetailViewController::showNoteAt(int row)
         noteInputField->bind(BindablePlaceholderTextField::Binding::Text, note, "contentString",
                              {.nullPlaceholder = note->placeholderString()});
         m_lastNoteObservation = std::make_unique<PropertyObservation>(
-            note, "fullLastDateLabel", [this, note] { lastNoteLabel->setText(note->fullLastDateLabel()); });
+            note, "fullLastDateLabel",
+            [this, note] { lastNoteLabel->setText(note->fullLastDateLabel()); });
     }
     lastNoteLabel->setText(note->fullLastDateLabel());
     noteTitleLabel->setText(note->titleString());

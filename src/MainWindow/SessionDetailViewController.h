@@ -32,8 +32,10 @@ struct JournalServices;
 class SessionDetailViewController final : public QWidget
 {
     Q_OBJECT
-    Q_PROPERTY(std::shared_ptr<tembra::Session> session READ session WRITE setSession NOTIFY sessionChanged)
-    Q_PROPERTY(QList<std::shared_ptr<tembra::Note>> sortedNotes READ sortedNotes NOTIFY sortedNotesChanged)
+    Q_PROPERTY(std::shared_ptr<tembra::Session> session READ session WRITE setSession NOTIFY
+                   sessionChanged)
+    Q_PROPERTY(
+        QList<std::shared_ptr<tembra::Note>> sortedNotes READ sortedNotes NOTIFY sortedNotesChanged)
 
 public:
     SessionDetailViewController(const JournalServices &services, NotificationCenter &notifications,
@@ -82,7 +84,8 @@ private:
     QWidget *buildNoteHeader();
     QWidget *buildNoteButtons();
     void buildNoteSelector();
-    void addRatingMenu(EmojiComboBox *popup, const SentimentScale &scale, const QByteArray &property);
+    void addRatingMenu(EmojiComboBox *popup, const SentimentScale &scale,
+                       const QByteArray &property);
     void connectSignals(NotificationCenter &notifications);
 
     void endEditing();

@@ -36,7 +36,8 @@ void writeNotes(const Session &session, int number, QRandomGenerator &random)
 {
     for (const std::shared_ptr<Note> &note : session.notes()) {
         if (random.bounded(10) < filledOfTen)
-            note->setContentString(u"%1, made-up meeting %2."_s.arg(note->titleString()).arg(number));
+            note->setContentString(
+                u"%1, made-up meeting %2."_s.arg(note->titleString()).arg(number));
     }
 }
 

@@ -46,7 +46,8 @@ public:
         m_item.setSelected(option.state & QStyle::State_Selected);
         m_item.view.hovered = option.state & QStyle::State_MouseOver;
         m_item.view.focused = option.state & QStyle::State_HasFocus;
-        m_item.draw(painter, option.rect);
+        // Without a scroll bar the view makes its items higher.
+        m_item.draw(painter, QRect(option.rect.topLeft(), SummaryCollectionView::itemSize));
         m_item.setSession({}); // The tile must not keep a meeting in memory.
     }
 
@@ -71,6 +72,8 @@ SummaryCollectionView::SummaryCollectionView(const DateFormatting &dates, QWidge
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setMouseTracking(true);
     setFrameShape(NoFrame);
+    setBackgroundRole(QPalette::Base); // Of the insets too.
+    setAutoFillBackground(true);
     setFixedHeight(itemSize.height() + 2 * roomAround + horizontalScrollBar()->sizeHint().height());
     addDeleteAction();
 }

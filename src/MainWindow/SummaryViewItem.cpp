@@ -8,6 +8,8 @@
 #include <QFontMetricsF>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace tembra {
 
 namespace {
@@ -15,6 +17,9 @@ namespace {
 constexpr double emojiScale = 1.2;
 constexpr double tagRowHeight = 24;
 constexpr double sideMargin = 3;
+
+/// Beyond this, small emoji are no longer told apart.
+constexpr double smallestTagScale = 0.7;
 
 QFont scaled(QFont font, double factor)
 {
@@ -27,10 +32,7 @@ QFont scaled(QFont font, double factor)
 
 } // namespace
 
-SummaryViewItem::SummaryViewItem(const DateFormatting &dates)
-    : m_dates(dates)
-{
-}
+SummaryViewItem::SummaryViewItem(const DateFormatting &dates) : m_dates(dates) {}
 
 void SummaryViewItem::setAppearance(const QFont &font, const QPalette &palette)
 {
@@ -63,11 +65,19 @@ void SummaryViewItem::draw(QPainter *painter, const QRectF &rect) const
 {
     view.draw(painter, rect, m_palette);
     const QRectF band = TimelineViewItem::dateBand(rect);
-    const QRectF tags(rect.left(), rect.bottom() - tagRowHeight - sideMargin, rect.width(), tagRowHeight);
+    const QRectF tags(rect.left(), rect.bottom() - tagRowHeight - sideMargin, rect.width(),
+                      tagRowHeight);
     drawDate(painter, band);
     drawEmoji(painter, {rect.left(), band.bottom(), rect.width(), tags.top() - band.bottom()});
-    drawEmojiText(painter, tags.adjusted(sideMargin, 0, -sideMargin, 0), tagLabel.text, tagLabel.font,
-                  tagLabel.color, Qt::AlignCenter);
+    drawTags(painter, tags.adjusted(sideMargin, 0, -sideMargin, 0));
+}
+
+void SummaryViewItem::drawTags(QPainter *painter, const QRectF &row) const
+{
+    const double width = emojiTextSize(tagLabel.text, tagLabel.font).width();
+    const double factor = std::clamp(row.width() / std::max(width, 1.0), smallestTagScale, 1.0);
+    drawEmojiText(painter, row, tagLabel.text, scaled(tagLabel.font, factor), tagLabel.color,
+                  Qt::AlignCenter);
 }
 
 void SummaryViewItem::drawDate(QPainter *painter, const QRectF &band) const

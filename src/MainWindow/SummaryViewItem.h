@@ -48,6 +48,7 @@ public:
 private:
     void drawDate(QPainter *painter, const QRectF &band) const;
     void drawEmoji(QPainter *painter, const QRectF &area) const;
+    void drawTags(QPainter *painter, const QRectF &row) const;
 
     const DateFormatting &m_dates;
     QPalette m_palette;

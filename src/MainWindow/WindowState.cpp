@@ -60,7 +60,8 @@ QVariantList variants(const QList<int> &values)
 QMargins usualFrame(const QWidget &window)
 {
     constexpr int border = 8;
-    return {border, window.style()->pixelMetric(QStyle::PM_TitleBarHeight) + border, border, border};
+    return {border, window.style()->pixelMetric(QStyle::PM_TitleBarHeight) + border, border,
+            border};
 }
 
 QRect availableAround(const QRect &place)
@@ -70,9 +71,10 @@ QRect availableAround(const QRect &place)
         const QRect common = screen->availableGeometry() & place;
         return qint64(common.width()) * common.height();
     };
-    const auto best = std::max_element(screens.begin(), screens.end(), [&overlap](auto *left, auto *right) {
-        return overlap(left) < overlap(right);
-    });
+    const auto best = std::max_element(screens.begin(), screens.end(),
+                                       [&overlap](auto *left, auto *right) {
+                                           return overlap(left) < overlap(right);
+                                       });
     const QScreen *screen = overlap(*best) > 0 ? *best : QGuiApplication::primaryScreen();
     return screen->availableGeometry();
 }
@@ -80,23 +82,24 @@ QRect availableAround(const QRect &place)
 QRect fitted(QRect place, const QRect &available)
 {
     place.setSize(place.size().boundedTo(available.size()));
-    place.moveLeft(std::clamp(place.left(), available.left(), available.right() + 1 - place.width()));
-    place.moveTop(std::clamp(place.top(), available.top(), available.bottom() + 1 - place.height()));
+    place.moveLeft(
+        std::clamp(place.left(), available.left(), available.right() + 1 - place.width()));
+    place.moveTop(
+        std::clamp(place.top(), available.top(), available.bottom() + 1 - place.height()));
     return place;
 }
 
 } // namespace
 
-WindowState::WindowState(const QString &file)
-    : m_settings(file, QSettings::IniFormat)
-{
-}
+WindowState::WindowState(const QString &file) : m_settings(file, QSettings::IniFormat) {}
 
 void WindowState::restoreWindow(const QString &name, QWidget &window, QSize defaultSize) const
 {
     const QRect stored = rectangle(m_settings.value(geometryKey(name)));
     const QMargins frame = usualFrame(window);
-    const QRect available = (stored.isValid() ? availableAround(stored) : window.screen()->availableGeometry()) - frame;
+    const QRect available = (stored.isValid() ? availableAround(stored)
+                                              : window.screen()->availableGeometry())
+                            - frame;
     window.setMinimumSize(window.minimumSize().boundedTo(available.size()));
     if (stored.isValid())
         window.setGeometry(fitted(stored, available));
@@ -109,15 +112,18 @@ void WindowState::restoreWindow(const QString &name, QWidget &window, QSize defa
 void WindowState::saveWindow(const QString &name, const QWidget &window)
 {
     const QRect place = window.normalGeometry();
-    m_settings.setValue(geometryKey(name), variants({place.x(), place.y(), place.width(), place.height()}));
+    m_settings.setValue(geometryKey(name),
+                        variants({place.x(), place.y(), place.width(), place.height()}));
     m_settings.setValue(maximizedKey(name), window.isMaximized());
 }
 
-void WindowState::restoreSplit(const QString &name, QSplitter &splitter, const QList<int> &defaultSizes) const
+void WindowState::restoreSplit(const QString &name, QSplitter &splitter,
+                               const QList<int> &defaultSizes) const
 {
     const QList<int> stored = numbers(m_settings.value(splitKey(name)));
     const bool isUsable = stored.size() == splitter.count()
-        && std::all_of(stored.begin(), stored.end(), [](int size) { return size > 0; });
+                          && std::all_of(stored.begin(), stored.end(),
+                                         [](int size) { return size > 0; });
     splitter.setSizes(isUsable ? stored : defaultSizes);
 }
 

@@ -23,7 +23,8 @@ public:
     void saveWindow(const QString &name, const QWidget &window);
 
     /// Divides a splitter as it was; without a (readable) record in the proportion of @p defaultSizes.
-    void restoreSplit(const QString &name, QSplitter &splitter, const QList<int> &defaultSizes) const;
+    void restoreSplit(const QString &name, QSplitter &splitter,
+                      const QList<int> &defaultSizes) const;
     void saveSplit(const QString &name, const QSplitter &splitter);
 
 private:

@@ -101,18 +101,22 @@ void CoreDataInterface::save(Reporting reporting)
         qCWarning(modelLog, "CoreDataInterface unable to commit editing before saving");
     if (!viewContext().hasChanges())
         return;
-    const auto saved = viewContext().save();
-    if (!saved)
-        reportFailure(saved.error(), reporting);
-    else
-        setSaveFailing(false);
+    const bool alreadyKnown = m_saveFailing && reporting == Reporting::FirstFailure;
+    const auto saved = saveChanges();
+    if (!saved && !alreadyKnown)
+        reportFailure(saved.error());
 }
 
-void CoreDataInterface::reportFailure(const Error &error, Reporting reporting)
+Result<void> CoreDataInterface::saveChanges()
 {
-    const bool alreadyKnown = m_saveFailing && reporting == Reporting::FirstFailure;
-    setSaveFailing(true);
-    if (alreadyKnown || m_presentingError)
+    const auto saved = viewContext().save();
+    setSaveFailing(!saved);
+    return saved;
+}
+
+void CoreDataInterface::reportFailure(const Error &error)
+{
+    if (m_presentingError)
         return;
     const QScopedValueRollback presenting(m_presentingError, true);
     m_presentError(error);

@@ -53,6 +53,8 @@ public:
     /// Commits edits in progress, then saves the main context if it has changes. A failure is shown
     /// once at a time; the changes stay for the next attempt.
     void save();
+    /// Saves the main context as it is and shows nothing: the caller tells the user.
+    Result<void> saveChanges();
     /// The autosave: saves when there are changes. A failure that goes on is not shown again.
     void handleTimer();
     /// Merges what another context has saved into the main context.
@@ -70,7 +72,7 @@ private:
     enum class Reporting { EveryFailure, FirstFailure };
 
     void save(Reporting reporting);
-    void reportFailure(const Error &error, Reporting reporting);
+    void reportFailure(const Error &error);
     void setSaveFailing(bool failing);
     void adoptContainer();
 

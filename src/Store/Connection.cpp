@@ -112,8 +112,10 @@ Result<std::unique_ptr<Connection>> Connection::open(const QString &file, Mode m
     try {
         auto priv = std::make_unique<Private>(file, openDatabase(file, mode, vfs));
         std::unique_ptr<Connection> connection(new Connection(std::move(priv)));
-        if (auto applied = applySettings(*connection, mode); !applied)
+        if (auto applied = applySettings(*connection, mode); !applied) {
+            connection->setCheckpointsOnClose(false);
             return failure(applied.error());
+        }
         return connection;
     } catch (const SQLite::Exception &exception) {
         return failure(storeError(storeFaultOf(exception.getErrorCode(), errno), file,

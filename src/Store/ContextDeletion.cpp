@@ -75,7 +75,8 @@ Result<void> ManagedObjectContext::Private::runDeletion(const DeletionPlan &plan
     return done;
 }
 
-Result<void> ManagedObjectContext::Private::deleteRows(Transaction &transaction, const DeletionPlan &plan, int entity)
+Result<void> ManagedObjectContext::Private::deleteRows(Transaction &transaction,
+                                                       const DeletionPlan &plan, int entity)
 {
     const std::vector<qint64> &keys = plan.keys(entity);
     for (const ToManyLink &link : schema.table(entity).toManys) {
@@ -93,7 +94,8 @@ Result<void> ManagedObjectContext::Private::deleteRows(Transaction &transaction,
     return writer.deleteRows(transaction, entity, keys);
 }
 
-void ManagedObjectContext::Private::finishDeletion(const DeletionPlan &plan, const DeletionEffects &effects)
+void ManagedObjectContext::Private::finishDeletion(const DeletionPlan &plan,
+                                                   const DeletionEffects &effects)
 {
     if (UndoHistory *history = recorder())
         history->recordDeleted(effects.archive);
@@ -109,18 +111,23 @@ void ManagedObjectContext::Private::finishDeletion(const DeletionPlan &plan, con
         (void)becomeDeleted(object->m_id);
     Announcements announcements;
     applyRelated(effects.losses, false, announcements);
-    for (const auto &cleared : effects.archive->cleared()) {
-        const ToOneChange change{cleared.property, cleared.key, 0};
-        note([&](PendingChanges &changes) { changes.noteToOne(cleared.id, change); });
-        const auto live = registry.find(cleared.id);
-        if (!live || live->m_values.empty())
-            continue;
-        live->m_values[size_t(cleared.property)] = Value();
-        announcements.emplace_back(live, cleared.property);
-    }
+    for (const auto &cleared : effects.archive->cleared())
+        applyToOne(cleared.id, {cleared.property, cleared.key, 0}, announcements);
     didEdit();
     announceDeleted(gone);
     announce(announcements);
+}
+
+/// Takes over a change of a to-one that the store has already.
+void ManagedObjectContext::Private::applyToOne(ObjectID id, const ToOneChange &change,
+                                               Announcements &announcements)
+{
+    note([&](PendingChanges &changes) { changes.noteToOne(id, change); });
+    auto live = registry.find(id);
+    if (!live || live->m_values.empty())
+        return;
+    live->m_values[size_t(change.property)] = change.newKey ? Value(change.newKey) : Value();
+    announcements.emplace_back(std::move(live), change.property);
 }
 
 std::shared_ptr<ManagedObject> ManagedObjectContext::Private::becomeDeleted(ObjectID id)
@@ -159,7 +166,9 @@ void ManagedObjectContext::Private::applyRelated(const RelatedChanges &related, 
     for (const auto &[end, changedKeys] : related) {
         const auto &[owner, property] = end;
         if (schema.table(owner.entity).toMany(property).joined)
-            note([&, id = owner, bit = propertyBit(property)](PendingChanges &c) { c.noteUpdated(id, bit); });
+            note([&, id = owner, bit = propertyBit(property)](PendingChanges &c) {
+                c.noteUpdated(id, bit);
+            });
         auto live = registry.find(owner);
         if (!live)
             continue;
@@ -168,7 +177,8 @@ void ManagedObjectContext::Private::applyRelated(const RelatedChanges &related, 
             std::sort(sorted.begin(), sorted.end());
             std::vector<qint64> result;
             if (gained)
-                std::set_union(known->begin(), known->end(), sorted.begin(), sorted.end(), std::back_inserter(result));
+                std::set_union(known->begin(), known->end(), sorted.begin(), sorted.end(),
+                               std::back_inserter(result));
             else
                 std::set_difference(known->begin(), known->end(), sorted.begin(), sorted.end(),
                                     std::back_inserter(result));
@@ -196,17 +206,15 @@ Result<void> ManagedObjectContext::Private::restoreRecords(const RecordArchive &
     }
     Announcements announcements;
     applyRelated(restoration.gains, true, announcements);
+    for (const auto &[id, change] : restoration.toOnes)
+        applyToOne(id, change, announcements);
     didEdit();
     announce(announcements);
-    for (const auto &cleared : archive.cleared()) {
-        const auto object = this->object(cleared.id);
-        if (object && isMissing(object->value(cleared.property)))
-            object->setValue(cleared.property, Value(cleared.key));
-    }
     return {};
 }
 
-Result<void> ManagedObjectContext::Private::writeRestored(Transaction &transaction, const RecordArchive &archive,
+Result<void> ManagedObjectContext::Private::writeRestored(Transaction &transaction,
+                                                          const RecordArchive &archive,
                                                           Restoration &restoration)
 {
     Result<void> done;
@@ -239,7 +247,32 @@ Result<void> ManagedObjectContext::Private::writeRestored(Transaction &transacti
         restoration.gains[{owner, link.property}].push_back(key.other);
         restoration.gains[{other, link.inverse}].push_back(key.owner);
     }
-    return done;
+    return done ? writeCleared(transaction, archive, restoration) : done;
+}
+
+/// Points to-ones that the deletion had cleared to their old records, unless they point elsewhere by now.
+Result<void> ManagedObjectContext::Private::writeCleared(Transaction &transaction,
+                                                         const RecordArchive &archive,
+                                                         Restoration &restoration)
+{
+    for (const auto &cleared : archive.cleared()) {
+        Result<std::optional<RowReader::Row>> row = reader.row(cleared.id);
+        if (!row)
+            return failure(row.error());
+        if (!*row || !isMissing((**row)[size_t(cleared.property)]))
+            continue;
+        (**row)[size_t(cleared.property)] = Value(cleared.key);
+        const PropertyMask column = propertyBit(cleared.property);
+        if (const Result<bool> done = writer.updateRow(transaction, cleared.id, column, **row);
+            !done)
+            return failure(done.error());
+        restoration.toOnes.emplace_back(cleared.id, ToOneChange{cleared.property, 0, cleared.key});
+        const ToOneColumn &toOne = *schema.table(cleared.id.entity).toOne(cleared.property);
+        if (toOne.inverse >= 0)
+            restoration.gains[{{toOne.destination, cleared.key}, toOne.inverse}].push_back(
+                cleared.id.key);
+    }
+    return {};
 }
 
 void ManagedObjectContext::Private::Restoration::add(ObjectID id, const RowReader::Row &row,

@@ -87,24 +87,31 @@ void ManagedObjectContext::Private::setColumn(ManagedObject &object, int propert
     announce(announcements);
 }
 
-void ManagedObjectContext::Private::noteColumn(const ManagedObject &object, int property, const Value &before,
-                                               const Value &after, Announcements &announcements)
+void ManagedObjectContext::Private::noteColumn(const ManagedObject &object, int property,
+                                               const Value &before, const Value &after,
+                                               Announcements &announcements)
 {
     const ToOneColumn *toOne = schema.table(object.m_id.entity).toOne(property);
     if (!toOne) {
-        note([&](PendingChanges &changes) { changes.noteUpdated(object.m_id, propertyBit(property)); });
+        note([&](PendingChanges &changes) {
+            changes.noteUpdated(object.m_id, propertyBit(property));
+        });
         return;
     }
     const ToOneChange change{property, keyOf(before), keyOf(after)};
     note([&](PendingChanges &changes) { changes.noteToOne(object.m_id, change); });
-    relate({toOne->destination, change.oldKey}, toOne->inverse, object.m_id.key, false, announcements);
-    relate({toOne->destination, change.newKey}, toOne->inverse, object.m_id.key, true, announcements);
+    relate({toOne->destination, change.oldKey}, toOne->inverse, object.m_id.key, false,
+           announcements);
+    relate({toOne->destination, change.newKey}, toOne->inverse, object.m_id.key, true,
+           announcements);
 }
 
-void ManagedObjectContext::Private::setLinked(ManagedObject &owner, int property, ManagedObject &other, bool linked)
+void ManagedObjectContext::Private::setLinked(ManagedObject &owner, int property,
+                                              ManagedObject &other, bool linked)
 {
     const ToManyLink &link = schema.table(owner.m_id.entity).toMany(property);
-    require(other.m_id.entity == link.destination, "the related record is of the relationship's entity");
+    require(other.m_id.entity == link.destination,
+            "the related record is of the relationship's entity");
     if (other.m_deleted)
         return;
     require(other.m_context == &q, "related records belong to one context");
@@ -157,7 +164,8 @@ void ManagedObjectContext::Private::scheduleTurnEnd()
 {
     if (setup.isBackground || std::exchange(turnEndScheduled, true))
         return;
-    QMetaObject::invokeMethod(&q, [this] { endTurn(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        &q, [this] { endTurn(); }, Qt::QueuedConnection);
 }
 
 void ManagedObjectContext::Private::endTurn()

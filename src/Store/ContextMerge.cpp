@@ -52,7 +52,8 @@ void ManagedObjectContext::Private::merge(const ChangeSet &changes)
     turn.note(changes);
     for (const auto &[owner, property] : touched) {
         if (auto live = registry.find(owner)) {
-            std::erase_if(live->m_related, [p = property](const auto &related) { return related.property == p; });
+            std::erase_if(live->m_related,
+                          [p = property](const auto &related) { return related.property == p; });
             announcements.emplace_back(std::move(live), property);
         }
     }
@@ -70,7 +71,8 @@ void ManagedObjectContext::Private::refresh(ManagedObject &object, PropertyMask 
     const Result<std::optional<RowReader::Row>> row = reader.row(object.m_id);
     if (!row || !*row) {
         if (!row)
-            qCWarning(storeLog, "A record could not be read: %s", qUtf8Printable(row.error().description()));
+            qCWarning(storeLog, "A record could not be read: %s",
+                      qUtf8Printable(row.error().description()));
         return;
     }
     const PropertyMask taken = properties & ~object.m_unwritten;

@@ -12,7 +12,8 @@ namespace tembra {
 
 using namespace std::chrono_literals;
 
-ManagedObjectContext::Private::Private(ManagedObjectContext &context, PersistentContainer &owner, ContextSetup given)
+ManagedObjectContext::Private::Private(ManagedObjectContext &context, PersistentContainer &owner,
+                                       ContextSetup given)
     : q(context)
     , container(owner)
     , setup(std::move(given))
@@ -32,7 +33,8 @@ ManagedObjectContext::Private::~Private()
     registry.forEach([](ManagedObject &object) { object.m_context = nullptr; });
 }
 
-std::shared_ptr<ManagedObject> ManagedObjectContext::Private::makeObject(ObjectID id, RowReader::Row values)
+std::shared_ptr<ManagedObject> ManagedObjectContext::Private::makeObject(ObjectID id,
+                                                                         RowReader::Row values)
 {
     const EntityDescription &entity = schema.entity(id.entity);
     std::shared_ptr<ManagedObject> made = entity.makeObject();
@@ -59,7 +61,8 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::Private::object(ObjectID id
         return live;
     Result<std::optional<RowReader::Row>> row = reader.row(id);
     if (!row) {
-        qCWarning(storeLog, "A record could not be read: %s", qUtf8Printable(row.error().description()));
+        qCWarning(storeLog, "A record could not be read: %s",
+                  qUtf8Printable(row.error().description()));
         return nullptr;
     }
     return *row ? makeObject(id, std::move(**row)) : nullptr;
@@ -79,7 +82,8 @@ bool ManagedObjectContext::Private::load(ManagedObject &object)
         return true;
     Result<std::optional<RowReader::Row>> row = reader.row(object.m_id);
     if (!row) {
-        qCWarning(storeLog, "A record could not be read: %s", qUtf8Printable(row.error().description()));
+        qCWarning(storeLog, "A record could not be read: %s",
+                  qUtf8Printable(row.error().description()));
         return false;
     }
     if (*row) {
@@ -92,8 +96,8 @@ bool ManagedObjectContext::Private::load(ManagedObject &object)
     return false;
 }
 
-Result<void>
-ManagedObjectContext::Private::loadTogether(const QList<std::shared_ptr<ManagedObject>> &objects)
+Result<void> ManagedObjectContext::Private::loadTogether(
+    const QList<std::shared_ptr<ManagedObject>> &objects)
 {
     std::vector<std::vector<qint64>> missing(size_t(schema.entityCount()));
     for (const auto &object : objects) {
@@ -116,8 +120,8 @@ ManagedObjectContext::Private::loadTogether(const QList<std::shared_ptr<ManagedO
     return {};
 }
 
-Result<QList<std::shared_ptr<ManagedObject>>>
-ManagedObjectContext::Private::objects(int entity, std::span<const qint64> keys, bool asFaults)
+Result<QList<std::shared_ptr<ManagedObject>>> ManagedObjectContext::Private::objects(
+    int entity, std::span<const qint64> keys, bool asFaults)
 {
     QList<std::shared_ptr<ManagedObject>> found;
     found.reserve(qsizetype(keys.size()));
@@ -129,7 +133,8 @@ ManagedObjectContext::Private::objects(int entity, std::span<const qint64> keys,
         return found;
     if (const Result<void> done = loadTogether(found); !done)
         return failure(done.error());
-    found.removeIf([](const std::shared_ptr<ManagedObject> &object) { return object->m_values.empty(); });
+    found.removeIf(
+        [](const std::shared_ptr<ManagedObject> &object) { return object->m_values.empty(); });
     return found;
 }
 
@@ -141,10 +146,13 @@ void ManagedObjectContext::Private::setPinned(ManagedObject &object, bool isPinn
         pinned.remove(object.m_id);
 }
 
-std::vector<qint64> *ManagedObjectContext::Private::knownRelated(const ManagedObject &object, int property)
+std::vector<qint64> *ManagedObjectContext::Private::knownRelated(const ManagedObject &object,
+                                                                 int property)
 {
     const auto found = std::find_if(object.m_related.begin(), object.m_related.end(),
-                                    [&](const auto &related) { return related.property == property; });
+                                    [&](const auto &related) {
+                                        return related.property == property;
+                                    });
     return found == object.m_related.end() ? nullptr : &found->keys;
 }
 
@@ -156,14 +164,16 @@ const std::vector<qint64> &ManagedObjectContext::Private::relatedKeys(const Mana
         return *known;
     const qint64 key = owner.m_id.key;
     if (const Result<void> done = readRelated(link, std::span(&key, 1)); !done) {
-        qCWarning(storeLog, "A relationship could not be read: %s", qUtf8Printable(done.error().description()));
+        qCWarning(storeLog, "A relationship could not be read: %s",
+                  qUtf8Printable(done.error().description()));
         return none;
     }
     const auto *known = knownRelated(owner, link.property);
     return known ? *known : none;
 }
 
-Result<void> ManagedObjectContext::Private::readRelated(const ToManyLink &link, std::span<const qint64> owners)
+Result<void> ManagedObjectContext::Private::readRelated(const ToManyLink &link,
+                                                        std::span<const qint64> owners)
 {
     QHash<qint64, std::vector<qint64>> found;
     for (const qint64 owner : owners)
@@ -203,9 +213,11 @@ void ManagedObjectContext::Private::overlayUnwritten(const ToManyLink &link, qin
 {
     if (!link.joined) {
         for (const auto &object : unwritten.objects) {
-            const bool counts = object->m_isNew || (object->m_unwritten & propertyBit(link.inverse));
+            const bool counts = object->m_isNew
+                                || (object->m_unwritten & propertyBit(link.inverse));
             if (counts && object->m_id.entity == link.destination && !object->m_deleted)
-                setContained(keys, object->m_id.key, object->m_values[size_t(link.inverse)] == Value(owner));
+                setContained(keys, object->m_id.key,
+                             object->m_values[size_t(link.inverse)] == Value(owner));
         }
         return;
     }
@@ -226,7 +238,8 @@ bool ManagedObjectContext::Private::isLinked(const ManagedObject &owner, const T
         return std::binary_search(known->begin(), known->end(), other.m_id.key);
     if (const auto *known = knownRelated(other, link.inverse))
         return std::binary_search(known->begin(), known->end(), owner.m_id.key);
-    const auto edited = unwritten.links.constFind(LinkKey::of(link, owner.m_id.key, other.m_id.key));
+    const auto edited = unwritten.links.constFind(
+        LinkKey::of(link, owner.m_id.key, other.m_id.key));
     if (edited != unwritten.links.cend())
         return *edited;
     const Result<bool> linked = reader.isLinked(link, owner.m_id.key, other.m_id.key);

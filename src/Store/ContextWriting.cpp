@@ -49,7 +49,8 @@ Result<void> ManagedObjectContext::Private::writeDrafts()
     return failure(gone.error());
 }
 
-Result<ObjectList> ManagedObjectContext::Private::writeInOwnTransaction(Transaction::Durability durability)
+Result<ObjectList> ManagedObjectContext::Private::writeInOwnTransaction(
+    Transaction::Durability durability)
 {
     std::vector<ObjectID> vanished;
     {
@@ -66,7 +67,8 @@ Result<ObjectList> ManagedObjectContext::Private::writeInOwnTransaction(Transact
     return didWrite(vanished);
 }
 
-Result<void> ManagedObjectContext::Private::inTransaction(const std::function<Result<void>(Transaction &)> &work)
+Result<void> ManagedObjectContext::Private::inTransaction(
+    const std::function<Result<void>(Transaction &)> &work)
 {
     if (setup.isBackground) {
         if (Result<void> begun = beginLongTransaction(); !begun)
@@ -75,7 +77,8 @@ Result<void> ManagedObjectContext::Private::inTransaction(const std::function<Re
             return lose(done.error());
         return {};
     }
-    Result<Transaction> transaction = Transaction::begin(connection, Transaction::Durability::Draft);
+    Result<Transaction> transaction = Transaction::begin(connection,
+                                                         Transaction::Durability::Draft);
     if (!transaction)
         return failure(transaction.error());
     if (Result<void> done = work(*transaction); !done)
@@ -98,27 +101,31 @@ Result<std::vector<ObjectID>> ManagedObjectContext::Private::writeUnwritten(Tran
     for (auto it = unwritten.links.cbegin(); it != unwritten.links.cend(); ++it) {
         const LinkKey &key = it.key();
         const ToManyLink &link = schema.table(key.entity).toMany(key.property);
-        const Result<void> done = it.value() ? writer.addLink(transaction, link, key.owner, key.other)
-                                             : writer.removeLink(transaction, link, key.owner, key.other);
+        const Result<void> done = it.value()
+                                      ? writer.addLink(transaction, link, key.owner, key.other)
+                                      : writer.removeLink(transaction, link, key.owner, key.other);
         if (!done)
             return failure(done.error());
     }
     if (firstUpdate != unwritten.objects.begin()) {
         const qint64 mark = setup.ids->highWaterMark();
-        if (const Result<void> done = StoreMeta::raiseHighWaterMark(transaction, connection, mark); !done)
+        if (const Result<void> done = StoreMeta::raiseHighWaterMark(transaction, connection, mark);
+            !done)
             return failure(done.error());
     }
     return vanished;
 }
 
-Result<void> ManagedObjectContext::Private::writeObject(Transaction &transaction, ManagedObject &object,
+Result<void> ManagedObjectContext::Private::writeObject(Transaction &transaction,
+                                                        ManagedObject &object,
                                                         std::vector<ObjectID> &vanished)
 {
     if (object.m_deleted)
         return {};
     if (object.m_isNew)
         return writer.insertRow(transaction, object.m_id, object.m_values);
-    const Result<bool> updated = writer.updateRow(transaction, object.m_id, object.m_unwritten, object.m_values);
+    const Result<bool> updated = writer.updateRow(transaction, object.m_id, object.m_unwritten,
+                                                  object.m_values);
     if (!updated)
         return failure(updated.error());
     if (!*updated)
@@ -153,8 +160,9 @@ Result<void> ManagedObjectContext::Private::save()
     tellChanges();
     if (!hasChanges)
         return {};
-    const Result<ObjectList> gone = setup.isBackground ? saveLongTransaction()
-                                                       : writeInOwnTransaction(Transaction::Durability::Durable);
+    const Result<ObjectList> gone = setup.isBackground
+                                        ? saveLongTransaction()
+                                        : writeInOwnTransaction(Transaction::Durability::Durable);
     if (!gone) {
         if (!setup.isBackground && !unwritten.isEmpty())
             draftTimer.start(draftRetryDelay);
@@ -175,7 +183,8 @@ Result<void> ManagedObjectContext::Private::beginLongTransaction()
     if (longTransaction)
         return {};
     for (int waited = 0;; ++waited) {
-        Result<Transaction> begun = Transaction::begin(connection, Transaction::Durability::Durable);
+        Result<Transaction> begun = Transaction::begin(connection,
+                                                       Transaction::Durability::Durable);
         if (begun) {
             longTransaction.emplace(std::move(*begun));
             return {};
@@ -192,13 +201,14 @@ tl::unexpected<Error> ManagedObjectContext::Private::lose(const Error &reason)
 {
     lost = reason;
     longTransaction.reset();
+    unwritten = {};
     return failure(reason);
 }
 
 Result<void> ManagedObjectContext::Private::writePiece()
 {
     if (lost)
-        return failure(*lost);
+        return lose(Error(*lost));
     if (unwritten.isEmpty())
         return {};
     if (const Result<void> begun = beginLongTransaction(); !begun)
@@ -237,7 +247,8 @@ Result<void> ManagedObjectContext::Private::dropVanishedToOnes()
             if (!key || destination == lastSeen)
                 continue;
             const auto live = registry.find(destination);
-            const Result<bool> found = live && live->m_isNew ? Result<bool>(true) : reader.exists(destination);
+            const Result<bool> found = live && live->m_isNew ? Result<bool>(true)
+                                                             : reader.exists(destination);
             if (!found)
                 return failure(found.error());
             if (*found) {

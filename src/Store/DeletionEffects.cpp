@@ -7,8 +7,8 @@
 
 namespace tembra {
 
-QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const StoreSchema &schema, int entity,
-                                         bool appearing)
+QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const StoreSchema &schema,
+                                         int entity, bool appearing)
 {
     QVarLengthArray<ToOneChange, 1> toOnes;
     for (const ToOneColumn &column : schema.table(entity).toOnes) {
@@ -19,14 +19,17 @@ QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const StoreS
     return toOnes;
 }
 
-Result<DeletionEffects> DeletionEffects::of(const DeletionPlan &plan, const StoreSchema &schema, RowReader &reader)
+Result<DeletionEffects> DeletionEffects::of(const DeletionPlan &plan, const StoreSchema &schema,
+                                            RowReader &reader)
 {
     DeletionEffects effects;
     effects.archive = std::make_shared<RecordArchive>(schema.entityCount());
     effects.changes.deleted.reserve(plan.count());
     for (int entity = 0; entity < schema.entityCount(); ++entity) {
         const size_t firstChange = effects.changes.deleted.size();
-        const auto add = [&](qint64 key, RowReader::Row row) { effects.addRow(plan, schema, {entity, key}, row); };
+        const auto add = [&](qint64 key, RowReader::Row row) {
+            effects.addRow(plan, schema, {entity, key}, row);
+        };
         if (const Result<void> done = reader.rows(entity, plan.keys(entity), add); !done)
             return failure(done.error());
         effects.addVanished(plan, entity, firstChange);
@@ -68,33 +71,35 @@ void DeletionEffects::addVanished(const DeletionPlan &plan, int entity, size_t f
     }
 }
 
-Result<void> DeletionEffects::addLinks(const DeletionPlan &plan, const StoreSchema &schema, RowReader &reader,
-                                       int entity)
+Result<void> DeletionEffects::addLinks(const DeletionPlan &plan, const StoreSchema &schema,
+                                       RowReader &reader, int entity)
 {
     for (const ToManyLink &link : schema.table(entity).toManys) {
         if (!link.joined)
             continue;
-        const Result<void> done = reader.related(link, plan.keys(entity), [&](qint64 own, qint64 other) {
-            archive->addLink(LinkKey::of(link, own, other));
-            if (!plan.contains({link.destination, other}))
-                losses[{{link.destination, other}, link.inverse}].push_back(own);
-        });
+        const Result<void> done = reader.related(
+            link, plan.keys(entity), [&](qint64 own, qint64 other) {
+                archive->addLink(LinkKey::of(link, own, other));
+                if (!plan.contains({link.destination, other}))
+                    losses[{{link.destination, other}, link.inverse}].push_back(own);
+            });
         if (!done)
             return done;
     }
     return {};
 }
 
-Result<void> DeletionEffects::addCleared(const DeletionPlan &plan, const StoreSchema &schema, RowReader &reader,
-                                         int entity)
+Result<void> DeletionEffects::addCleared(const DeletionPlan &plan, const StoreSchema &schema,
+                                         RowReader &reader, int entity)
 {
     for (const ToOneColumn &column : schema.table(entity).references) {
         if (column.rule != DeleteRule::Nullify)
             continue;
-        const Result<void> done = reader.referrers(column, plan.keys(entity), [&](qint64 referrer, qint64 key) {
-            if (!plan.contains({column.entity, referrer}))
-                archive->addCleared({{column.entity, referrer}, column.property, key});
-        });
+        const Result<void> done = reader.referrers(
+            column, plan.keys(entity), [&](qint64 referrer, qint64 key) {
+                if (!plan.contains({column.entity, referrer}))
+                    archive->addCleared({{column.entity, referrer}, column.property, key});
+            });
         if (!done)
             return done;
     }

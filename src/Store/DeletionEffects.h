@@ -23,17 +23,21 @@ struct DeletionEffects
     ChangeSet changes; ///< The deleted records.
     RelatedChanges losses; ///< To-manys of surviving records.
 
-    static Result<DeletionEffects> of(const DeletionPlan &plan, const StoreSchema &schema, RowReader &reader);
+    static Result<DeletionEffects> of(const DeletionPlan &plan, const StoreSchema &schema,
+                                      RowReader &reader);
 
 private:
-    void addRow(const DeletionPlan &plan, const StoreSchema &schema, ObjectID id, const RowReader::Row &row);
+    void addRow(const DeletionPlan &plan, const StoreSchema &schema, ObjectID id,
+                const RowReader::Row &row);
     void addVanished(const DeletionPlan &plan, int entity, size_t firstChange);
-    Result<void> addLinks(const DeletionPlan &plan, const StoreSchema &schema, RowReader &reader, int entity);
-    Result<void> addCleared(const DeletionPlan &plan, const StoreSchema &schema, RowReader &reader, int entity);
+    Result<void> addLinks(const DeletionPlan &plan, const StoreSchema &schema, RowReader &reader,
+                          int entity);
+    Result<void> addCleared(const DeletionPlan &plan, const StoreSchema &schema, RowReader &reader,
+                            int entity);
 };
 
 /// The to-ones of a row that point somewhere, as changes from or to nothing.
-QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const StoreSchema &schema, int entity,
-                                         bool appearing);
+QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const StoreSchema &schema,
+                                         int entity, bool appearing);
 
 } // namespace tembra

@@ -7,13 +7,10 @@
 
 namespace tembra {
 
-DeletionPlan::DeletionPlan(int entityCount)
-    : m_keys(size_t(entityCount))
-{
-}
+DeletionPlan::DeletionPlan(int entityCount) : m_keys(size_t(entityCount)) {}
 
-Result<DeletionPlan> DeletionPlan::cascadingFrom(const std::vector<ObjectID> &roots, const StoreSchema &schema,
-                                                 RowReader &reader)
+Result<DeletionPlan> DeletionPlan::cascadingFrom(const std::vector<ObjectID> &roots,
+                                                 const StoreSchema &schema, RowReader &reader)
 {
     DeletionPlan plan(schema.entityCount());
     for (const ObjectID id : roots)

@@ -15,8 +15,8 @@ class StoreSchema;
 class DeletionPlan
 {
 public:
-    static Result<DeletionPlan> cascadingFrom(const std::vector<ObjectID> &roots, const StoreSchema &schema,
-                                              RowReader &reader);
+    static Result<DeletionPlan> cascadingFrom(const std::vector<ObjectID> &roots,
+                                              const StoreSchema &schema, RowReader &reader);
 
     bool contains(ObjectID id) const;
     /// Ascending.

@@ -25,7 +25,8 @@ Result<FetchStatement> compile(const ObjectModel &model, const FetchRequest &req
 {
     const int entity = model.entityIndex(request.entityName);
     if (entity < 0)
-        return failure(u"There are no records of the kind “%1”."_s.arg(QString::fromUtf8(request.entityName)));
+        return failure(
+            u"There are no records of the kind “%1”."_s.arg(QString::fromUtf8(request.entityName)));
     SqlEmitter emitter(model, entity);
     QByteArray clauses;
     if (const PredicateNode *root = request.predicate.root()) {

@@ -32,7 +32,8 @@ struct FetchedResultsController::Private
     void take(const ChangeSet &changes);
     void follow(const ChangeSet &changes);
     std::vector<qint64> keysAfter(const ChangeSet &changes) const;
-    std::vector<RowChange> stepsTo(const std::vector<qint64> &after, const UpdatedRecords::Keys &updated) const;
+    std::vector<RowChange> stepsTo(const std::vector<qint64> &after,
+                                   const UpdatedRecords::Keys &updated) const;
     void tell(std::vector<qint64> after, const std::vector<RowChange> &steps);
 
     FetchedResultsController &q;
@@ -66,7 +67,8 @@ Result<void> FetchedResultsController::Private::start()
     keys = std::move(*found);
     region = std::move(*depends);
     updatedRecords = std::move(*updates);
-    objects = std::make_unique<RecentObjects>(*context, entity, request.relationshipKeyPathsForPrefetching);
+    objects = std::make_unique<RecentObjects>(*context, entity,
+                                              request.relationshipKeyPathsForPrefetching);
     changesConnection = connect(context, &ManagedObjectContext::objectsDidChange, &q,
                                 [this](const ChangeSet &changes) { take(changes); });
     return {};
@@ -116,7 +118,8 @@ std::vector<qint64> FetchedResultsController::Private::keysAfter(const ChangeSet
     Result<std::vector<qint64>> found = context->fetchKeys(request);
     if (found)
         return std::move(*found);
-    qCWarning(storeLog, "A list could not be brought up to date: %s", qUtf8Printable(found.error().description()));
+    qCWarning(storeLog, "A list could not be brought up to date: %s",
+              qUtf8Printable(found.error().description()));
     QSet<qint64> gone;
     for (const ObjectChange &change : changes.deleted) {
         if (change.id.entity == entity)
@@ -127,8 +130,8 @@ std::vector<qint64> FetchedResultsController::Private::keysAfter(const ChangeSet
     return left;
 }
 
-std::vector<RowChange> FetchedResultsController::Private::stepsTo(const std::vector<qint64> &after,
-                                                                  const UpdatedRecords::Keys &updated) const
+std::vector<RowChange> FetchedResultsController::Private::stepsTo(
+    const std::vector<qint64> &after, const UpdatedRecords::Keys &updated) const
 {
     std::vector<RowChange> steps = listDiff(keys, after);
     if (updated.isEmpty())
@@ -145,7 +148,8 @@ std::vector<RowChange> FetchedResultsController::Private::stepsTo(const std::vec
     return steps;
 }
 
-void FetchedResultsController::Private::tell(std::vector<qint64> after, const std::vector<RowChange> &steps)
+void FetchedResultsController::Private::tell(std::vector<qint64> after,
+                                             const std::vector<RowChange> &steps)
 {
     // Someone who is told may drop these results: then there is nobody left to tell.
     const QPointer<FetchedResultsController> alive(&q);
@@ -164,7 +168,8 @@ void FetchedResultsController::Private::tell(std::vector<qint64> after, const st
         telling = false;
 }
 
-FetchedResultsController::FetchedResultsController(ManagedObjectContext &context, FetchRequest request, QObject *parent)
+FetchedResultsController::FetchedResultsController(ManagedObjectContext &context,
+                                                   FetchRequest request, QObject *parent)
     : QObject(parent)
     , d(std::make_unique<Private>(*this, context, std::move(request)))
 {
@@ -220,7 +225,8 @@ std::shared_ptr<ManagedObject> FetchedResultsController::objectAt(int row)
     return objectAmong(d->keys, row);
 }
 
-std::shared_ptr<ManagedObject> FetchedResultsController::objectAmong(std::span<const qint64> rows, int row)
+std::shared_ptr<ManagedObject> FetchedResultsController::objectAmong(std::span<const qint64> rows,
+                                                                     int row)
 {
     return d->objects ? d->objects->object(rows, row) : nullptr;
 }

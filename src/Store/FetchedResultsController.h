@@ -27,7 +27,8 @@ class FetchedResultsController : public QObject
     Q_OBJECT
 
 public:
-    FetchedResultsController(ManagedObjectContext &context, FetchRequest request, QObject *parent = nullptr);
+    FetchedResultsController(ManagedObjectContext &context, FetchRequest request,
+                             QObject *parent = nullptr);
     ~FetchedResultsController() override;
 
     const FetchRequest &fetchRequest() const;

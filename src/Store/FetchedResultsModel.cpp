@@ -17,10 +17,7 @@ using Type = RowChange::Type;
 
 } // namespace
 
-FetchedResultsModel::FetchedResultsModel(QObject *parent)
-    : QAbstractListModel(parent)
-{
-}
+FetchedResultsModel::FetchedResultsModel(QObject *parent) : QAbstractListModel(parent) {}
 
 FetchedResultsModel::~FetchedResultsModel() = default;
 
@@ -32,7 +29,8 @@ void FetchedResultsModel::setResultsController(FetchedResultsController *control
     if (controller) {
         connect(controller, &FetchedResultsController::objectDidChange, this,
                 [this](const RowChange &step) { m_steps.push_back(step); });
-        connect(controller, &FetchedResultsController::contentDidChange, this, &FetchedResultsModel::takeOver);
+        connect(controller, &FetchedResultsController::contentDidChange, this,
+                &FetchedResultsModel::takeOver);
         connect(controller, &QObject::destroyed, this, &FetchedResultsModel::reset);
     }
     reset();
@@ -123,7 +121,8 @@ void FetchedResultsModel::applyOneByOne()
 size_t FetchedResultsModel::removeRange(size_t first)
 {
     size_t end = first + 1;
-    while (end < m_steps.size() && m_steps[end].type == Type::Delete && m_steps[end].row == m_steps[end - 1].row - 1)
+    while (end < m_steps.size() && m_steps[end].type == Type::Delete
+           && m_steps[end].row == m_steps[end - 1].row - 1)
         ++end;
     const int top = m_steps[end - 1].row;
     const int bottom = m_steps[first].row;
@@ -136,7 +135,8 @@ size_t FetchedResultsModel::removeRange(size_t first)
 size_t FetchedResultsModel::insertRange(size_t first)
 {
     size_t end = first + 1;
-    while (end < m_steps.size() && m_steps[end].type == Type::Insert && m_steps[end].row == m_steps[end - 1].row + 1)
+    while (end < m_steps.size() && m_steps[end].type == Type::Insert
+           && m_steps[end].row == m_steps[end - 1].row + 1)
         ++end;
     const int row = rowAfterPredecessorOf(m_steps[first].row);
     std::vector<qint64> keys;

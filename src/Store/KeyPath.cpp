@@ -21,12 +21,14 @@ int destinationOf(const ObjectModel &model, const EntityDescription &entity, int
 
 tl::unexpected<Error> unusable(const QList<QByteArray> &names, const QString &reason)
 {
-    return failure(u"The key path “%1” cannot be used: %2."_s.arg(QString::fromUtf8(names.join('.')), reason));
+    return failure(
+        u"The key path “%1” cannot be used: %2."_s.arg(QString::fromUtf8(names.join('.')), reason));
 }
 
 } // namespace
 
-Result<KeyPath> KeyPath::resolve(const ObjectModel &model, int entity, const QList<QByteArray> &names)
+Result<KeyPath> KeyPath::resolve(const ObjectModel &model, int entity,
+                                 const QList<QByteArray> &names)
 {
     KeyPath path;
     for (const QByteArray &name : names) {
@@ -59,7 +61,8 @@ std::span<const KeyPathStep> KeyPath::beforeToMany() const
 
 std::span<const KeyPathStep> KeyPath::afterToMany() const
 {
-    return hasToMany() ? std::span(steps).subspan(size_t(toManyIndex) + 1) : std::span<const KeyPathStep>();
+    return hasToMany() ? std::span(steps).subspan(size_t(toManyIndex) + 1)
+                       : std::span<const KeyPathStep>();
 }
 
 } // namespace tembra

@@ -32,7 +32,8 @@ struct KeyPath
     int toManyIndex = -1; ///< The step that is to-many; -1 when there is none.
 
     /// Fails, with the reason, on an unknown name, a way on from an attribute, or a second to-many.
-    static Result<KeyPath> resolve(const ObjectModel &model, int entity, const QList<QByteArray> &names);
+    static Result<KeyPath> resolve(const ObjectModel &model, int entity,
+                                   const QList<QByteArray> &names);
 
     const KeyPathStep &last() const { return steps.back(); }
     bool hasToMany() const { return toManyIndex >= 0; }

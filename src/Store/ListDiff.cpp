@@ -34,9 +34,10 @@ std::vector<bool> longestIncreasing(const std::vector<int> &numbers)
         const int number = numbers[size_t(i)];
         if (number == absent)
             continue;
-        const auto place = std::lower_bound(tails.begin(), tails.end(), number, [&](int tail, int value) {
-            return numbers[size_t(tail)] < value;
-        });
+        const auto place = std::lower_bound(tails.begin(), tails.end(), number,
+                                            [&](int tail, int value) {
+                                                return numbers[size_t(tail)] < value;
+                                            });
         if (place != tails.begin())
             previous[size_t(i)] = *std::prev(place);
         if (place == tails.end())
@@ -54,7 +55,8 @@ std::vector<bool> longestIncreasing(const std::vector<int> &numbers)
 
 std::vector<RowChange> listDiff(Keys before, Keys after)
 {
-    const auto [oldEnd, newEnd] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+    const auto [oldEnd, newEnd] = std::mismatch(before.begin(), before.end(), after.begin(),
+                                                after.end());
     const int head = int(oldEnd - before.begin());
     before = before.subspan(size_t(head));
     after = after.subspan(size_t(head));

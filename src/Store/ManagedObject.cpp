@@ -65,7 +65,8 @@ QList<std::shared_ptr<ManagedObject>> ManagedObject::relatedObjects(int toManyPr
     keys.reserve(ids.size());
     for (const ObjectID &id : ids)
         keys.push_back(id.key);
-    return m_context->objects(ids.front().entity, keys).value_or(QList<std::shared_ptr<ManagedObject>>());
+    return m_context->objects(ids.front().entity, keys)
+        .value_or(QList<std::shared_ptr<ManagedObject>>());
 }
 
 void ManagedObject::addRelated(int toManyProperty, const ManagedObject &other)

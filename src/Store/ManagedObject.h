@@ -76,7 +76,8 @@ protected:
     qint16 integer(int property) const; ///< 0 when missing.
     void setInteger(int property, qint16 number);
     OptionalDate date(int property) const;
-    void setDate(int property, OptionalDate date); ///< A date that is not finite is stored as missing.
+    void setDate(int property,
+                 OptionalDate date); ///< A date that is not finite is stored as missing.
     std::shared_ptr<ManagedObject> toOne(int property) const; ///< Null when there is none.
     void setToOne(int property, const std::shared_ptr<ManagedObject> &other);
 

@@ -66,12 +66,14 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::registeredObject(ObjectID i
     return d->registry.find(id);
 }
 
-Result<QList<std::shared_ptr<ManagedObject>>> ManagedObjectContext::objects(int entity, std::span<const qint64> keys)
+Result<QList<std::shared_ptr<ManagedObject>>> ManagedObjectContext::objects(
+    int entity, std::span<const qint64> keys)
 {
     return d->objects(entity, keys, false);
 }
 
-Result<void> ManagedObjectContext::deleteObjects(const QList<std::shared_ptr<ManagedObject>> &objects)
+Result<void> ManagedObjectContext::deleteObjects(
+    const QList<std::shared_ptr<ManagedObject>> &objects)
 {
     std::vector<ObjectID> roots;
     for (const auto &object : objects) {
@@ -118,7 +120,8 @@ Result<qint64> ManagedObjectContext::count(const FetchRequest &request)
     return count;
 }
 
-Result<QList<std::shared_ptr<ManagedObject>>> ManagedObjectContext::fetchObjects(const FetchRequest &request)
+Result<QList<std::shared_ptr<ManagedObject>>> ManagedObjectContext::fetchObjects(
+    const FetchRequest &request)
 {
     const Result<std::vector<qint64>> keys = fetchKeys(request);
     if (!keys)
@@ -127,7 +130,8 @@ Result<QList<std::shared_ptr<ManagedObject>>> ManagedObjectContext::fetchObjects
     auto found = d->objects(entity, *keys, request.returnsObjectsAsFaults);
     if (!found || request.relationshipKeyPathsForPrefetching.isEmpty())
         return found;
-    if (const Result<void> done = prefetch(*found, request.relationshipKeyPathsForPrefetching); !done)
+    if (const Result<void> done = prefetch(*found, request.relationshipKeyPathsForPrefetching);
+        !done)
         return failure(done.error());
     return found;
 }
@@ -139,10 +143,12 @@ Result<void> ManagedObjectContext::prefetch(const QList<std::shared_ptr<ManagedO
         return done;
     const int entity = objects.first()->objectID().entity;
     for (const QByteArray &name : toManyRelationships) {
-        const ToManyLink &link = d->schema.table(entity).toMany(d->schema.entity(entity).propertyIndex(name));
+        const ToManyLink &link = d->schema.table(entity).toMany(
+            d->schema.entity(entity).propertyIndex(name));
         std::vector<qint64> owners;
         for (const auto &object : objects) {
-            require(object->objectID().entity == entity, "relationships are prefetched for one entity");
+            require(object->objectID().entity == entity,
+                    "relationships are prefetched for one entity");
             if (!object->isDeleted() && !Private::knownRelated(*object, link.property))
                 owners.push_back(object->objectID().key);
         }

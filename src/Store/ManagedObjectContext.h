@@ -55,8 +55,11 @@ public:
     /// exist (any more) are left out.
     Result<QList<std::shared_ptr<ManagedObject>>> objects(int entity, std::span<const qint64> keys);
 
-    /// Deletes records with all that cascades from them, hooks first, as one step of undo.
-    /// Fails when the store cannot be read or written; then nothing was deleted.
+    /// Deletes records with all that cascades from them, hooks first: once for each record that has
+    /// a live object; a hook may edit, insert and delete whatever it likes. Undo brings everything
+    /// back under the same keys, as new objects. Written at once, as a draft.
+    /// Fails when the store cannot be read or written; then nothing was deleted by this call, but
+    /// the hooks have run, and run again when it is tried again.
     Result<void> deleteObjects(const QList<std::shared_ptr<ManagedObject>> &objects);
     Result<void> deleteObject(const std::shared_ptr<ManagedObject> &object);
 

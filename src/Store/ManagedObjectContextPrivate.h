@@ -43,7 +43,8 @@ struct ManagedObjectContext::Private
     /// Reads the values of an object that has none yet. False when that fails or it has vanished.
     bool load(ManagedObject &object);
     Result<void> loadTogether(const QList<std::shared_ptr<ManagedObject>> &objects);
-    Result<QList<std::shared_ptr<ManagedObject>>> objects(int entity, std::span<const qint64> keys, bool asFaults);
+    Result<QList<std::shared_ptr<ManagedObject>>> objects(int entity, std::span<const qint64> keys,
+                                                          bool asFaults);
     void takeValues(ManagedObject &object, RowReader::Row values);
     void setPinned(ManagedObject &object, bool pinned);
     bool exists(ObjectID id);
@@ -55,15 +56,16 @@ struct ManagedObjectContext::Private
     void overlayUnwritten(const ToManyLink &link, qint64 owner, std::vector<qint64> &keys) const;
     bool isLinked(const ManagedObject &owner, const ToManyLink &link, const ManagedObject &other);
     /// Brings the known related keys of a live owner up to date and announces the change.
-    void relate(ObjectID owner, int property, qint64 key, bool related, Announcements &announcements);
+    void relate(ObjectID owner, int property, qint64 key, bool related,
+                Announcements &announcements);
 
     // Editing
     std::shared_ptr<ManagedObject> insert(int entity);
     void setColumn(ManagedObject &object, int property, Value value);
     void setLinked(ManagedObject &owner, int property, ManagedObject &other, bool linked);
     void markUnwritten(ManagedObject &object, PropertyMask columns);
-    void noteColumn(const ManagedObject &object, int property, const Value &before, const Value &after,
-                    Announcements &announcements);
+    void noteColumn(const ManagedObject &object, int property, const Value &before,
+                    const Value &after, Announcements &announcements);
     /// Calls @p noting with each collector that is to learn of an edit.
     template<typename Noting>
     void note(const Noting &noting)
@@ -84,7 +86,8 @@ struct ManagedObjectContext::Private
     Result<void> save();
     /// The records it returns are not there to be updated: they were deleted elsewhere.
     Result<std::vector<ObjectID>> writeUnwritten(Transaction &transaction);
-    Result<void> writeObject(Transaction &transaction, ManagedObject &object, std::vector<ObjectID> &vanished);
+    Result<void> writeObject(Transaction &transaction, ManagedObject &object,
+                             std::vector<ObjectID> &vanished);
     /// The objects it returns turned out to be deleted elsewhere; the caller announces that.
     Result<ObjectList> writeInOwnTransaction(Transaction::Durability durability);
     ObjectList didWrite(const std::vector<ObjectID> &vanished);
@@ -106,6 +109,8 @@ struct ManagedObjectContext::Private
 
         ChangeSet changes; ///< The records that are back.
         RelatedChanges gains;
+        std::vector<std::pair<ObjectID, ToOneChange>>
+            toOnes; ///< Of records that were there all the time.
     };
     Result<void> deleteRecords(std::vector<ObjectID> roots);
     Result<void> deleteAfterHooks(std::vector<ObjectID> roots);
@@ -117,11 +122,15 @@ struct ManagedObjectContext::Private
     std::shared_ptr<ManagedObject> becomeDeleted(ObjectID id);
     static void announceDeleted(const ObjectList &gone);
     void noteVanished(ObjectID id);
+    void applyToOne(ObjectID id, const ToOneChange &change, Announcements &announcements);
     void applyRelated(const RelatedChanges &related, bool gained, Announcements &announcements);
     /// Brings back deleted records under their old keys, with their links as far as these still
     /// lead somewhere. Fails when the store cannot be written; then nothing came back.
     Result<void> restoreRecords(const RecordArchive &archive);
-    Result<void> writeRestored(Transaction &transaction, const RecordArchive &archive, Restoration &restoration);
+    Result<void> writeRestored(Transaction &transaction, const RecordArchive &archive,
+                               Restoration &restoration);
+    Result<void> writeCleared(Transaction &transaction, const RecordArchive &archive,
+                              Restoration &restoration);
 
     // Merging
     void merge(const ChangeSet &changes);
@@ -141,11 +150,11 @@ struct ManagedObjectContext::Private
     ObjectRegistry registry;
     QHash<ObjectID, std::shared_ptr<ManagedObject>> pinned;
     UnwrittenEdits unwritten;
-    PendingChanges turn;      ///< Not told yet.
+    PendingChanges turn; ///< Not told yet.
     PendingChanges sinceSave; ///< Not saved yet.
-    QSet<ObjectID> hooked;    ///< Records whose deletion is under way and whose hook has run.
+    QSet<ObjectID> hooked; ///< Records whose deletion is under way and whose hook has run.
     int deletionDepth = 0;
-    quint64 edits = 0;        ///< Counts them, so that one can tell whether there was any.
+    quint64 edits = 0; ///< Counts them, so that one can tell whether there was any.
     bool hasChanges = false;
     bool turnEndScheduled = false;
 

@@ -23,7 +23,8 @@ void NotifySignals::resolve(const ManagedObject &object)
         const QMetaObject *meta = object.metaObject();
         const int index = meta->indexOfProperty(description.propertyName(property).constData());
         const QMetaMethod signal = index < 0 ? QMetaMethod() : meta->property(index).notifySignal();
-        require(signal.parameterCount() == 0, "the NOTIFY signals of a managed object carry no value");
+        require(signal.parameterCount() == 0,
+                "the NOTIFY signals of a managed object carry no value");
         found.push_back(signal);
     }
 }

@@ -11,7 +11,9 @@ void chain(ObjectChange &change, const ToOneChange &later)
 {
     change.properties |= propertyBit(later.property);
     const auto known = std::find_if(change.toOnes.begin(), change.toOnes.end(),
-                                    [&](const ToOneChange &toOne) { return toOne.property == later.property; });
+                                    [&](const ToOneChange &toOne) {
+                                        return toOne.property == later.property;
+                                    });
     if (known == change.toOnes.end())
         change.toOnes.append(later);
     else

@@ -28,8 +28,8 @@ QString operandDescribed(const PredicateNode &operand)
 QString described(const Comparison &comparison)
 {
     const QString path = QString::fromLatin1(comparison.keyPath.join('.'));
-    return QString((comparison.any ? "ANY "_L1 : ""_L1) + path + u' ' + spelling(comparison.op) + u' '
-                   + placeholderFor(comparison.argument));
+    return QString((comparison.any ? "ANY "_L1 : ""_L1) + path + u' ' + spelling(comparison.op)
+                   + u' ' + placeholderFor(comparison.argument));
 }
 
 QString described(const Compound &compound)
@@ -65,12 +65,10 @@ void collectArguments(const PredicateNode &node, std::vector<PredicateArgument> 
 
 } // namespace
 
-Predicate::Predicate(std::shared_ptr<const PredicateNode> root)
-    : m_root(std::move(root))
-{
-}
+Predicate::Predicate(std::shared_ptr<const PredicateNode> root) : m_root(std::move(root)) {}
 
-Result<Predicate> Predicate::withFormat(QStringView format, const QList<PredicateArgument> &arguments)
+Result<Predicate> Predicate::withFormat(QStringView format,
+                                        const QList<PredicateArgument> &arguments)
 {
     return PredicateParser(format, arguments).parse().map([](PredicateNodePointer root) {
         return Predicate(std::move(root));

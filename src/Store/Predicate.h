@@ -30,7 +30,8 @@ public:
     /// Parses @p format and fills its place holders, in order, from @p arguments.
     /// Fails, naming the position, on anything outside the language and on a wrong number or kind
     /// of arguments. Arguments are values: they never become part of the format text.
-    static Result<Predicate> withFormat(QStringView format, const QList<PredicateArgument> &arguments);
+    static Result<Predicate> withFormat(QStringView format,
+                                        const QList<PredicateArgument> &arguments);
 
     /// As withFormat() for a format fixed in the program: a mistake in it stops the program.
     static Predicate fixed(QStringView format, const QList<PredicateArgument> &arguments);

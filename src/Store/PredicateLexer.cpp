@@ -17,8 +17,11 @@ struct Spelling
     Kind kind;
 };
 
-constexpr Spelling keywords[] = {{"ANY"_L1, Kind::Any}, {"AND"_L1, Kind::And},   {"OR"_L1, Kind::Or},
-                                 {"NOT"_L1, Kind::Not}, {"NULL"_L1, Kind::Null}};
+constexpr Spelling keywords[] = {{"ANY"_L1, Kind::Any},
+                                 {"AND"_L1, Kind::And},
+                                 {"OR"_L1, Kind::Or},
+                                 {"NOT"_L1, Kind::Not},
+                                 {"NULL"_L1, Kind::Null}};
 
 /// The longer of two that begin alike comes first.
 constexpr Spelling symbols[] = {{"=="_L1, Kind::Operator},
@@ -53,10 +56,7 @@ bool isBlank(QChar c)
 
 } // namespace
 
-PredicateLexer::PredicateLexer(QStringView format)
-    : m_format(format)
-{
-}
+PredicateLexer::PredicateLexer(QStringView format) : m_format(format) {}
 
 PredicateToken PredicateLexer::next()
 {
@@ -81,7 +81,8 @@ PredicateToken PredicateLexer::word()
     const QStringView text = rest.left(end - rest.begin());
     if (text.compare(containsWord, Qt::CaseInsensitive) == 0) {
         const bool whole = rest.startsWith(containsOperator, Qt::CaseInsensitive);
-        return token(whole ? Kind::Operator : Kind::Unknown, whole ? containsOperator.size() : text.size());
+        return token(whole ? Kind::Operator : Kind::Unknown,
+                     whole ? containsOperator.size() : text.size());
     }
     for (const Spelling &keyword : keywords) {
         if (text.compare(keyword.text, Qt::CaseInsensitive) == 0)

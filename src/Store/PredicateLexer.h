@@ -10,7 +10,7 @@ struct PredicateToken
         Name, ///< One name of a key path.
         Dot,
         Operator,
-        ObjectPlaceholder,  ///< %@
+        ObjectPlaceholder, ///< %@
         IntegerPlaceholder, ///< %d
         Any,
         And,

@@ -16,7 +16,9 @@ constexpr int deepestNesting = 16;
 qsizetype characterNumber(QStringView format, qsizetype offset)
 {
     const QStringView before = format.left(offset);
-    return 1 + std::count_if(before.begin(), before.end(), [](QChar c) { return !c.isLowSurrogate(); });
+    return 1 + std::count_if(before.begin(), before.end(), [](QChar c) {
+               return !c.isLowSurrogate();
+           });
 }
 
 PredicateNodePointer node(std::variant<Comparison, Compound, Negation> content)
@@ -54,8 +56,10 @@ Result<PredicateNodePointer> PredicateParser::parse()
     if (m_token.kind != Kind::End)
         return expected(u"AND, OR or the end"_s);
     if (m_used < m_arguments.size()) {
-        return failure(u"The condition “%1” has %2 place holders, but %3 arguments were given."_s
-                           .arg(m_format).arg(m_used).arg(m_arguments.size()));
+        return failure(
+            u"The condition “%1” has %2 place holders, but %3 arguments were given."_s.arg(m_format)
+                .arg(m_used)
+                .arg(m_arguments.size()));
     }
     return root;
 }
@@ -70,8 +74,8 @@ Result<PredicateNodePointer> PredicateParser::conjunction()
     return joined(Connective::And, Kind::And, &PredicateParser::condition);
 }
 
-Result<PredicateNodePointer> PredicateParser::joined(Connective connective, Kind word,
-                                                     Result<PredicateNodePointer> (PredicateParser::*part)())
+Result<PredicateNodePointer> PredicateParser::joined(
+    Connective connective, Kind word, Result<PredicateNodePointer> (PredicateParser::*part)())
 {
     Result<PredicateNodePointer> first = (this->*part)();
     if (!first || m_token.kind != word)
@@ -102,7 +106,8 @@ Result<PredicateNodePointer> PredicateParser::condition()
 Result<PredicateNodePointer> PredicateParser::negation()
 {
     take(Kind::Not);
-    return condition().map([](PredicateNodePointer operand) { return node(Negation{std::move(operand)}); });
+    return condition().map(
+        [](PredicateNodePointer operand) { return node(Negation{std::move(operand)}); });
 }
 
 Result<PredicateNodePointer> PredicateParser::parenthesised()
@@ -151,7 +156,8 @@ Result<ComparisonOperator> PredicateParser::comparisonOperator()
 {
     using enum ComparisonOperator;
     if (m_token.kind == Kind::Operator) {
-        for (const auto op : {Equal, NotEqual, Less, Greater, LessOrEqual, GreaterOrEqual, Contains}) {
+        for (const auto op :
+             {Equal, NotEqual, Less, Greater, LessOrEqual, GreaterOrEqual, Contains}) {
             if (m_token.text.compare(spelling(op), Qt::CaseInsensitive) == 0) {
                 take(Kind::Operator);
                 return op;
@@ -173,15 +179,19 @@ Result<std::optional<PredicateArgument>> PredicateParser::argument(ComparisonOpe
 Result<std::optional<PredicateArgument>> PredicateParser::placeholder(ComparisonOperator op)
 {
     if (m_used == m_arguments.size())
-        return wrongAt(m_token, u"there is no argument for this place holder, only %1 were given"_s.arg(m_used));
+        return wrongAt(m_token,
+                       u"there is no argument for this place holder, only %1 were given"_s.arg(
+                           m_used));
     const PredicateArgument &value = m_arguments.at(m_used);
     const bool wantsInteger = m_token.kind == Kind::IntegerPlaceholder;
     if (wantsInteger != std::holds_alternative<qint64>(value)) {
-        const QString wanted = wantsInteger ? u"%d takes an integer"_s : u"%@ takes a record, a text or a date"_s;
+        const QString wanted = wantsInteger ? u"%d takes an integer"_s
+                                            : u"%@ takes a record, a text or a date"_s;
         return wrongAt(m_token, u"%1, but the argument is %2"_s.arg(wanted, kindName(value)));
     }
     if (op == ComparisonOperator::Contains && !std::holds_alternative<QString>(value))
-        return wrongAt(m_token, u"CONTAINS[cd] takes a text, but the argument is %1"_s.arg(kindName(value)));
+        return wrongAt(m_token,
+                       u"CONTAINS[cd] takes a text, but the argument is %1"_s.arg(kindName(value)));
     take(m_token.kind);
     ++m_used;
     return value;
@@ -201,10 +211,11 @@ tl::unexpected<Error> PredicateParser::expected(const QString &what) const
     return wrongAt(m_token, u"expected %1, found %2"_s.arg(what, found));
 }
 
-tl::unexpected<Error> PredicateParser::wrongAt(const PredicateToken &token, const QString &reason) const
+tl::unexpected<Error> PredicateParser::wrongAt(const PredicateToken &token,
+                                               const QString &reason) const
 {
-    return failure(u"The condition “%1” cannot be read: at character %2, %3."_s
-                       .arg(m_format.toString(), QString::number(characterNumber(m_format, token.offset)), reason));
+    return failure(u"The condition “%1” cannot be read: at character %2, %3."_s.arg(
+        m_format.toString(), QString::number(characterNumber(m_format, token.offset)), reason));
 }
 
 } // namespace tembra

@@ -15,7 +15,8 @@ constexpr int heldObjects = 4 * batchSize;
 
 } // namespace
 
-RecentObjects::RecentObjects(ManagedObjectContext &context, int entity, QList<QByteArray> prefetchedToManys)
+RecentObjects::RecentObjects(ManagedObjectContext &context, int entity,
+                             QList<QByteArray> prefetchedToManys)
     : m_context(&context)
     , m_entity(entity)
     , m_prefetchedToManys(std::move(prefetchedToManys))
@@ -49,11 +50,13 @@ void RecentObjects::load(std::span<const qint64> keys)
         return;
     const auto objects = m_context->objects(m_entity, keys);
     if (!objects) {
-        qCWarning(storeLog, "Rows of a list could not be read: %s", qUtf8Printable(objects.error().description()));
+        qCWarning(storeLog, "Rows of a list could not be read: %s",
+                  qUtf8Printable(objects.error().description()));
         return;
     }
     if (const Result<void> done = m_context->prefetch(*objects, m_prefetchedToManys); !done)
-        qCWarning(storeLog, "Rows of a list are read one by one: %s", qUtf8Printable(done.error().description()));
+        qCWarning(storeLog, "Rows of a list are read one by one: %s",
+                  qUtf8Printable(done.error().description()));
     for (const auto &object : *objects)
         m_objects.insert(object->objectID().key, new std::shared_ptr<ManagedObject>(object));
 }

@@ -49,7 +49,8 @@ Value takeValue(const char *&place)
         return take<double>(place);
     case 3: {
         const auto size = take<quint32>(place);
-        const QString text = size == 0 ? QString(QLatin1String("")) : QString::fromUtf8(place, qsizetype(size));
+        const QString text = size == 0 ? QString(QLatin1String(""))
+                                       : QString::fromUtf8(place, qsizetype(size));
         place += size;
         return text;
     }
@@ -62,10 +63,7 @@ static_assert(std::is_same_v<Value, std::variant<std::monostate, qint64, double,
 
 } // namespace
 
-RecordArchive::RecordArchive(int entityCount)
-    : m_rows(size_t(entityCount))
-{
-}
+RecordArchive::RecordArchive(int entityCount) : m_rows(size_t(entityCount)) {}
 
 void RecordArchive::addRow(ObjectID id, const RowReader::Row &row)
 {
@@ -108,12 +106,14 @@ void RecordArchive::forEachRow(const Visitor &visit) const
 bool RecordArchive::isEmpty() const
 {
     return m_links.empty() && m_cleared.empty()
-        && std::all_of(m_rows.begin(), m_rows.end(), [](const QByteArray &bytes) { return bytes.isEmpty(); });
+           && std::all_of(m_rows.begin(), m_rows.end(),
+                          [](const QByteArray &bytes) { return bytes.isEmpty(); });
 }
 
 size_t RecordArchive::byteSize() const
 {
-    size_t size = sizeof *this + m_links.size() * sizeof(LinkKey) + m_cleared.size() * sizeof(ClearedToOne);
+    size_t size = sizeof *this + m_links.size() * sizeof(LinkKey)
+                  + m_cleared.size() * sizeof(ClearedToOne);
     for (const QByteArray &bytes : m_rows)
         size += size_t(bytes.size());
     return size;

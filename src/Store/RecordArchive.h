@@ -43,7 +43,7 @@ public:
 
 private:
     std::vector<QByteArray> m_rows; ///< By entity; rows one after the other.
-    std::vector<LinkKey> m_links;   ///< Each once, after finish().
+    std::vector<LinkKey> m_links; ///< Each once, after finish().
     std::vector<ClearedToOne> m_cleared;
 };
 

@@ -79,7 +79,8 @@ Region Region::along(const ObjectModel &model, const KeyPath &path)
         if (!toMany.joinTable.isEmpty())
             continue;
         const int inverse = model.entity(step.destination).propertyIndex(toMany.inverse);
-        region.unite(records(step.destination)).unite(properties(step.destination, propertyBit(inverse)));
+        region.unite(records(step.destination))
+            .unite(properties(step.destination, propertyBit(inverse)));
     }
     return region;
 }
@@ -98,10 +99,12 @@ bool Region::touches(const ChangeSet &changes) const
 {
     if (touchesRecords(changes.inserted) || touchesRecords(changes.deleted))
         return true;
-    return std::any_of(changes.updated.begin(), changes.updated.end(), [this](const ObjectChange &change) {
-        const auto part = m_parts.constFind(change.id.entity);
-        return part != m_parts.cend() && (part->properties & change.properties) != 0;
-    });
+    return std::any_of(changes.updated.begin(), changes.updated.end(),
+                       [this](const ObjectChange &change) {
+                           const auto part = m_parts.constFind(change.id.entity);
+                           return part != m_parts.cend()
+                                  && (part->properties & change.properties) != 0;
+                       });
 }
 
 bool Region::touchesRecords(const std::vector<ObjectChange> &changes) const

@@ -15,7 +15,7 @@ struct RowChange
     enum class Type { Insert, Delete, Move, Update };
 
     Type type;
-    int row;         ///< Insert, Update: new row. Delete, Move: old row.
+    int row; ///< Insert, Update: new row. Delete, Move: old row.
     int newRow = -1; ///< Move only.
     qint64 key = 0;
 

@@ -51,23 +51,25 @@ Result<std::optional<RowReader::Row>> RowReader::row(ObjectID id)
 Result<void> RowReader::rows(int entity, std::span<const qint64> keys, const RowVisitor &visit)
 {
     const QByteArray table = quoted(m_schema.table(entity).table);
-    const QByteArray sql = "SELECT id," + m_statements[size_t(entity)].columns + " FROM " + table + " WHERE id IN ";
-    return KeyChunks::forEach(m_connection, sql, keys, {}, [&](Statement &statement) -> Result<void> {
-        Result<bool> found = statement.step();
-        for (; found && *found; found = statement.step())
-            visit(statement.key(0), readRow(statement, entity, 1));
-        if (!found)
-            return failure(found.error());
-        return {};
-    });
+    const QByteArray sql = "SELECT id," + m_statements[size_t(entity)].columns + " FROM " + table
+                           + " WHERE id IN ";
+    return KeyChunks::forEach(m_connection, sql, keys, {},
+                              [&](Statement &statement) -> Result<void> {
+                                  Result<bool> found = statement.step();
+                                  for (; found && *found; found = statement.step())
+                                      visit(statement.key(0), readRow(statement, entity, 1));
+                                  if (!found)
+                                      return failure(found.error());
+                                  return {};
+                              });
 }
 
 Result<bool> RowReader::exists(ObjectID id)
 {
     EntityStatements &statements = m_statements[size_t(id.entity)];
     if (!statements.exists) {
-        const auto prepared = m_connection.prepare("SELECT 1 FROM " + quoted(m_schema.table(id.entity).table)
-                                                   + " WHERE id = ?");
+        const auto prepared = m_connection.prepare(
+            "SELECT 1 FROM " + quoted(m_schema.table(id.entity).table) + " WHERE id = ?");
         if (!prepared)
             return failure(prepared.error());
         statements.exists = *prepared;
@@ -80,8 +82,8 @@ Result<bool> RowReader::exists(ObjectID id)
 
 Result<bool> RowReader::isLinked(const ToManyLink &link, qint64 owner, qint64 other)
 {
-    const auto statement = m_connection.prepare("SELECT 1 FROM " + quoted(link.joinTable) + " WHERE "
-                                                + quoted(link.ownColumn) + " = ? AND "
+    const auto statement = m_connection.prepare("SELECT 1 FROM " + quoted(link.joinTable)
+                                                + " WHERE " + quoted(link.ownColumn) + " = ? AND "
                                                 + quoted(link.destinationColumn) + " = ?");
     if (!statement)
         return failure(statement.error());
@@ -92,13 +94,16 @@ Result<bool> RowReader::isLinked(const ToManyLink &link, qint64 owner, qint64 ot
     return found;
 }
 
-Result<void> RowReader::related(const ToManyLink &link, std::span<const qint64> owners, const PairVisitor &visit)
+Result<void> RowReader::related(const ToManyLink &link, std::span<const qint64> owners,
+                                const PairVisitor &visit)
 {
     const EntityTable &destination = m_schema.table(link.destination);
     const QByteArray table = quoted(link.joined ? link.joinTable : destination.table);
-    const QByteArray owner = quoted(link.joined ? link.ownColumn : destination.columns[size_t(link.inverse)]);
+    const QByteArray owner = quoted(link.joined ? link.ownColumn
+                                                : destination.columns[size_t(link.inverse)]);
     const QByteArray other = link.joined ? quoted(link.destinationColumn) : QByteArrayLiteral("id");
-    return pairs("SELECT " + owner + ',' + other + " FROM " + table + " WHERE " + owner + " IN ", owners, visit);
+    return pairs("SELECT " + owner + ',' + other + " FROM " + table + " WHERE " + owner + " IN ",
+                 owners, visit);
 }
 
 Result<void> RowReader::referrers(const ToOneColumn &column, std::span<const qint64> destinations,
@@ -106,20 +111,22 @@ Result<void> RowReader::referrers(const ToOneColumn &column, std::span<const qin
 {
     const EntityTable &table = m_schema.table(column.entity);
     const QByteArray name = quoted(table.columns[size_t(column.property)]);
-    return pairs("SELECT id," + name + " FROM " + quoted(table.table) + " WHERE " + name + " IN ", destinations,
-                 visit);
+    return pairs("SELECT id," + name + " FROM " + quoted(table.table) + " WHERE " + name + " IN ",
+                 destinations, visit);
 }
 
-Result<void> RowReader::pairs(const QByteArray &sql, std::span<const qint64> keys, const PairVisitor &visit)
+Result<void> RowReader::pairs(const QByteArray &sql, std::span<const qint64> keys,
+                              const PairVisitor &visit)
 {
-    return KeyChunks::forEach(m_connection, sql, keys, {}, [&](Statement &statement) -> Result<void> {
-        Result<bool> found = statement.step();
-        for (; found && *found; found = statement.step())
-            visit(statement.key(0), statement.key(1));
-        if (!found)
-            return failure(found.error());
-        return {};
-    });
+    return KeyChunks::forEach(m_connection, sql, keys, {},
+                              [&](Statement &statement) -> Result<void> {
+                                  Result<bool> found = statement.step();
+                                  for (; found && *found; found = statement.step())
+                                      visit(statement.key(0), statement.key(1));
+                                  if (!found)
+                                      return failure(found.error());
+                                  return {};
+                              });
 }
 
 } // namespace tembra

@@ -38,7 +38,8 @@ public:
     Result<bool> isLinked(const ToManyLink &link, qint64 owner, qint64 other);
 
     /// Visits (owner, other) for every record that a to-many relationship of @p owners reaches.
-    Result<void> related(const ToManyLink &link, std::span<const qint64> owners, const PairVisitor &visit);
+    Result<void> related(const ToManyLink &link, std::span<const qint64> owners,
+                         const PairVisitor &visit);
     /// Visits (record, destination) for every record whose to-one points to one of @p destinations.
     Result<void> referrers(const ToOneColumn &column, std::span<const qint64> destinations,
                            const PairVisitor &visit);
@@ -51,7 +52,8 @@ private:
         Statement *exists = nullptr;
     };
 
-    Result<void> pairs(const QByteArray &sql, std::span<const qint64> keys, const PairVisitor &visit);
+    Result<void> pairs(const QByteArray &sql, std::span<const qint64> keys,
+                       const PairVisitor &visit);
     Row readRow(const Statement &statement, int entity, int firstColumn) const;
 
     const StoreSchema &m_schema;

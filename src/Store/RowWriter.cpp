@@ -20,7 +20,8 @@ QByteArray RowWriter::placeholder(int entity, int property) const
     const ToOneColumn *toOne = m_schema.table(entity).toOne(property);
     if (!toOne)
         return QByteArrayLiteral("?");
-    return QByteArray("(SELECT id FROM " + quoted(m_schema.table(toOne->destination).table) + " WHERE id = ?)");
+    return QByteArray("(SELECT id FROM " + quoted(m_schema.table(toOne->destination).table)
+                      + " WHERE id = ?)");
 }
 
 Result<Statement *> RowWriter::insertStatement(int entity)
@@ -33,13 +34,15 @@ Result<Statement *> RowWriter::insertStatement(int entity)
     for (size_t property = 0; property < table.columns.size(); ++property)
         placeholders += ',' + placeholder(entity, int(property));
     const auto prepared = m_connection.prepare("INSERT INTO " + quoted(table.table) + " (id,"
-                                               + quotedList(table.columns) + ") VALUES (" + placeholders + ')');
+                                               + quotedList(table.columns) + ") VALUES ("
+                                               + placeholders + ')');
     if (prepared)
         statement = *prepared;
     return prepared;
 }
 
-Result<void> RowWriter::insertRow(Transaction &transaction, ObjectID id, const std::vector<Value> &values)
+Result<void> RowWriter::insertRow(Transaction &transaction, ObjectID id,
+                                  const std::vector<Value> &values)
 {
     const auto statement = insertStatement(id.entity);
     if (!statement)
@@ -64,8 +67,8 @@ Result<Statement *> RowWriter::updateStatement(int entity, PropertyMask columns)
             assignments += ',';
         assignments += quoted(table.columns[column]) + " = " + placeholder(entity, int(column));
     }
-    const auto prepared = m_connection.prepare("UPDATE " + quoted(table.table) + " SET " + assignments
-                                               + " WHERE id = ?");
+    const auto prepared = m_connection.prepare("UPDATE " + quoted(table.table) + " SET "
+                                               + assignments + " WHERE id = ?");
     if (prepared)
         known.insert(columns, *prepared);
     return prepared;
@@ -88,14 +91,15 @@ Result<bool> RowWriter::updateRow(Transaction &transaction, ObjectID id, Propert
     return m_connection.changedRows() > 0;
 }
 
-Result<void> RowWriter::addLink(Transaction &transaction, const ToManyLink &link, qint64 owner, qint64 other)
+Result<void> RowWriter::addLink(Transaction &transaction, const ToManyLink &link, qint64 owner,
+                                qint64 other)
 {
     const QByteArray ownTable = quoted(m_schema.table(link.entity).table);
     const QByteArray otherTable = quoted(m_schema.table(link.destination).table);
     const auto statement = m_connection.prepare(
         "INSERT OR IGNORE INTO " + quoted(link.joinTable) + " (" + quoted(link.ownColumn) + ','
-        + quoted(link.destinationColumn) + ") SELECT o.id, d.id FROM " + ownTable + " o, " + otherTable
-        + " d WHERE o.id = ? AND d.id = ?");
+        + quoted(link.destinationColumn) + ") SELECT o.id, d.id FROM " + ownTable + " o, "
+        + otherTable + " d WHERE o.id = ? AND d.id = ?");
     if (!statement)
         return failure(statement.error());
     (*statement)->bindKey(1, owner);
@@ -103,7 +107,8 @@ Result<void> RowWriter::addLink(Transaction &transaction, const ToManyLink &link
     return transaction.run(**statement);
 }
 
-Result<void> RowWriter::removeLink(Transaction &transaction, const ToManyLink &link, qint64 owner, qint64 other)
+Result<void> RowWriter::removeLink(Transaction &transaction, const ToManyLink &link, qint64 owner,
+                                   qint64 other)
 {
     const auto statement = m_connection.prepare("DELETE FROM " + quoted(link.joinTable) + " WHERE "
                                                 + quoted(link.ownColumn) + " = ? AND "
@@ -115,16 +120,21 @@ Result<void> RowWriter::removeLink(Transaction &transaction, const ToManyLink &l
     return transaction.run(**statement);
 }
 
-Result<void> RowWriter::deleteRows(Transaction &transaction, int entity, std::span<const qint64> keys)
+Result<void> RowWriter::deleteRows(Transaction &transaction, int entity,
+                                   std::span<const qint64> keys)
 {
-    return runForKeys(transaction, "DELETE FROM " + quoted(m_schema.table(entity).table) + " WHERE id IN ", keys);
+    return runForKeys(transaction,
+                      "DELETE FROM " + quoted(m_schema.table(entity).table) + " WHERE id IN ",
+                      keys);
 }
 
 Result<void> RowWriter::removeLinks(Transaction &transaction, const ToManyLink &link,
                                     std::span<const qint64> owners)
 {
-    return runForKeys(transaction, "DELETE FROM " + quoted(link.joinTable) + " WHERE " + quoted(link.ownColumn)
-                                       + " IN ", owners);
+    return runForKeys(transaction,
+                      "DELETE FROM " + quoted(link.joinTable) + " WHERE " + quoted(link.ownColumn)
+                          + " IN ",
+                      owners);
 }
 
 Result<void> RowWriter::nullify(Transaction &transaction, const ToOneColumn &column,
@@ -132,11 +142,14 @@ Result<void> RowWriter::nullify(Transaction &transaction, const ToOneColumn &col
 {
     const EntityTable &table = m_schema.table(column.entity);
     const QByteArray name = quoted(table.columns[size_t(column.property)]);
-    return runForKeys(transaction, "UPDATE " + quoted(table.table) + " SET " + name + " = NULL WHERE " + name
-                                       + " IN ", destinations);
+    return runForKeys(transaction,
+                      "UPDATE " + quoted(table.table) + " SET " + name + " = NULL WHERE " + name
+                          + " IN ",
+                      destinations);
 }
 
-Result<void> RowWriter::runForKeys(Transaction &transaction, const QByteArray &sql, std::span<const qint64> keys)
+Result<void> RowWriter::runForKeys(Transaction &transaction, const QByteArray &sql,
+                                   std::span<const qint64> keys)
 {
     return KeyChunks::forEach(m_connection, sql, keys, {},
                               [&](Statement &statement) { return transaction.run(statement); });

@@ -33,17 +33,22 @@ public:
                            const std::vector<Value> &values);
     Result<void> deleteRows(Transaction &transaction, int entity, std::span<const qint64> keys);
 
-    Result<void> addLink(Transaction &transaction, const ToManyLink &link, qint64 owner, qint64 other);
-    Result<void> removeLink(Transaction &transaction, const ToManyLink &link, qint64 owner, qint64 other);
-    Result<void> removeLinks(Transaction &transaction, const ToManyLink &link, std::span<const qint64> owners);
+    Result<void> addLink(Transaction &transaction, const ToManyLink &link, qint64 owner,
+                         qint64 other);
+    Result<void> removeLink(Transaction &transaction, const ToManyLink &link, qint64 owner,
+                            qint64 other);
+    Result<void> removeLinks(Transaction &transaction, const ToManyLink &link,
+                             std::span<const qint64> owners);
     /// Makes a to-one missing wherever it points to one of @p destinations.
-    Result<void> nullify(Transaction &transaction, const ToOneColumn &column, std::span<const qint64> destinations);
+    Result<void> nullify(Transaction &transaction, const ToOneColumn &column,
+                         std::span<const qint64> destinations);
 
 private:
     QByteArray placeholder(int entity, int property) const;
     Result<Statement *> insertStatement(int entity);
     Result<Statement *> updateStatement(int entity, PropertyMask columns);
-    Result<void> runForKeys(Transaction &transaction, const QByteArray &sql, std::span<const qint64> keys);
+    Result<void> runForKeys(Transaction &transaction, const QByteArray &sql,
+                            std::span<const qint64> keys);
 
     const StoreSchema &m_schema;
     Connection &m_connection;

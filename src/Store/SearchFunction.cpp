@@ -21,10 +21,12 @@ std::string_view textOf(sqlite3_value *value)
 
 /// The folded needle of the running statement: made at the first row, then kept with the statement
 /// for as long as its argument stays the same.
-const FoldedNeedle &needleOf(sqlite3_context *context, sqlite3_value *argument, std::unique_ptr<FoldedNeedle> &own)
+const FoldedNeedle &needleOf(sqlite3_context *context, sqlite3_value *argument,
+                             std::unique_ptr<FoldedNeedle> &own)
 {
     constexpr int needleArgument = 1;
-    if (const auto *kept = static_cast<FoldedNeedle *>(sqlite3_get_auxdata(context, needleArgument)))
+    if (const auto *kept = static_cast<FoldedNeedle *>(
+            sqlite3_get_auxdata(context, needleArgument)))
         return *kept;
     own = std::make_unique<FoldedNeedle>(textOf(argument));
     const auto destroy = [](void *needle) { delete static_cast<FoldedNeedle *>(needle); };
@@ -35,7 +37,8 @@ const FoldedNeedle &needleOf(sqlite3_context *context, sqlite3_value *argument, 
 
 void textContains(sqlite3_context *context, int, sqlite3_value **arguments)
 {
-    if (sqlite3_value_type(arguments[0]) == SQLITE_NULL || sqlite3_value_type(arguments[1]) == SQLITE_NULL) {
+    if (sqlite3_value_type(arguments[0]) == SQLITE_NULL
+        || sqlite3_value_type(arguments[1]) == SQLITE_NULL) {
         sqlite3_result_int(context, 0);
         return;
     }
@@ -53,10 +56,11 @@ void textContains(sqlite3_context *context, int, sqlite3_value **arguments)
 Result<void> SearchFunction::registerOn(sqlite3 *connection)
 {
     constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY;
-    const int code = sqlite3_create_function_v2(connection, name, 2, flags, nullptr, textContains, nullptr, nullptr,
-                                                nullptr);
+    const int code = sqlite3_create_function_v2(connection, name, 2, flags, nullptr, textContains,
+                                                nullptr, nullptr, nullptr);
     if (code != SQLITE_OK)
-        return failure(QStringLiteral("Searching texts could not be prepared."), QString::fromUtf8(sqlite3_errstr(code)));
+        return failure(QStringLiteral("Searching texts could not be prepared."),
+                       QString::fromUtf8(sqlite3_errstr(code)));
     return {};
 }
 

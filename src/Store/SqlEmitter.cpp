@@ -45,14 +45,32 @@ bool fits(const ObjectModel &model, const KeyPathStep &step, const PredicateArgu
 /// True for a comparison that few records pass, as far as one can tell.
 bool narrows(const Comparison &comparison)
 {
-    const bool compares = comparison.op != ComparisonOperator::NotEqual && comparison.op != ComparisonOperator::Contains;
+    const bool compares = comparison.op != ComparisonOperator::NotEqual
+                          && comparison.op != ComparisonOperator::Contains;
     return compares && !comparison.any && comparison.argument && !isMissing(*comparison.argument);
 }
 
 bool isRecordEquality(const Comparison &comparison)
 {
     return comparison.op == ComparisonOperator::Equal && comparison.argument
-        && std::holds_alternative<ObjectID>(*comparison.argument);
+           && std::holds_alternative<ObjectID>(*comparison.argument);
+}
+
+/// The condition through which the records are found; only an equality with a record leads anywhere.
+/// A plain one is quicker than one with ANY, which then merely tests what the plain one finds.
+const PredicateNode *driverAmong(const std::vector<const PredicateNode *> &parts)
+{
+    const PredicateNode *driver = nullptr;
+    for (const PredicateNode *part : parts) {
+        const auto *comparison = std::get_if<Comparison>(&part->content);
+        if (!comparison || !isRecordEquality(*comparison))
+            continue;
+        if (!comparison->any)
+            return part;
+        if (!driver)
+            driver = part;
+    }
+    return driver;
 }
 
 bool isEquality(ComparisonOperator op)
@@ -62,8 +80,8 @@ bool isEquality(ComparisonOperator op)
 
 tl::unexpected<Error> misfit(const Comparison &comparison, const QString &reason)
 {
-    return failure(u"The condition on “%1” cannot be used: %2."_s
-                       .arg(QString::fromLatin1(comparison.keyPath.join('.')), reason));
+    return failure(u"The condition on “%1” cannot be used: %2."_s.arg(
+        QString::fromLatin1(comparison.keyPath.join('.')), reason));
 }
 
 } // namespace
@@ -107,23 +125,6 @@ Result<QByteArray> SqlEmitter::condition(const PredicateNode &root)
         m_isNarrowed = m_isNarrowed || (comparison && narrows(*comparison));
     }
     return sql;
-}
-
-/// The condition through which the records are found; only an equality with a record leads anywhere.
-/// A plain one is quicker than one with ANY, which then merely tests what the plain one finds.
-const PredicateNode *SqlEmitter::driverAmong(const std::vector<const PredicateNode *> &parts) const
-{
-    const PredicateNode *driver = nullptr;
-    for (const PredicateNode *part : parts) {
-        const auto *comparison = std::get_if<Comparison>(&part->content);
-        if (!comparison || !isRecordEquality(*comparison))
-            continue;
-        if (!comparison->any)
-            return part;
-        if (!driver)
-            driver = part;
-    }
-    return driver;
 }
 
 Result<QByteArray> SqlEmitter::emitNode(const PredicateNode &node)
@@ -180,13 +181,15 @@ QByteArray SqlEmitter::emitAny(const KeyPath &path, const Comparison &comparison
 {
     const KeyPathStep &step = path.steps[size_t(path.toManyIndex)];
     const ToManyDescription &toMany = m_model.entity(step.entity).toManyAt(step.property);
-    const QByteArray owner = path.beforeToMany().empty() ? keyColumn() : column(m_scope, path.beforeToMany());
+    const QByteArray owner = path.beforeToMany().empty() ? keyColumn()
+                                                         : column(m_scope, path.beforeToMany());
     const EntityDescription &destination = m_model.entity(step.destination);
     const bool joined = !toMany.joinTable.isEmpty();
 
     Scope scope = openScope(joined ? toMany.joinTable : destination.table);
     const QByteArray link = scope.alias + '.' + quoted(joined ? toMany.ownColumn : toMany.inverse);
-    QByteArray tested = scope.alias + '.' + quoted(joined ? toMany.destinationColumn : QByteArray("id"));
+    QByteArray tested = scope.alias + '.'
+                        + quoted(joined ? toMany.destinationColumn : QByteArray("id"));
     const std::span<const KeyPathStep> rest = path.afterToMany();
     if (!rest.empty() && joined) {
         // The join table has the keys only: the records themselves are one join further.
@@ -198,9 +201,10 @@ QByteArray SqlEmitter::emitAny(const KeyPath &path, const Comparison &comparison
         tested = column(scope, rest);
     const QByteArray test = emitTest(tested, comparison);
     if (drives)
-        return QByteArray(owner + " IN (SELECT " + link + " FROM " + scope.tables + " WHERE " + test + ')');
-    return QByteArray("EXISTS (SELECT 1 FROM " + scope.tables + " WHERE " + link + " = " + owner + " AND " + test
-                      + ')');
+        return QByteArray(owner + " IN (SELECT " + link + " FROM " + scope.tables + " WHERE " + test
+                          + ')');
+    return QByteArray("EXISTS (SELECT 1 FROM " + scope.tables + " WHERE " + link + " = " + owner
+                      + " AND " + test + ')');
 }
 
 QByteArray SqlEmitter::emitTest(const QByteArray &column, const Comparison &comparison)
@@ -209,7 +213,8 @@ QByteArray SqlEmitter::emitTest(const QByteArray &column, const Comparison &comp
     if (!argument || isMissing(*argument)) {
         if (!isEquality(comparison.op))
             return "FALSE";
-        return QByteArray(column + (comparison.op == ComparisonOperator::Equal ? " IS NULL" : " IS NOT NULL"));
+        return QByteArray(
+            column + (comparison.op == ComparisonOperator::Equal ? " IS NULL" : " IS NOT NULL"));
     }
     switch (comparison.op) {
     case ComparisonOperator::Contains:
@@ -230,8 +235,8 @@ QByteArray SqlEmitter::emitSearch(const QByteArray &column, const QString &needl
     if (foldForSearch(needle.toStdString()).empty())
         return QByteArray(column + " IS NOT NULL");
     m_bindings.push_back(needle);
-    return QByteArray(column + " IS NOT NULL AND " + column + " IS NOT '' AND " + SearchFunction::name + '('
-                      + column + ", ?)");
+    return QByteArray(column + " IS NOT NULL AND " + column + " IS NOT '' AND "
+                      + SearchFunction::name + '(' + column + ", ?)");
 }
 
 /// The empty text is the one value that is written out, as it says nothing about anyone and an
@@ -251,7 +256,8 @@ Result<QByteArray> SqlEmitter::sortColumn(const QByteArray &key)
     if (!path)
         return failure(path.error());
     if (path->hasToMany() || path->last().isRelationship())
-        return failure(u"Records cannot be sorted by “%1”: it is not an attribute."_s.arg(QString::fromUtf8(key)));
+        return failure(u"Records cannot be sorted by “%1”: it is not an attribute."_s.arg(
+            QString::fromUtf8(key)));
     return column(m_scope, path->steps);
 }
 
@@ -267,7 +273,8 @@ QByteArray SqlEmitter::column(Scope &scope, std::span<const KeyPathStep> path)
     require(!path.empty(), "a key path with a column");
     const QByteArray alias = joinedAlias(scope, path.first(path.size() - 1));
     const KeyPathStep &step = path.back();
-    return QByteArray(alias + '.' + quoted(m_model.entity(step.entity).propertyName(step.property)));
+    return QByteArray(alias + '.'
+                      + quoted(m_model.entity(step.entity).propertyName(step.property)));
 }
 
 QByteArray SqlEmitter::joinedAlias(Scope &scope, std::span<const KeyPathStep> prefix)

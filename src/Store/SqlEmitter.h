@@ -49,7 +49,6 @@ private:
     Result<QByteArray> emitCompound(const Compound &compound);
     Result<QByteArray> emitComparison(const Comparison &comparison, bool drives);
     Result<KeyPath> resolvedPath(const Comparison &comparison) const;
-    const PredicateNode *driverAmong(const std::vector<const PredicateNode *> &conjuncts) const;
     QByteArray emitAny(const KeyPath &path, const Comparison &comparison, bool drives);
     QByteArray emitTest(const QByteArray &column, const Comparison &comparison);
     QByteArray emitSearch(const QByteArray &column, const QString &needle);

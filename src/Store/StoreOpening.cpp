@@ -69,11 +69,17 @@ int versionNow(Connection &connection)
     return version;
 }
 
-/// Opens a store that was looked at before. Until all went well, closing it must change nothing.
-Result<OpenStore> openInspected(StoreLock lock, const QString &file, const ObjectModel &model,
-                                int version, const QByteArray &vfs)
+struct OpenFile
 {
-    CompanionFiles companions(file);
+    std::shared_ptr<Connection> connection;
+    StoreMeta meta;
+};
+
+/// Opens a store that was looked at before. Until all went well, closing it must change nothing.
+Result<OpenFile> openInspected(const QString &file, const ObjectModel &model, int version,
+                               const QByteArray &vfs)
+{
+    const CompanionFiles companions(file);
     auto opened = Connection::open(file, Connection::Mode::ReadWrite, vfs);
     if (!opened) {
         companions.restore();
@@ -81,42 +87,47 @@ Result<OpenStore> openInspected(StoreLock lock, const QString &file, const Objec
     }
     std::shared_ptr<Connection> connection = std::move(*opened);
     connection->setCheckpointsOnClose(false);
-    auto meta = version == model.version() ? Result<void>()
-                                           : bringUpToDate(*connection, model, version, vfs);
-    auto read = meta.and_then([&] { return StoreMeta::read(*connection); });
-    if (!read) {
+    auto ready = version == model.version() ? Result<void>()
+                                            : bringUpToDate(*connection, model, version, vfs);
+    auto meta = ready.and_then([&] { return StoreMeta::read(*connection); });
+    if (!meta) {
         const bool isUnchanged = versionNow(*connection) == version;
         connection.reset();
         if (isUnchanged)
             companions.restore();
-        return failure(read.error());
+        return failure(meta.error());
     }
     connection->setCheckpointsOnClose(true);
-    return OpenStore{std::move(lock), std::move(connection), std::move(*read)};
+    return OpenFile{std::move(connection), std::move(*meta)};
 }
 
-Result<OpenStore> openLocked(StoreLock lock, const QString &file, const ObjectModel &model,
-                             const QByteArray &vfs)
+Result<OpenFile> openLocked(const QString &file, const ObjectModel &model, const QByteArray &vfs)
 {
     const bool isMissing = !QFileInfo::exists(file);
     const auto version = inspectStore(file, model, vfs);
     if (!version)
         return failure(version.error());
     if (*version > 0)
-        return openInspected(std::move(lock), file, model, *version, vfs);
+        return openInspected(file, model, *version, vfs);
     if (auto created = createStore(file, model, vfs); !created)
         return failure(created.error());
-    auto store = openInspected(std::move(lock), file, model, model.version(), vfs);
-    if (!store && isMissing)
+    auto opened = openInspected(file, model, model.version(), vfs);
+    if (!opened && isMissing)
         removeDatabase(file);
-    return store;
+    return opened;
 }
 
-/// Older files and folders may be open to others. A folder that is shared on purpose stays so.
+/// A folder that was given to us, and not made for us alone, keeps its permissions.
+bool holdsMoreThanAJournal(const QString &folder)
+{
+    constexpr auto folders = QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot;
+    return QDir::homePath().startsWith(folder) || !QDir(folder).isEmpty(folders);
+}
+
+/// Files and folders from elsewhere may be open to others.
 void tightenPermissions(const QString &folder, const QString &file)
 {
-    const bool holdsMore = QDir::homePath().startsWith(folder);
-    if (!holdsMore)
+    if (!holdsMoreThanAJournal(folder))
         makePrivate(folder);
     for (const QString &path : QStringList{file} + companionsOf(file))
         makePrivate(path);
@@ -135,12 +146,12 @@ Result<OpenStore> openStore(const StorePlace &place, const ObjectModel &model,
     auto lock = StoreLock::acquire(real.lockFile());
     if (!lock)
         return failure(lock.error());
-    auto store = openLocked(std::move(*lock), real.storeFile(), model, vfs);
-    if (store) {
-        folder.keep();
-        tightenPermissions(real.directory, real.storeFile());
-    }
-    return store;
+    auto opened = openLocked(real.storeFile(), model, vfs);
+    if (!opened)
+        return failure(opened.error());
+    folder.keep();
+    tightenPermissions(real.directory, real.storeFile());
+    return OpenStore{std::move(*lock), std::move(opened->connection), std::move(opened->meta)};
 }
 
 } // namespace tembra

@@ -8,15 +8,17 @@ namespace tembra {
 
 const ToOneColumn *EntityTable::toOne(int property) const
 {
-    const auto found = std::find_if(toOnes.begin(), toOnes.end(),
-                                    [&](const ToOneColumn &column) { return column.property == property; });
+    const auto found = std::find_if(toOnes.begin(), toOnes.end(), [&](const ToOneColumn &column) {
+        return column.property == property;
+    });
     return found == toOnes.end() ? nullptr : &*found;
 }
 
 const ToManyLink &EntityTable::toMany(int property) const
 {
-    const auto found = std::find_if(toManys.begin(), toManys.end(),
-                                    [&](const ToManyLink &link) { return link.property == property; });
+    const auto found = std::find_if(toManys.begin(), toManys.end(), [&](const ToManyLink &link) {
+        return link.property == property;
+    });
     require(found != toManys.end(), "the property is a to-many relationship");
     return *found;
 }
@@ -48,10 +50,12 @@ void StoreSchema::resolveToOnes(int entity)
             continue;
         const ToOneDescription &toOne = description.toOneAt(property);
         const int destination = m_model->entityIndex(toOne.destination);
-        require(destination >= 0 && destination < entity, "a to-one points to an entity listed before it");
+        require(destination >= 0 && destination < entity,
+                "a to-one points to an entity listed before it");
         const EntityDescription &other = m_model->entity(destination);
         const int inverse = toOne.inverse.isEmpty() ? -1 : other.propertyIndex(toOne.inverse);
-        const DeleteRule rule = inverse < 0 ? DeleteRule::Nullify : other.toManyAt(inverse).deleteRule;
+        const DeleteRule rule = inverse < 0 ? DeleteRule::Nullify
+                                            : other.toManyAt(inverse).deleteRule;
         table.toOnes.push_back({entity, property, destination, inverse, rule});
     }
 }
@@ -59,7 +63,8 @@ void StoreSchema::resolveToOnes(int entity)
 void StoreSchema::resolveToManys(int entity)
 {
     const EntityDescription &description = m_model->entity(entity);
-    for (int property = description.columnCount(); property < description.propertyCount(); ++property) {
+    for (int property = description.columnCount(); property < description.propertyCount();
+         ++property) {
         const ToManyDescription &toMany = description.toManyAt(property);
         const int destination = m_model->entityIndex(toMany.destination);
         require(destination >= 0, "a to-many has a destination");
@@ -68,9 +73,10 @@ void StoreSchema::resolveToManys(int entity)
         const bool joined = !toMany.joinTable.isEmpty();
         require(!joined || toMany.deleteRule == DeleteRule::Nullify,
                 "only a to-many whose inverse is a to-one cascades");
-        const bool canonical = entity < destination || (entity == destination && property <= inverse);
-        m_tables[size_t(entity)].toManys.push_back({entity, property, destination, inverse, joined, canonical,
-                                                    toMany.joinTable, toMany.ownColumn,
+        const bool canonical = entity < destination
+                               || (entity == destination && property <= inverse);
+        m_tables[size_t(entity)].toManys.push_back({entity, property, destination, inverse, joined,
+                                                    canonical, toMany.joinTable, toMany.ownColumn,
                                                     toMany.destinationColumn});
     }
 }

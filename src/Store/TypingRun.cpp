@@ -20,7 +20,8 @@ struct Difference
 
 Difference differenceBetween(const QString &before, const QString &after)
 {
-    const auto [beforeEnd, afterEnd] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+    const auto [beforeEnd, afterEnd] = std::mismatch(before.begin(), before.end(), after.begin(),
+                                                     after.end());
     const qsizetype place = beforeEnd - before.begin();
     const qsizetype comparable = std::min(before.size(), after.size()) - place;
     qsizetype tail = 0;
@@ -44,12 +45,13 @@ bool differsOnlyAt(const QString &longer, const QString &shorter, qsizetype plac
     if (place < 0 || place + count > longer.size())
         return false;
     return QStringView(longer).first(place) == QStringView(shorter).first(place)
-        && QStringView(longer).sliced(place + count) == QStringView(shorter).sliced(place);
+           && QStringView(longer).sliced(place + count) == QStringView(shorter).sliced(place);
 }
 
 } // namespace
 
-bool TypingRun::extend(ObjectID id, int property, const QString &before, const QString &after, Date now)
+bool TypingRun::extend(ObjectID id, int property, const QString &before, const QString &after,
+                       Date now)
 {
     const Difference difference = differenceBetween(before, after);
     const bool typed = difference.removed.isEmpty() && isOneCharacter(difference.inserted);
@@ -59,7 +61,8 @@ bool TypingRun::extend(ObjectID id, int property, const QString &before, const Q
     if (typed)
         continues = continues && continuesTyping(before, after, difference.inserted.size());
     else
-        continues = continues && removed && continuesDeleting(before, after, difference.removed.size());
+        continues = continues && removed
+                    && continuesDeleting(before, after, difference.removed.size());
     if (continues && typed)
         m_caret += difference.inserted.size();
     else
@@ -78,15 +81,18 @@ bool TypingRun::continuesTyping(const QString &before, const QString &after, qsi
     if (m_kind != Kind::Typing || !differsOnlyAt(after, before, m_caret, typed))
         return false;
     const QChar character = after.at(m_caret);
-    const bool lineBreak = character == u'\n' || character == u'\r' || character == QChar::LineSeparator
-        || character == QChar::ParagraphSeparator;
+    const bool lineBreak = character == u'\n' || character == u'\r'
+                           || character == QChar::LineSeparator
+                           || character == QChar::ParagraphSeparator;
     return !lineBreak && (character.isSpace() || !m_lastWasSpace);
 }
 
-bool TypingRun::continuesDeleting(const QString &before, const QString &after, qsizetype removed) const
+bool TypingRun::continuesDeleting(const QString &before, const QString &after,
+                                  qsizetype removed) const
 {
     return m_kind == Kind::Deleting
-        && (differsOnlyAt(before, after, m_caret - removed, removed) || differsOnlyAt(before, after, m_caret, removed));
+           && (differsOnlyAt(before, after, m_caret - removed, removed)
+               || differsOnlyAt(before, after, m_caret, removed));
 }
 
 } // namespace tembra

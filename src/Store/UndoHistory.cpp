@@ -39,13 +39,12 @@ QString textOf(const Value &value)
 size_t UndoStep::byteSize() const
 {
     return std::accumulate(changes.begin(), changes.end(), sizeof *this,
-                           [](size_t sum, const RecordedChange &change) { return sum + byteSizeOf(change); });
+                           [](size_t sum, const RecordedChange &change) {
+                               return sum + byteSizeOf(change);
+                           });
 }
 
-UndoHistory::UndoHistory(const Clock &clock)
-    : m_clock(clock)
-{
-}
+UndoHistory::UndoHistory(const Clock &clock) : m_clock(clock) {}
 
 void UndoHistory::recordInserted(std::vector<ObjectID> ids)
 {
@@ -54,7 +53,8 @@ void UndoHistory::recordInserted(std::vector<ObjectID> ids)
     m_insertedInOpen.reserve(m_insertedInOpen.size() + qsizetype(ids.size()));
     for (const ObjectID id : ids)
         m_insertedInOpen.insert(id);
-    auto *last = m_open.changes.empty() ? nullptr : std::get_if<InsertedRecords>(&m_open.changes.back());
+    auto *last = m_open.changes.empty() ? nullptr
+                                        : std::get_if<InsertedRecords>(&m_open.changes.back());
     if (last)
         last->ids.insert(last->ids.end(), ids.begin(), ids.end());
     else
@@ -69,7 +69,8 @@ void UndoHistory::recordValue(ObjectID id, int property, const Value &before, co
         recordOther(ValueEdit{id, property, before});
         return;
     }
-    const bool continues = m_typing.extend(id, property, textOf(before), textOf(after), m_clock.now());
+    const bool continues = m_typing.extend(id, property, textOf(before), textOf(after),
+                                           m_clock.now());
     if (m_open.changes.empty()) {
         m_openContinuesTyping = continues;
         m_open.changes.push_back(ValueEdit{id, property, before});
@@ -114,7 +115,8 @@ void UndoHistory::endGroup()
 
 bool UndoHistory::continuesTyping() const
 {
-    return m_openContinuesTyping && m_newestIsTyping && m_open.changes.size() == 1 && !m_undo.empty();
+    return m_openContinuesTyping && m_newestIsTyping && m_open.changes.size() == 1
+           && !m_undo.empty();
 }
 
 bool UndoHistory::closeStep()
@@ -125,7 +127,8 @@ bool UndoHistory::closeStep()
     const bool continues = continuesTyping();
     UndoStep step = takeOpen();
     if (!continues) {
-        const bool oneEdit = step.changes.size() == 1 && std::holds_alternative<ValueEdit>(step.changes.front());
+        const bool oneEdit = step.changes.size() == 1
+                             && std::holds_alternative<ValueEdit>(step.changes.front());
         pushUndo(std::move(step));
         m_newestIsTyping = oneEdit;
     }

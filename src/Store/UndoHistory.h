@@ -54,7 +54,8 @@ class UndoHistory
 {
 public:
     static constexpr size_t maximumSteps = 200;
-    static constexpr size_t maximumBytes = 64 * 1024 * 1024; ///< The newest step is kept at any size.
+    static constexpr size_t maximumBytes = 64 * 1024
+                                           * 1024; ///< The newest step is kept at any size.
 
     explicit UndoHistory(const Clock &clock);
 

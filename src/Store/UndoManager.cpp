@@ -34,10 +34,7 @@ Overloaded(Functions...) -> Overloaded<Functions...>;
 
 } // namespace
 
-UndoManager::UndoManager(ManagedObjectContext &context)
-    : d(std::make_unique<Private>(context))
-{
-}
+UndoManager::UndoManager(ManagedObjectContext &context) : d(std::make_unique<Private>(context)) {}
 
 UndoManager::~UndoManager() = default;
 
@@ -67,7 +64,8 @@ void UndoManager::redo()
 }
 
 void UndoManager::reverseNewest(std::optional<UndoStep> (UndoHistory::*takeFrom)(),
-                                void (UndoHistory::*putBack)(UndoStep), void (UndoHistory::*putOpposite)(UndoStep))
+                                void (UndoHistory::*putBack)(UndoStep),
+                                void (UndoHistory::*putOpposite)(UndoStep))
 {
     UndoHistory &history = d->history;
     if (d->isReversing || history.isGrouping())
@@ -93,7 +91,8 @@ bool UndoManager::reverse(UndoStep &step)
 {
     for (; !step.changes.empty(); step.changes.pop_back()) {
         if (const Result<void> done = reverse(step.changes.back()); !done) {
-            qCWarning(storeLog, "Undo or redo failed: %s", qUtf8Printable(done.error().description()));
+            qCWarning(storeLog, "Undo or redo failed: %s",
+                      qUtf8Printable(done.error().description()));
             return false;
         }
     }
@@ -118,10 +117,13 @@ Result<void> UndoManager::reverse(const RecordedChange &change)
                           },
                           [&](const InsertedRecords &inserted) {
                               std::vector<ObjectID> present = inserted.ids;
-                              std::erase_if(present, [&](ObjectID id) { return !context.d->exists(id); });
+                              std::erase_if(present,
+                                            [&](ObjectID id) { return !context.d->exists(id); });
                               return context.d->deleteRecords(std::move(present));
                           },
-                          [&](const DeletedRecords &deleted) { return context.d->restoreRecords(*deleted.archive); },
+                          [&](const DeletedRecords &deleted) {
+                              return context.d->restoreRecords(*deleted.archive);
+                          },
                       },
                       change);
 }
@@ -143,22 +145,23 @@ void UndoManager::announce(const UndoStep &step)
         touch(id, -1);
     };
     for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change) {
-        std::visit(Overloaded{
-                       [&](const ValueEdit &edit) { touch(edit.id, edit.property); },
-                       [&](const LinkEdit &edit) { touch(edit.owner, edit.property); },
-                       [&](const InsertedRecords &inserted) {
-                           if (const auto first = d->context.object(inserted.ids.front()))
-                               touchWithOwner(first->objectID(),
-                                              [&](int property) { return first->value(property); });
-                       },
-                       [&](const DeletedRecords &deleted) {
-                           deleted.archive->forEachRow([&](ObjectID id, RowReader::Row row) {
-                               touchWithOwner(id, [&](int property) { return row[size_t(property)]; });
-                               return false; // The first row is the topmost record; the rest hangs on it.
-                           });
-                       },
-                   },
-                   *change);
+        std::visit(
+            Overloaded{
+                [&](const ValueEdit &edit) { touch(edit.id, edit.property); },
+                [&](const LinkEdit &edit) { touch(edit.owner, edit.property); },
+                [&](const InsertedRecords &inserted) {
+                    if (const auto first = d->context.object(inserted.ids.front()))
+                        touchWithOwner(first->objectID(),
+                                       [&](int property) { return first->value(property); });
+                },
+                [&](const DeletedRecords &deleted) {
+                    deleted.archive->forEachRow([&](ObjectID id, RowReader::Row row) {
+                        touchWithOwner(id, [&](int property) { return row[size_t(property)]; });
+                        return false; // The first row is the topmost record; the rest hangs on it.
+                    });
+                },
+            },
+            *change);
     }
     for (const auto &[id, property] : touched)
         Q_EMIT willChangeObject(id, property);
@@ -193,8 +196,7 @@ void UndoManager::endTurn()
         Q_EMIT changed();
 }
 
-UndoManager::Suspension::Suspension(UndoManager &manager)
-    : m_manager(manager)
+UndoManager::Suspension::Suspension(UndoManager &manager) : m_manager(manager)
 {
     ++m_manager.d->suspensions;
 }

@@ -63,7 +63,8 @@ private:
     /// Null while changes are not recorded.
     UndoHistory *recorder();
     void endTurn();
-    void reverseNewest(std::optional<UndoStep> (UndoHistory::*takeFrom)(), void (UndoHistory::*putBack)(UndoStep),
+    void reverseNewest(std::optional<UndoStep> (UndoHistory::*takeFrom)(),
+                       void (UndoHistory::*putBack)(UndoStep),
                        void (UndoHistory::*putOpposite)(UndoStep));
     bool reverse(UndoStep &step);
     Result<void> reverse(const RecordedChange &change);

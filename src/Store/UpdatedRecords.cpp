@@ -25,13 +25,15 @@ Result<UpdatedRecords> UpdatedRecords::of(const ObjectModel &model, const FetchR
     made.m_request = {.entityName = request.entityName, .predicate = request.predicate};
     made.m_entity = model.entityIndex(request.entityName);
     if (made.m_entity < 0)
-        return failure(u"There are no records of the kind “%1”."_s.arg(QString::fromUtf8(request.entityName)));
+        return failure(
+            u"There are no records of the kind “%1”."_s.arg(QString::fromUtf8(request.entityName)));
     const EntityDescription &entity = model.entity(made.m_entity);
     made.m_shown = columnsOf(entity);
     for (const QByteArray &name : request.relationshipKeyPathsForPrefetching) {
         const int property = entity.propertyIndex(name);
         if (property < 0 || entity.kindOf(property) != PropertyKind::ToMany)
-            return failure(u"“%1” cannot be prefetched: it is not a to-many relationship."_s.arg(QString::fromUtf8(name)));
+            return failure(u"“%1” cannot be prefetched: it is not a to-many relationship."_s.arg(
+                QString::fromUtf8(name)));
         const ToManyDescription &toMany = entity.toManyAt(property);
         const int destination = model.entityIndex(toMany.destination);
         const EntityDescription &other = model.entity(destination);
@@ -42,7 +44,8 @@ Result<UpdatedRecords> UpdatedRecords::of(const ObjectModel &model, const FetchR
     return made;
 }
 
-UpdatedRecords::Keys UpdatedRecords::among(const ChangeSet &changes, ManagedObjectContext &context) const
+UpdatedRecords::Keys UpdatedRecords::among(const ChangeSet &changes,
+                                           ManagedObjectContext &context) const
 {
     Keys found;
     addOwn(changes, found);
@@ -82,7 +85,8 @@ void UpdatedRecords::addRelated(const Prefetched &relationship, const ChangeSet 
 {
     std::vector<ObjectID> changed;
     for (const ObjectChange &change : changes.updated) {
-        if (change.id.entity == relationship.destination && (change.properties & relationship.destinationColumns))
+        if (change.id.entity == relationship.destination
+            && (change.properties & relationship.destinationColumns))
             changed.push_back(change.id);
     }
     if (changed.size() > mostLookUps) {
@@ -92,10 +96,12 @@ void UpdatedRecords::addRelated(const Prefetched &relationship, const ChangeSet 
     for (const ObjectID &id : changed) {
         FetchRequest owners = m_request;
         const QString format = u"ANY %1 == %@"_s.arg(QString::fromUtf8(relationship.name));
-        owners.predicate = Predicate::andPredicate({m_request.predicate, Predicate::fixed(format, {id})});
+        owners.predicate = Predicate::andPredicate(
+            {m_request.predicate, Predicate::fixed(format, {id})});
         const Result<std::vector<qint64>> keys = context.fetchKeys(owners);
         if (!keys) {
-            qCWarning(storeLog, "Not known which rows changed: %s", qUtf8Printable(keys.error().description()));
+            qCWarning(storeLog, "Not known which rows changed: %s",
+                      qUtf8Printable(keys.error().description()));
             found.all = true;
             return;
         }

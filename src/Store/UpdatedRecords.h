@@ -42,8 +42,8 @@ private:
 
     void addOwn(const ChangeSet &changes, Keys &found) const;
     void addRelinked(const std::vector<ObjectChange> &changes, Keys &found) const;
-    void addRelated(const Prefetched &relationship, const ChangeSet &changes, ManagedObjectContext &context,
-                    Keys &found) const;
+    void addRelated(const Prefetched &relationship, const ChangeSet &changes,
+                    ManagedObjectContext &context, Keys &found) const;
 
     FetchRequest m_request;
     int m_entity = -1;

@@ -82,7 +82,7 @@ void EmptyState::applyTheme()
 {
     m_title->setFont(theme::titleFont(font()));
     QPalette dimmed;
-    dimmed.setColor(QPalette::WindowText, theme::secondaryText(palette(), backgroundRole()));
+    dimmed.setColor(m_sentence->foregroundRole(), theme::secondaryText(palette(), backgroundRole()));
     m_sentence->setPalette(dimmed);
 }
 
@@ -91,6 +91,13 @@ void EmptyState::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
         applyTheme();
+}
+
+void EmptyState::showEvent(QShowEvent *event)
+{
+    // What it stands on is known now.
+    applyTheme();
+    QWidget::showEvent(event);
 }
 
 } // namespace tembra

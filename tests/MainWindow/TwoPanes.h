@@ -5,8 +5,8 @@
 #include "MainWindow/DetailPaneViewController.h"
 #include "MainWindow/ViewCoordinator.h"
 #include "Preferences/InputControls/AutoEditArrayController.h"
-#include "Toolkit/Alert.h"
 #include "support/JournalFixture.h"
+#include "Toolkit/Alert.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -24,7 +24,8 @@ class TwoPanes
 public:
     explicit TwoPanes(JournalFixture &journal)
     {
-        list = new CounterpartsPaneViewController(coordinator, journal.coreData(), journal.notifications);
+        list = new CounterpartsPaneViewController(coordinator, journal.coreData(),
+                                                  journal.notifications);
         detail = new DetailPaneViewController(coordinator, journal.coreData(), journal.services,
                                               journal.notifications);
         coordinator.counterpartsArrayController = &list->counterpartsArrayController();
@@ -66,19 +67,29 @@ public:
     }
 
     /// The field of the row whose name is being typed; null when none is.
-    QLineEdit *nameEditor() const { return view->findChild<QLineEdit *>(QStringLiteral("nameEditor")); }
+    QLineEdit *nameEditor() const
+    {
+        return view->findChild<QLineEdit *>(QStringLiteral("nameEditor"));
+    }
 
-    QAbstractButton *button(const QString &objectName) const { return list->findChild<QAbstractButton *>(objectName); }
+    QAbstractButton *button(const QString &objectName) const
+    {
+        return list->findChild<QAbstractButton *>(objectName);
+    }
 
     /// The alert that is shown; null when none is.
     Alert *sheet() const
     {
         const QList<Alert *> alerts = window.findChildren<Alert *>();
-        const auto shown = std::find_if(alerts.begin(), alerts.end(), [](Alert *alert) { return alert->isVisible(); });
+        const auto shown = std::find_if(alerts.begin(), alerts.end(),
+                                        [](Alert *alert) { return alert->isVisible(); });
         return shown == alerts.end() ? nullptr : *shown;
     }
 
-    QString sheetText(const QString &label) const { return sheet()->findChild<QLabel *>(label)->text(); }
+    QString sheetText(const QString &label) const
+    {
+        return sheet()->findChild<QLabel *>(label)->text();
+    }
 
     ViewCoordinator coordinator;
     QSplitter window;

@@ -100,8 +100,10 @@ private Q_SLOTS:
     void theCoordinatorKnowsBothPanes()
     {
         open();
-        QCOMPARE(m_window->viewCoordinator().masterViewController, &m_window->counterpartsViewController());
-        QCOMPARE(m_window->viewCoordinator().detailPaneViewController, &m_window->detailPaneViewController());
+        QCOMPARE(m_window->viewCoordinator().masterViewController,
+                 &m_window->counterpartsViewController());
+        QCOMPARE(m_window->viewCoordinator().detailPaneViewController,
+                 &m_window->detailPaneViewController());
         QCOMPARE(m_window->viewCoordinator().counterpartsArrayController,
                  &m_window->counterpartsViewController().counterpartsArrayController());
     }
@@ -169,14 +171,17 @@ private Q_SLOTS:
 
     void commandsAreEnabledWhenTheyCanDoSomething()
     {
-        const auto ana = m_journal->addCounterpart(u"Ana"_s);
+        m_journal->addCounterpart(u"Ana"_s);
         open();
         QVERIFY(!command(u"newMeetingAction"_s)->isEnabled());
+        QVERIFY(!command(u"findInNotesAction"_s)->isEnabled());
+        QVERIFY(!command(u"goToMeetingsAction"_s)->isEnabled());
         QVERIFY(!command(u"renameTeammateAction"_s)->isEnabled());
         QVERIFY(!command(u"deleteMeetingAction"_s)->isEnabled());
         QVERIFY(!command(u"nextNoteFieldAction"_s)->isEnabled());
         select(0);
         QVERIFY(command(u"newMeetingAction"_s)->isEnabled());
+        QVERIFY(command(u"findInNotesAction"_s)->isEnabled());
         QVERIFY(command(u"renameTeammateAction"_s)->isEnabled());
         QVERIFY(!command(u"deleteMeetingAction"_s)->isEnabled());
         command(u"newMeetingAction"_s)->trigger();
@@ -269,7 +274,8 @@ private Q_SLOTS:
         command(u"findInNotesAction"_s)->trigger();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(ana->name(), u"Ana"_s);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Z,
+                        Qt::ControlModifier | Qt::ShiftModifier);
         QCOMPARE(ana->name(), u"Bea"_s);
     }
 
@@ -356,7 +362,8 @@ private Q_SLOTS:
         command(u"saveAction"_s)->trigger();
         QCOMPARE(alerts, 1);
         QVERIFY(banner->isVisible());
-        QCOMPARE(banner->findChild<QLabel *>(u"saveFailureLabel"_s)->text(), u"Changes could not be saved"_s);
+        QCOMPARE(banner->findChild<QLabel *>(u"saveFailureLabel"_s)->text(),
+                 u"Changes could not be saved"_s);
         m_journal->coreData().handleTimer();
         QVERIFY(banner->isVisible());
 
@@ -398,9 +405,12 @@ private Q_SLOTS:
 private:
     void open()
     {
-        m_window = std::make_unique<MainWindow>(m_journal->coreData(), m_journal->services, m_journal->notifications,
-                                                m_journal->filePath(u"window-state.ini"_s), [this] { ++m_quits; });
-        m_journal->coreData().setCommitEditing([this] { return !m_window || m_window->commitEditing(); });
+        m_window = std::make_unique<MainWindow>(m_journal->coreData(), m_journal->services,
+                                                m_journal->notifications,
+                                                m_journal->filePath(u"window-state.ini"_s),
+                                                [this] { ++m_quits; });
+        m_journal->coreData().setCommitEditing(
+            [this] { return !m_window || m_window->commitEditing(); });
         m_window->show();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     }
@@ -409,7 +419,10 @@ private:
     QLineEdit *nameEditor() const { return m_window->findChild<QLineEdit *>(u"nameEditor"_s); }
     DetailPaneViewController &detail() const { return m_window->detailPaneViewController(); }
     QAction *command(const QString &name) const { return m_window->findChild<QAction *>(name); }
-    BindablePlaceholderTextField *noteField() const { return m_window->findChild<BindablePlaceholderTextField *>(); }
+    BindablePlaceholderTextField *noteField() const
+    {
+        return m_window->findChild<BindablePlaceholderTextField *>();
+    }
 
     QMenu *editMenu() const
     {
@@ -427,7 +440,8 @@ private:
 
     int rowOf(const std::shared_ptr<Counterpart> &counterpart) const
     {
-        return m_window->counterpartsViewController().counterpartsArrayController().rowOf(counterpart.get());
+        return m_window->counterpartsViewController().counterpartsArrayController().rowOf(
+            counterpart.get());
     }
 
     static void verifyMnemonics(const QList<QAction *> &actions)

@@ -112,7 +112,8 @@ private Q_SLOTS:
         show(5);
         m_strip->selectAndShow(2);
         const QSignalSpy told(m_strip.get(), &SummaryCollectionView::selectedRowChanged);
-        QTest::mouseClick(m_strip->viewport(), Qt::LeftButton, Qt::ControlModifier, tile(2).center());
+        QTest::mouseClick(m_strip->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                          tile(2).center());
         QCOMPARE(m_strip->selectedRow(), -1);
         QCOMPARE(told.count(), 1);
         QCOMPARE(told.first().first().toInt(), -1);
@@ -196,8 +197,8 @@ private Q_SLOTS:
     void rowsFollowTheStore()
     {
         show(6);
-        const QAbstractItemModelTester tester(m_model.get(),
-                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
+        const QAbstractItemModelTester tester(
+            m_model.get(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         const auto added = m_journal->addSessionDaysAgo(m_counterpart, 2.5);
         m_journal->context().processPendingChanges();
         QCOMPARE(m_model->rowCount(), 7);
@@ -213,26 +214,29 @@ private Q_SLOTS:
         m_journal->context().processPendingChanges();
         QCOMPARE(m_model->sessionAt(6), added);
 
-        QVERIFY(m_journal->context().deleteObjects({m_sessions.at(0), m_sessions.at(3)}).has_value());
+        QVERIFY(
+            m_journal->context().deleteObjects({m_sessions.at(0), m_sessions.at(3)}).has_value());
         m_journal->context().processPendingChanges();
-        QCOMPARE(shown(), (QList<std::shared_ptr<Session>>{m_sessions.at(1), m_sessions.at(2),
-                                                           m_sessions.at(4), m_sessions.at(5), added}));
+        QCOMPARE(shown(),
+                 (QList<std::shared_ptr<Session>>{m_sessions.at(1), m_sessions.at(2),
+                                                  m_sessions.at(4), m_sessions.at(5), added}));
     }
 
     void severalChangesInOneTurn()
     {
         show(8);
-        const QAbstractItemModelTester tester(m_model.get(),
-                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
+        const QAbstractItemModelTester tester(
+            m_model.get(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         const auto now = m_journal->clock.now();
         m_sessions.at(6)->setDate(now.adding(10));
         m_sessions.at(1)->setDate(now.adding(-50 * secondsPerDay));
         QVERIFY(m_journal->context().deleteObject(m_sessions.at(3)).has_value());
         const auto added = m_journal->addSession(m_counterpart, now.adding(5));
         m_journal->context().processPendingChanges();
-        QCOMPARE(shown(), (QList<std::shared_ptr<Session>>{
-                              m_sessions.at(6), added, m_sessions.at(0), m_sessions.at(2),
-                              m_sessions.at(4), m_sessions.at(5), m_sessions.at(7), m_sessions.at(1)}));
+        QCOMPARE(shown(), (QList<std::shared_ptr<Session>>{m_sessions.at(6), added,
+                                                           m_sessions.at(0), m_sessions.at(2),
+                                                           m_sessions.at(4), m_sessions.at(5),
+                                                           m_sessions.at(7), m_sessions.at(1)}));
     }
 
     void aChangedRatingRepaintsItsTile()
@@ -248,8 +252,8 @@ private Q_SLOTS:
     void aFloodOfChangesStartsOver()
     {
         show(5);
-        const QAbstractItemModelTester tester(m_model.get(),
-                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
+        const QAbstractItemModelTester tester(
+            m_model.get(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         const QSignalSpy reset(m_model.get(), &QAbstractItemModel::modelReset);
         for (int count = 0; count < 600; ++count)
             m_journal->addSessionDaysAgo(m_counterpart, 0.001 * count);
@@ -292,7 +296,8 @@ private:
             , m_asked(asked)
         {
         }
-        void paint(QPainter *, const QStyleOptionViewItem &, const QModelIndex &index) const override
+        void paint(QPainter *, const QStyleOptionViewItem &,
+                   const QModelIndex &index) const override
         {
             m_asked.insert(index.row());
         }

@@ -1,6 +1,7 @@
 #include "Store/ManagedObjectContext.h"
 #include "Store/PersistentContainer.h"
 #include "Store/UndoManager.h"
+#include "support/FaultVfs.h"
 #include "support/JournalFixture.h"
 
 #include <QSignalSpy>
@@ -8,6 +9,26 @@
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// As long as it lives, the disk takes nothing more.
+class FullDisk
+{
+public:
+    explicit FullDisk(FaultVfs &disk)
+        : m_disk(disk)
+    {
+        m_disk.failAt(1, FaultVfs::Fault::DiskFull, FaultVfs::Lasting::ForGood);
+    }
+    ~FullDisk() { m_disk.failNothing(); }
+    Q_DISABLE_COPY_MOVE(FullDisk)
+
+private:
+    FaultVfs &m_disk;
+};
+
+} // namespace
 
 class tst_CoreDataInterface : public QObject
 {
@@ -18,6 +39,9 @@ private Q_SLOTS:
     void noEditsCauseNoSave();
     void anEditCausesOneSave();
     void refusedCommitIsLoggedAndTheSaveGoesAhead();
+    void failedSaveIsShownAndKeepsTheEdits();
+    void failingAutosaveIsShownOnce();
+    void noSecondAlertWhileOneIsOpen();
     void flagsBecomeTags();
     void flagOverrideNamesTheEmoji();
     void equalFlagsShareATag();
@@ -64,6 +88,75 @@ void tst_CoreDataInterface::refusedCommitIsLoggedAndTheSaveGoesAhead()
     QTest::ignoreMessage(QtWarningMsg, "CoreDataInterface unable to commit editing before saving");
     journal.coreData().save();
     QVERIFY(!journal.context().hasChanges());
+}
+
+void tst_CoreDataInterface::failedSaveIsShownAndKeepsTheEdits()
+{
+    FaultVfs disk;
+    JournalFixture journal(utc(2026, 11, 20), disk.name());
+    int shown = 0;
+    QString message;
+    journal.coreData().setPresentError([&](const Error &error) {
+        ++shown;
+        message = error.message;
+    });
+    QSignalSpy failing(&journal.coreData(), &CoreDataInterface::saveFailingChanged);
+    const auto ana = journal.addCounterpart(u"Ana"_s);
+    {
+        const FullDisk full(disk);
+        journal.coreData().save();
+        journal.coreData().save();
+    }
+    QCOMPARE(shown, 2);
+    QVERIFY2(message.contains(u"full"_s), qUtf8Printable(message));
+    QVERIFY(journal.coreData().isSaveFailing());
+    QVERIFY(journal.context().hasChanges());
+
+    journal.coreData().save();
+    QVERIFY(!journal.coreData().isSaveFailing());
+    QVERIFY(!journal.context().hasChanges());
+    QCOMPARE(failing.count(), 2);
+    QCOMPARE(ana->name(), u"Ana"_s);
+    QCOMPARE(journal.counterparts(), QList<std::shared_ptr<Counterpart>>{ana});
+}
+
+void tst_CoreDataInterface::failingAutosaveIsShownOnce()
+{
+    FaultVfs disk;
+    JournalFixture journal(utc(2026, 11, 20), disk.name());
+    int shown = 0;
+    journal.coreData().setPresentError([&](const Error &) { ++shown; });
+    journal.addCounterpart(u"Ana"_s);
+    {
+        const FullDisk full(disk);
+        journal.coreData().handleTimer();
+        journal.coreData().handleTimer();
+        QCOMPARE(shown, 1);
+        // Whoever asks for a save wants to know.
+        journal.coreData().save();
+        QCOMPARE(shown, 2);
+    }
+    journal.coreData().handleTimer();
+    QVERIFY(!journal.context().hasChanges());
+    journal.addCounterpart(u"Ben"_s);
+    const FullDisk full(disk);
+    journal.coreData().handleTimer();
+    QCOMPARE(shown, 3);
+}
+
+void tst_CoreDataInterface::noSecondAlertWhileOneIsOpen()
+{
+    FaultVfs disk;
+    JournalFixture journal(utc(2026, 11, 20), disk.name());
+    int shown = 0;
+    journal.coreData().setPresentError([&](const Error &) {
+        ++shown;
+        journal.coreData().save();
+    });
+    journal.addCounterpart(u"Ana"_s);
+    const FullDisk full(disk);
+    journal.coreData().save();
+    QCOMPARE(shown, 1);
 }
 
 void tst_CoreDataInterface::flagsBecomeTags()

@@ -31,7 +31,9 @@ int order(const Value &a, const Value &b)
         const auto right = std::get<QString>(b).toUcs4();
         if (left == right)
             return 0;
-        return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end()) ? -1 : 1;
+        return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end())
+                   ? -1
+                   : 1;
     }
     return a == b ? 0 : (a < b ? -1 : 1);
 }
@@ -66,19 +68,19 @@ bool holds(const Value &value, ComparisonOperator op, const Value &argument)
 
 } // namespace
 
-PlainEvaluator::PlainEvaluator(const QueryJournal &journal)
-    : m_journal(journal)
-{
-}
+PlainEvaluator::PlainEvaluator(const QueryJournal &journal) : m_journal(journal) {}
 
 bool PlainEvaluator::matches(const PredicateNode &node, int entity, qint64 key) const
 {
-    const auto holdsHere = [&](const PredicateNodePointer &operand) { return matches(*operand, entity, key); };
+    const auto holdsHere = [&](const PredicateNodePointer &operand) {
+        return matches(*operand, entity, key);
+    };
     if (const auto *negation = std::get_if<Negation>(&node.content))
         return !holdsHere(negation->operand);
     if (const auto *compound = std::get_if<Compound>(&node.content)) {
-        return compound->connective == Connective::And ? std::ranges::all_of(compound->operands, holdsHere)
-                                                       : std::ranges::any_of(compound->operands, holdsHere);
+        return compound->connective == Connective::And
+                   ? std::ranges::all_of(compound->operands, holdsHere)
+                   : std::ranges::any_of(compound->operands, holdsHere);
     }
     return compares(std::get<Comparison>(node.content), entity, key);
 }
@@ -86,20 +88,24 @@ bool PlainEvaluator::matches(const PredicateNode &node, int entity, qint64 key) 
 bool PlainEvaluator::compares(const Comparison &comparison, int entity, qint64 key) const
 {
     const Value argument = valueOf(comparison.argument);
-    return std::ranges::any_of(valuesAt(entity, key, comparison.keyPath),
-                               [&](const Value &value) { return holds(value, comparison.op, argument); });
+    return std::ranges::any_of(valuesAt(entity, key, comparison.keyPath), [&](const Value &value) {
+        return holds(value, comparison.op, argument);
+    });
 }
 
-std::vector<Value> PlainEvaluator::valuesAt(int entity, qint64 key, const QList<QByteArray> &names) const
+std::vector<Value> PlainEvaluator::valuesAt(int entity, qint64 key,
+                                            const QList<QByteArray> &names) const
 {
     const EntityDescription &description = m_journal.model.entity(entity);
     const int property = description.propertyIndex(names.first());
     const QList<QByteArray> rest = names.mid(1);
     if (description.kindOf(property) == PropertyKind::ToMany) {
-        const int destination = m_journal.model.entityIndex(description.toManyAt(property).destination);
+        const int destination = m_journal.model.entityIndex(
+            description.toManyAt(property).destination);
         std::vector<Value> values;
         for (const qint64 other : related(entity, key, property)) {
-            const std::vector<Value> more = rest.isEmpty() ? std::vector<Value>{other} : valuesAt(destination, other, rest);
+            const std::vector<Value> more = rest.isEmpty() ? std::vector<Value>{other}
+                                                           : valuesAt(destination, other, rest);
             values.insert(values.end(), more.begin(), more.end());
         }
         return values;
@@ -109,7 +115,7 @@ std::vector<Value> PlainEvaluator::valuesAt(int entity, qint64 key, const QList<
         return {value};
     const int destination = m_journal.model.entityIndex(description.toOneAt(property).destination);
     const bool leadsToMany = m_journal.model.entity(destination).propertyIndex(rest.first())
-        >= m_journal.model.entity(destination).columnCount();
+                             >= m_journal.model.entity(destination).columnCount();
     if (isMissing(value))
         return leadsToMany ? std::vector<Value>() : std::vector<Value>{Value()};
     return valuesAt(destination, std::get<qint64>(value), rest);
@@ -146,7 +152,8 @@ std::vector<qint64> PlainEvaluator::fetchKeys(const FetchRequest &request) const
     std::stable_sort(keys.begin(), keys.end(), [&](qint64 a, qint64 b) {
         for (const SortDescriptor &descriptor : request.sortDescriptors) {
             const QList<QByteArray> path = descriptor.key.split('.');
-            const int result = order(valuesAt(entity, a, path).front(), valuesAt(entity, b, path).front());
+            const int result = order(valuesAt(entity, a, path).front(),
+                                     valuesAt(entity, b, path).front());
             if (result != 0)
                 return descriptor.ascending ? result < 0 : result > 0;
         }

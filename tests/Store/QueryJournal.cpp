@@ -13,17 +13,21 @@ constexpr char schema[] =
     "CREATE TABLE counterpart (id INTEGER PRIMARY KEY, name TEXT, email TEXT, lastUpdate REAL);"
     "CREATE TABLE tag (id INTEGER PRIMARY KEY, name TEXT, emoji TEXT, lastUse REAL);"
     "CREATE TABLE session (id INTEGER PRIMARY KEY, date REAL, flag INTEGER, counterpart INTEGER);"
-    "CREATE TABLE note (id INTEGER PRIMARY KEY, identifier INTEGER, contentString TEXT, session INTEGER);"
-    "CREATE TABLE session_tag (session INTEGER NOT NULL, tag INTEGER NOT NULL, PRIMARY KEY (session, tag)) WITHOUT ROWID;"
+    "CREATE TABLE note (id INTEGER PRIMARY KEY, identifier INTEGER, contentString TEXT, session "
+    "INTEGER);"
+    "CREATE TABLE session_tag (session INTEGER NOT NULL, tag INTEGER NOT NULL, PRIMARY KEY "
+    "(session, tag)) WITHOUT ROWID;"
     "CREATE INDEX session_counterpart_date ON session(counterpart, date DESC);"
     "CREATE INDEX session_date ON session(date DESC);"
     "CREATE INDEX session_flag ON session(flag) WHERE flag > 0;"
     "CREATE INDEX note_session_identifier ON note(session, identifier);"
-    "CREATE INDEX note_filled ON note(session, identifier) WHERE contentString IS NOT NULL AND contentString IS NOT '';"
+    "CREATE INDEX note_filled ON note(session, identifier) WHERE contentString IS NOT NULL AND "
+    "contentString IS NOT '';"
     "CREATE INDEX session_tag_tag ON session_tag(tag, session);"
     "CREATE INDEX tag_lastUse ON tag(lastUse);";
 
-Statement &prepared(Connection &connection, const QByteArray &sql, const std::vector<Value> &bindings)
+Statement &prepared(Connection &connection, const QByteArray &sql,
+                    const std::vector<Value> &bindings)
 {
     const Result<Statement *> statement = connection.prepare(sql);
     if (!statement)
@@ -55,33 +59,55 @@ Value perhaps(QRandomGenerator &random, const Value &value)
 ObjectModel queryModel()
 {
     EntityDescription counterpart{"Counterpart", "counterpart", {}, {}, {}, {}};
-    counterpart.attributes = {{"name", AttributeType::Text}, {"email", AttributeType::Text}, {"lastUpdate", AttributeType::Date}};
+    counterpart.attributes = {{"name", AttributeType::Text},
+                              {"email", AttributeType::Text},
+                              {"lastUpdate", AttributeType::Date}};
     counterpart.toManys = {{"sessions", "Session", "counterpart", DeleteRule::Cascade}};
     EntityDescription tag{"Tag", "tag", {}, {}, {}, {}};
-    tag.attributes = {{"name", AttributeType::Text}, {"emoji", AttributeType::Text}, {"lastUse", AttributeType::Date}};
-    tag.toManys = {{"sessions", "Session", "tags", DeleteRule::Nullify, "session_tag", "tag", "session"}};
-    EntityDescription session{"Session", "session", {}, {{"counterpart", "Counterpart", "sessions"}}, {}, {}};
+    tag.attributes = {{"name", AttributeType::Text},
+                      {"emoji", AttributeType::Text},
+                      {"lastUse", AttributeType::Date}};
+    tag.toManys = {
+        {"sessions", "Session", "tags", DeleteRule::Nullify, "session_tag", "tag", "session"}};
+    EntityDescription session{"Session", "session",
+                              {},        {{"counterpart", "Counterpart", "sessions"}},
+                              {},        {}};
     session.attributes = {{"date", AttributeType::Date}, {"flag", AttributeType::Integer16}};
     session.toManys = {{"notes", "Note", "session", DeleteRule::Cascade},
-                       {"tags", "Tag", "sessions", DeleteRule::Nullify, "session_tag", "session", "tag"}};
+                       {"tags", "Tag", "sessions", DeleteRule::Nullify, "session_tag", "session",
+                        "tag"}};
     EntityDescription note{"Note", "note", {}, {{"session", "Session", "notes"}}, {}, {}};
-    note.attributes = {{"identifier", AttributeType::Integer16}, {"contentString", AttributeType::Text}};
+    note.attributes = {{"identifier", AttributeType::Integer16},
+                       {"contentString", AttributeType::Text}};
     return {{counterpart, tag, session, note}, {}};
 }
 
 QString randomText(QRandomGenerator &random)
 {
-    static const QString texts[] = {u""_s,          u"Café"_s,     u"cafe\u0301 au lait"_s, u"CAFE"_s,  u"Straße"_s,
-                                    u"strasse"_s,   u"naïve 🎉"_s, u"100%_x"_s,             u"zebra"_s, u"Zebra crossing"_s,
-                                    u"встреча"_s,   u"ВСТРЕЧА"_s,  u"a'b\"c"_s,             u"😀"_s,    u"\uFFFD"_s,
-                                    QString(QChar(0)), u"ﬁne"_s};
+    static const QString texts[] = {u""_s,
+                                    u"Café"_s,
+                                    u"cafe\u0301 au lait"_s,
+                                    u"CAFE"_s,
+                                    u"Straße"_s,
+                                    u"strasse"_s,
+                                    u"naïve 🎉"_s,
+                                    u"100%_x"_s,
+                                    u"zebra"_s,
+                                    u"Zebra crossing"_s,
+                                    u"встреча"_s,
+                                    u"ВСТРЕЧА"_s,
+                                    u"a'b\"c"_s,
+                                    u"😀"_s,
+                                    u"\uFFFD"_s,
+                                    QString(QChar(0)),
+                                    u"ﬁne"_s};
     return oneOf(random, texts);
 }
 
-QueryJournal::QueryJournal()
-    : rows(size_t(model.entities.size()))
+QueryJournal::QueryJournal() : rows(size_t(model.entities.size()))
 {
-    auto opened = Connection::open(m_folder.filePath(u"journal.sqlite"_s), Connection::Mode::Create);
+    auto opened = Connection::open(m_folder.filePath(u"journal.sqlite"_s),
+                                   Connection::Mode::Create);
     require(opened.has_value(), "the store opens");
     m_connection = std::move(*opened);
     require(m_connection->execute(schema).has_value(), "the schema is made");
@@ -99,7 +125,9 @@ qint64 QueryJournal::insert(int entity, Row row)
         places += ",?";
         values.push_back(row[size_t(property)]);
     }
-    run(*m_connection, "INSERT INTO " + quoted(description.table) + '(' + names + ") VALUES (" + places + ')', values);
+    run(*m_connection,
+        "INSERT INTO " + quoted(description.table) + '(' + names + ") VALUES (" + places + ')',
+        values);
     rows[size_t(entity)].emplace(m_lastKey, std::move(row));
     return m_lastKey;
 }
@@ -165,7 +193,8 @@ QByteArray QueryJournal::plan(const FetchRequest &request) const
 {
     const Result<FetchStatement> compiled = compileFetch(model, request);
     require(compiled.has_value(), "the request compiles");
-    Statement &statement = prepared(*m_connection, "EXPLAIN QUERY PLAN " + compiled->sql, compiled->bindings);
+    Statement &statement = prepared(*m_connection, "EXPLAIN QUERY PLAN " + compiled->sql,
+                                    compiled->bindings);
     QByteArray lines;
     for (Result<bool> found = statement.step(); found && *found; found = statement.step())
         lines += std::get<QString>(statement.value(3)).toUtf8() + '\n';

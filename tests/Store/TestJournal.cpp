@@ -22,16 +22,21 @@ std::function<std::shared_ptr<ManagedObject>()> maker()
 
 QList<SchemaMigration> testMigrations()
 {
-    return {{1,
-             {"CREATE TABLE owner (id INTEGER PRIMARY KEY, name TEXT)",
-              "CREATE TABLE label (id INTEGER PRIMARY KEY, name TEXT, favourite INTEGER REFERENCES owner(id))",
-              "CREATE TABLE item (id INTEGER PRIMARY KEY, date REAL, flag INTEGER, owner INTEGER REFERENCES owner(id))",
-              "CREATE TABLE part (id INTEGER PRIMARY KEY, number INTEGER, content TEXT,"
-              " item INTEGER REFERENCES item(id))",
-              "CREATE TABLE item_label (item INTEGER NOT NULL REFERENCES item(id),"
-              " label INTEGER NOT NULL REFERENCES label(id), PRIMARY KEY (item, label)) WITHOUT ROWID",
-              "CREATE INDEX label_favourite ON label(favourite)", "CREATE INDEX item_owner ON item(owner, date)",
-              "CREATE INDEX part_item ON part(item, number)", "CREATE INDEX item_label_label ON item_label(label, item)"}}};
+    return {
+        {1,
+         {"CREATE TABLE owner (id INTEGER PRIMARY KEY, name TEXT)",
+          "CREATE TABLE label (id INTEGER PRIMARY KEY, name TEXT, favourite INTEGER REFERENCES "
+          "owner(id))",
+          "CREATE TABLE item (id INTEGER PRIMARY KEY, date REAL, flag INTEGER, owner INTEGER "
+          "REFERENCES owner(id))",
+          "CREATE TABLE part (id INTEGER PRIMARY KEY, number INTEGER, content TEXT,"
+          " item INTEGER REFERENCES item(id))",
+          "CREATE TABLE item_label (item INTEGER NOT NULL REFERENCES item(id),"
+          " label INTEGER NOT NULL REFERENCES label(id), PRIMARY KEY (item, label)) WITHOUT ROWID",
+          "CREATE INDEX label_favourite ON label(favourite)",
+          "CREATE INDEX item_owner ON item(owner, date)",
+          "CREATE INDEX part_item ON part(item, number)",
+          "CREATE INDEX item_label_label ON item_label(label, item)"}}};
 }
 
 } // namespace
@@ -91,30 +96,33 @@ void Item::prepareForDeletion()
 
 ObjectModel testModel()
 {
-    EntityDescription owner{"Owner", "owner", {{"name", AttributeType::Text}}, {}, {}, maker<Owner>()};
-    owner.toManys = {{"items", "Item", "owner", DeleteRule::Cascade}, {"admirers", "Label", "favourite"}};
-    EntityDescription label{"Label", "label", {{"name", AttributeType::Text}}, {}, {}, maker<Label>()};
+    EntityDescription owner{"Owner", "owner", {{"name", AttributeType::Text}},
+                            {},      {},      maker<Owner>()};
+    owner.toManys = {{"items", "Item", "owner", DeleteRule::Cascade},
+                     {"admirers", "Label", "favourite"}};
+    EntityDescription label{"Label", "label", {{"name", AttributeType::Text}},
+                            {},      {},      maker<Label>()};
     label.toOnes = {{"favourite", "Owner", "admirers"}};
-    label.toManys = {{"items", "Item", "labels", DeleteRule::Nullify, "item_label", "label", "item"}};
+    label.toManys = {
+        {"items", "Item", "labels", DeleteRule::Nullify, "item_label", "label", "item"}};
     EntityDescription item{"Item", "item", {}, {{"owner", "Owner", "items"}}, {}, maker<Item>()};
     item.attributes = {{"date", AttributeType::Date}, {"flag", AttributeType::Integer16}};
     item.toManys = {{"parts", "Part", "item", DeleteRule::Cascade},
-                    {"labels", "Label", "items", DeleteRule::Nullify, "item_label", "item", "label"}};
+                    {"labels", "Label", "items", DeleteRule::Nullify, "item_label", "item",
+                     "label"}};
     EntityDescription part{"Part", "part", {}, {{"item", "Item", "parts"}}, {}, maker<Part>()};
     part.attributes = {{"number", AttributeType::Integer16}, {"content", AttributeType::Text}};
     return {{owner, label, item, part}, testMigrations()};
 }
 
-TestStore::TestStore(QByteArray fileSystem)
-    : vfs(std::move(fileSystem))
-{
-}
+TestStore::TestStore(QByteArray fileSystem) : vfs(std::move(fileSystem)) {}
 
 bool TestStore::open()
 {
     container.reset();
     container = std::make_unique<PersistentContainer>(
-        u"Test"_s, testModel(), PersistentContainer::Options{folder.filePath(u"data"_s), &clock, vfs});
+        u"Test"_s, testModel(),
+        PersistentContainer::Options{folder.filePath(u"data"_s), &clock, vfs});
     const Result<void> loaded = container->loadPersistentStores();
     if (!loaded)
         qWarning("%s", qUtf8Printable(loaded.error().description()));
@@ -175,17 +183,21 @@ QByteArray dumpStore(const QString &file)
 {
     QByteArray dump;
     sqlite3 *database = nullptr;
-    if (sqlite3_open_v2(file.toUtf8().constData(), &database, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK)
+    if (sqlite3_open_v2(file.toUtf8().constData(), &database, SQLITE_OPEN_READWRITE, nullptr)
+        != SQLITE_OK)
         return "cannot be opened";
     const auto addRow = [](void *text, int columns, char **values, char **) {
         for (int column = 0; column < columns; ++column)
-            static_cast<QByteArray *>(text)->append(values[column] ? values[column] : "NULL").append('|');
+            static_cast<QByteArray *>(text)
+                ->append(values[column] ? values[column] : "NULL")
+                .append('|');
         static_cast<QByteArray *>(text)->append('\n');
         return 0;
     };
-    for (const char *sql : {"SELECT 'owner', * FROM owner ORDER BY id", "SELECT 'label', * FROM label ORDER BY id",
-                            "SELECT 'item', * FROM item ORDER BY id", "SELECT 'part', * FROM part ORDER BY id",
-                            "SELECT 'link', * FROM item_label ORDER BY 1, 2"})
+    for (const char *sql :
+         {"SELECT 'owner', * FROM owner ORDER BY id", "SELECT 'label', * FROM label ORDER BY id",
+          "SELECT 'item', * FROM item ORDER BY id", "SELECT 'part', * FROM part ORDER BY id",
+          "SELECT 'link', * FROM item_label ORDER BY 1, 2"})
         sqlite3_exec(database, sql, addRow, &dump, nullptr);
     sqlite3_close(database);
     return dump;

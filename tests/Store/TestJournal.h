@@ -137,7 +137,10 @@ public:
     QString name() const { return text(nameProperty); }
     void setName(const QString &name) { setText(nameProperty, name); }
     std::shared_ptr<Owner> favourite() const { return toOne<Owner>(favouriteProperty); }
-    void setFavourite(const std::shared_ptr<ManagedObject> &owner) { setToOne(favouriteProperty, owner); }
+    void setFavourite(const std::shared_ptr<ManagedObject> &owner)
+    {
+        setToOne(favouriteProperty, owner);
+    }
 
 Q_SIGNALS:
     void nameChanged();

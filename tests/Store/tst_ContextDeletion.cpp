@@ -78,7 +78,8 @@ void tst_ContextDeletion::keepsValuesReadable()
     QVERIFY(context().writeDrafts());
     const auto fault = context().fetch<Label>({"Label"})->first();
     QVERIFY(context().deleteObjects({owner, fault}));
-    for (const auto &object : std::initializer_list<std::shared_ptr<ManagedObject>>{owner, item, part, fault}) {
+    for (const auto &object :
+         std::initializer_list<std::shared_ptr<ManagedObject>>{owner, item, part, fault}) {
         QVERIFY(object->isDeleted());
         QVERIFY(!object->managedObjectContext());
         QVERIFY(!context().object(object->objectID()));
@@ -244,11 +245,14 @@ void tst_ContextDeletion::allowsHooksToDeleteOthers()
     }
     QVERIFY(context().deleteObject(owner));
     QCOMPARE(called, 3);
-    for (const auto &object : std::initializer_list<std::shared_ptr<ManagedObject>>{owner, bea, first, second, third})
+    for (const auto &object :
+         std::initializer_list<std::shared_ptr<ManagedObject>>{owner, bea, first, second, third})
         QVERIFY(object->isDeleted());
     endTurn();
     QVERIFY(context().save());
-    QCOMPARE(m_store->storedCount("owner") + m_store->storedCount("item") + m_store->storedCount("part"), 0);
+    QCOMPARE(m_store->storedCount("owner") + m_store->storedCount("item")
+                 + m_store->storedCount("part"),
+             0);
     m_store->undo().undo();
     QCOMPARE(m_store->storedCount("owner"), 2);
     QCOMPARE(m_store->storedCount("item"), 3);
@@ -280,7 +284,9 @@ void tst_ContextDeletion::deletesWhatWasNeverWritten()
     const auto owner = m_store->addOwner(u"Ann"_s, 2);
     QVERIFY(context().deleteObject(owner));
     QVERIFY(context().save());
-    QCOMPARE(m_store->storedCount("owner") + m_store->storedCount("item") + m_store->storedCount("part"), 0);
+    QCOMPARE(m_store->storedCount("owner") + m_store->storedCount("item")
+                 + m_store->storedCount("part"),
+             0);
 }
 
 void tst_ContextDeletion::ignoresWhatIsDeletedAlready()

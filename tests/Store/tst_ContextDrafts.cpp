@@ -172,7 +172,8 @@ void tst_ContextDrafts::leaveWhatWasDeletedElsewhereDeleted()
             [&](const ChangeSet &changes) { told.append(changes); });
     owner->setName(u"Anna"_s);
     other->setName(u"Beate"_s);
-    QTest::ignoreMessage(QtWarningMsg, "An edited record had been deleted elsewhere; it stays deleted.");
+    QTest::ignoreMessage(QtWarningMsg,
+                         "An edited record had been deleted elsewhere; it stays deleted.");
     QVERIFY(context().writeDrafts());
     QVERIFY(owner->isDeleted());
     QCOMPARE(deleted.size(), 1);

@@ -260,7 +260,8 @@ void tst_ContextUndo::dividesTypingIntoWords()
         undo().redo();
         seen.append(owner->name());
     }
-    QCOMPARE(seen, (QStringList{u"ab "_s, u"ab cd"_s, u"ab cde"_s, u"ab cde pasted"_s, u"ab cde pastedx"_s}));
+    QCOMPARE(seen, (QStringList{u"ab "_s, u"ab cd"_s, u"ab cde"_s, u"ab cde pasted"_s,
+                                u"ab cde pastedx"_s}));
 }
 
 void tst_ContextUndo::dividesTypingOnDemand()
@@ -342,8 +343,9 @@ void tst_ContextUndo::showsTheOwnerOfARecordThatComesOrGoes()
     endTurn();
     using Shown = QList<std::pair<ObjectID, int>>;
     Shown shown;
-    connect(&undo(), &UndoManager::willChangeObject, this,
-            [&](ObjectID id, int property) { shown.append({id, property}); });
+    connect(&undo(), &UndoManager::willChangeObject, this, [&](ObjectID id, int property) {
+        shown.append({id, property});
+    });
     const Shown expected{{owner->objectID(), Owner::itemsProperty}, {item->objectID(), -1}};
     undo().undo();
     QCOMPARE(shown, expected);
@@ -360,7 +362,8 @@ void tst_ContextUndo::keepsEditsMadeWhileShowing()
     owner->setName(u"Bea"_s);
     endTurn();
     // As an editor does that ends editing when another record is shown.
-    const auto connection = connect(&undo(), &UndoManager::willChangeObject, this, [&] { item->setFlag(7); });
+    const auto connection = connect(&undo(), &UndoManager::willChangeObject, this,
+                                    [&] { item->setFlag(7); });
     undo().undo();
     disconnect(connection);
     QCOMPARE(owner->name(), u"Ann"_s);
@@ -512,7 +515,9 @@ void tst_ContextUndo::goesBackAndForth()
         states.append(dump());
     };
     ObjectID owner, item, label;
-    const auto object = [&]<typename Object>(ObjectID id, Object *) { return context().object<Object>(id); };
+    const auto object = [&]<typename Object>(ObjectID id, Object *) {
+        return context().object<Object>(id);
+    };
     const auto theOwner = [&] { return object(owner, static_cast<Owner *>(nullptr)); };
     const auto theItem = [&] { return object(item, static_cast<Item *>(nullptr)); };
     const auto theLabel = [&] { return object(label, static_cast<Label *>(nullptr)); };

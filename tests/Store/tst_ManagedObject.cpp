@@ -74,7 +74,9 @@ void tst_ManagedObject::storesTextsAsTheyAre_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("kept");
-    const auto same = [](const char *name, const QString &text) { QTest::newRow(name) << text << text; };
+    const auto same = [](const char *name, const QString &text) {
+        QTest::newRow(name) << text << text;
+    };
     same("plain", u"Ann"_s);
     same("right-to-left", u"שלום"_s);
     same("combining", u"e\u0301"_s);
@@ -84,7 +86,8 @@ void tst_ManagedObject::storesTextsAsTheyAre_data()
     same("quotes", u"it's \"so\"; DROP TABLE owner"_s);
     QTest::newRow("lone high surrogate") << QString(QChar(0xD83D)) + u'x' << u"\uFFFDx"_s;
     QTest::newRow("lone low surrogate") << QString(u"x"_s + QChar(0xDC00)) << u"x\uFFFD"_s;
-    QTest::newRow("surrogates the wrong way round") << QString(QChar(0xDC00)) + QChar(0xD83D) << u"\uFFFD\uFFFD"_s;
+    QTest::newRow("surrogates the wrong way round")
+        << QString(QChar(0xDC00)) + QChar(0xD83D) << u"\uFFFD\uFFFD"_s;
 }
 
 void tst_ManagedObject::storesTextsAsTheyAre()
@@ -259,7 +262,8 @@ void tst_ManagedObject::seesRelationsThatAreNotWritten()
     QCOMPARE(label->relatedIDs(Label::itemsProperty), std::vector{otherID});
     QVERIFY(item->relatedIDs(Item::labelsProperty).empty());
     QCOMPARE(m_store->storedCount("item WHERE owner IS NOT NULL"), 1);
-    QCOMPARE(std::get<qint64>(m_store->stored("SELECT id FROM item WHERE owner IS NOT NULL")), itemID.key);
+    QCOMPARE(std::get<qint64>(m_store->stored("SELECT id FROM item WHERE owner IS NOT NULL")),
+             itemID.key);
 }
 
 void tst_ManagedObject::ignoresAToOneThatLeadsNowhere()
@@ -306,13 +310,16 @@ void tst_ManagedObject::allowsSettersInItsOwnSignals()
         ann->setName(ann->name().toUpper());
         item->setOwner(ann);
     });
-    connect(item.get(), &Item::ownerChanged, this, [&] { QVERIFY(m_store->context().deleteObject(ann)); });
+    connect(item.get(), &Item::ownerChanged, this,
+            [&] { QVERIFY(m_store->context().deleteObject(ann)); });
     ann->setName(u"bea"_s);
     QVERIFY(ann->isDeleted());
     QVERIFY(item->isDeleted());
     QCOMPARE(ann->name(), u"BEA"_s);
     QVERIFY(m_store->context().save());
-    QCOMPARE(m_store->storedCount("owner") + m_store->storedCount("item") + m_store->storedCount("part"), 0);
+    QCOMPARE(m_store->storedCount("owner") + m_store->storedCount("item")
+                 + m_store->storedCount("part"),
+             0);
 }
 
 void tst_ManagedObject::outlivesItsContext()

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void takesOverWhatAnotherContextSaved();
     void keepsUnwrittenEditsInAMerge();
     void letsGoOfCleanObjects();
+    void holdsNothingWhileScrolling();
     void neverGivesAnIdTwice();
 
 private:
@@ -89,7 +90,8 @@ void tst_ManagedObjectContext::insertsInAnyOrderOfEntities()
     part->setItem(item);
     item->setOwner(owner);
     QVERIFY(context().save());
-    QCOMPARE(m_store->storedCount("part JOIN item ON part.item = item.id JOIN owner ON item.owner = owner.id"),
+    QCOMPARE(m_store->storedCount(
+                 "part JOIN item ON part.item = item.id JOIN owner ON item.owner = owner.id"),
              Item::partCount + 1);
 }
 
@@ -216,7 +218,8 @@ void tst_ManagedObjectContext::tellsToOnesOfRecordsNotLoaded()
     QCOMPARE(told.size(), 1);
     const auto &deleted = told.first().deleted;
     QCOMPARE(deleted.size(), size_t(2 + Item::partCount));
-    const auto item = std::find_if(deleted.begin(), deleted.end(), [&](const auto &c) { return c.id == itemID; });
+    const auto item = std::find_if(deleted.begin(), deleted.end(),
+                                   [&](const auto &c) { return c.id == itemID; });
     QVERIFY(item != deleted.end());
     QCOMPARE(item->toOnes.first().oldKey, ownerID.key);
     QCOMPARE(item->toOnes.first().newKey, 0);
@@ -241,7 +244,8 @@ void tst_ManagedObjectContext::allowsEditsWhileTelling()
 void tst_ManagedObjectContext::tellsOfASaveAndOfChanges()
 {
     QList<bool> has;
-    connect(&context(), &ManagedObjectContext::hasChangesChanged, this, [&](bool now) { has.append(now); });
+    connect(&context(), &ManagedObjectContext::hasChangesChanged, this,
+            [&](bool now) { has.append(now); });
     QList<ChangeSet> saves;
     connect(&context(), &ManagedObjectContext::didSave, this, [&](const ChangeSet &saved) {
         QVERIFY(!context().hasChanges());
@@ -290,7 +294,8 @@ void tst_ManagedObjectContext::takesOverWhatAnotherContextSaved()
     QCOMPARE(owner->itemIDs().size(), size_t(2));
 
     QVERIFY(m_store->executeElsewhere("UPDATE owner SET name = 'Bea'"));
-    QVERIFY(m_store->executeElsewhere("INSERT INTO item (id, owner) VALUES (5000, (SELECT id FROM owner))"));
+    QVERIFY(m_store->executeElsewhere(
+        "INSERT INTO item (id, owner) VALUES (5000, (SELECT id FROM owner))"));
     QVERIFY(m_store->executeElsewhere("INSERT INTO item_label SELECT 5000, id FROM label"));
     const QByteArray key = QByteArray::number(item->objectID().key);
     QVERIFY(m_store->executeElsewhere("DELETE FROM part WHERE item = " + key));
@@ -298,10 +303,12 @@ void tst_ManagedObjectContext::takesOverWhatAnotherContextSaved()
 
     ChangeSet saved;
     const qint64 ownerKey = owner->objectID().key;
-    saved.inserted.push_back({{itemEntity, 5000}, allProperties, {{Item::ownerProperty, 0, ownerKey}}});
+    saved.inserted.push_back(
+        {{itemEntity, 5000}, allProperties, {{Item::ownerProperty, 0, ownerKey}}});
     saved.updated.push_back({owner->objectID(), propertyBit(Owner::nameProperty), {}});
     saved.updated.push_back({label->objectID(), propertyBit(Label::itemsProperty), {}});
-    saved.deleted.push_back({item->objectID(), allProperties, {{Item::ownerProperty, ownerKey, 0}}});
+    saved.deleted.push_back(
+        {item->objectID(), allProperties, {{Item::ownerProperty, ownerKey, 0}}});
 
     QSignalSpy name(owner.get(), &Owner::nameChanged);
     QSignalSpy items(owner.get(), &Owner::itemsChanged);
@@ -355,6 +362,25 @@ void tst_ManagedObjectContext::letsGoOfCleanObjects()
     }
     QCOMPARE(liveObjectCount(), before + 1);
     QVERIFY(context().writeDrafts());
+    QCOMPARE(liveObjectCount(), before);
+}
+
+void tst_ManagedObjectContext::holdsNothingWhileScrolling()
+{
+    QVERIFY(m_store->executeElsewhere(
+        "WITH RECURSIVE n(i) AS (VALUES(1) UNION ALL SELECT i + 1 FROM n WHERE i < 100000)"
+        " INSERT INTO owner SELECT i, 'Owner ' || i FROM n"));
+    const int before = liveObjectCount();
+    const auto keys = context().fetchKeys({"Owner"});
+    QCOMPARE(keys->size(), size_t(100'000));
+    constexpr size_t page = 50;
+    for (size_t top = 0; top < keys->size(); top += page) {
+        const auto shown = context().objects(ownerEntity, std::span(*keys).subspan(top, page));
+        QCOMPARE(shown->size(), qsizetype(page));
+        QCOMPARE(std::static_pointer_cast<Owner>(shown->first())->name(),
+                 QString(u"Owner "_s + QString::number(top + 1)));
+        QVERIFY(liveObjectCount() - before <= int(page));
+    }
     QCOMPARE(liveObjectCount(), before);
 }
 

@@ -19,9 +19,13 @@ QString describe(const ChangeSet &changes)
     QStringList lines;
     const auto add = [&](const char *kind, const std::vector<ObjectChange> &list) {
         for (const ObjectChange &entry : list) {
-            QString line = QLatin1String(kind) + QLatin1Char(' ') + QString::number(entry.properties);
+            QString line = QLatin1String(kind) + QLatin1Char(' ')
+                           + QString::number(entry.properties);
             for (const ToOneChange &toOne : entry.toOnes)
-                line += QStringLiteral(" [%1:%2>%3]").arg(toOne.property).arg(toOne.oldKey).arg(toOne.newKey);
+                line += QStringLiteral(" [%1:%2>%3]")
+                            .arg(toOne.property)
+                            .arg(toOne.oldKey)
+                            .arg(toOne.newKey);
             lines.append(line);
         }
     };
@@ -55,32 +59,86 @@ void tst_PendingChanges::tellsEachRecordOnce_data()
     const auto row = [](const char *name, const Notes &notes, const char *told) {
         QTest::newRow(name) << notes << QString::fromLatin1(told);
     };
-    row("nothing", [](PendingChanges &) {}, "");
-    row("updates add up", [](PendingChanges &p) { p.noteUpdated(record, 1); p.noteUpdated(record, 4); }, "updated 5");
-    row("insert and update", [](PendingChanges &p) { p.noteInserted(change(3)); p.noteUpdated(record, 4); },
+    row(
+        "nothing", [](PendingChanges &) {}, "");
+    row(
+        "updates add up",
+        [](PendingChanges &p) {
+            p.noteUpdated(record, 1);
+            p.noteUpdated(record, 4);
+        },
+        "updated 5");
+    row(
+        "insert and update",
+        [](PendingChanges &p) {
+            p.noteInserted(change(3));
+            p.noteUpdated(record, 4);
+        },
         "inserted 7");
-    row("insert and delete", [](PendingChanges &p) { p.noteInserted(change(1)); p.noteDeleted(change(1)); }, "");
-    row("update and delete", [](PendingChanges &p) { p.noteUpdated(record, 1); p.noteDeleted(change(2)); },
+    row(
+        "insert and delete",
+        [](PendingChanges &p) {
+            p.noteInserted(change(1));
+            p.noteDeleted(change(1));
+        },
+        "");
+    row(
+        "update and delete",
+        [](PendingChanges &p) {
+            p.noteUpdated(record, 1);
+            p.noteDeleted(change(2));
+        },
         "deleted 3");
-    row("delete and bring back", [](PendingChanges &p) { p.noteDeleted(change(1)); p.noteInserted(change(1)); },
+    row(
+        "delete and bring back",
+        [](PendingChanges &p) {
+            p.noteDeleted(change(1));
+            p.noteInserted(change(1));
+        },
         "updated 1");
-    row("insert, delete and bring back",
-        [](PendingChanges &p) { p.noteInserted(change(1)); p.noteDeleted(change(1)); p.noteInserted(change(1)); },
+    row(
+        "insert, delete and bring back",
+        [](PendingChanges &p) {
+            p.noteInserted(change(1));
+            p.noteDeleted(change(1));
+            p.noteInserted(change(1));
+        },
         "inserted 1");
-    row("to-one keeps its first old key and its last new one",
-        [](PendingChanges &p) { p.noteToOne(record, {2, 5, 6}); p.noteToOne(record, {2, 6, 8}); },
+    row(
+        "to-one keeps its first old key and its last new one",
+        [](PendingChanges &p) {
+            p.noteToOne(record, {2, 5, 6});
+            p.noteToOne(record, {2, 6, 8});
+        },
         "updated 4 [2:5>8]");
-    row("to-one set back is still an update",
-        [](PendingChanges &p) { p.noteToOne(record, {2, 5, 6}); p.noteToOne(record, {2, 6, 5}); },
+    row(
+        "to-one set back is still an update",
+        [](PendingChanges &p) {
+            p.noteToOne(record, {2, 5, 6});
+            p.noteToOne(record, {2, 6, 5});
+        },
         "updated 4 [2:5>5]");
-    row("inserted record's to-one comes from nothing",
-        [](PendingChanges &p) { p.noteInserted(change(0)); p.noteToOne(record, {2, 0, 6}); p.noteToOne(record, {2, 6, 9}); },
+    row(
+        "inserted record's to-one comes from nothing",
+        [](PendingChanges &p) {
+            p.noteInserted(change(0));
+            p.noteToOne(record, {2, 0, 6});
+            p.noteToOne(record, {2, 6, 9});
+        },
         "inserted 4 [2:0>9]");
-    row("moved and deleted record's to-one leads from its first key to nothing",
-        [](PendingChanges &p) { p.noteToOne(record, {2, 5, 6}); p.noteDeleted(change(4, {{2, 6, 0}})); },
+    row(
+        "moved and deleted record's to-one leads from its first key to nothing",
+        [](PendingChanges &p) {
+            p.noteToOne(record, {2, 5, 6});
+            p.noteDeleted(change(4, {{2, 6, 0}}));
+        },
         "deleted 4 [2:5>0]");
-    row("deleted and brought back elsewhere",
-        [](PendingChanges &p) { p.noteDeleted(change(4, {{2, 5, 0}})); p.noteInserted(change(4, {{2, 0, 9}})); },
+    row(
+        "deleted and brought back elsewhere",
+        [](PendingChanges &p) {
+            p.noteDeleted(change(4, {{2, 5, 0}}));
+            p.noteInserted(change(4, {{2, 0, 9}}));
+        },
         "updated 4 [2:5>9]");
 }
 

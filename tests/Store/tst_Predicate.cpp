@@ -28,8 +28,9 @@ void tst_Predicate::matchesEverythingWithoutACondition()
 
 void tst_Predicate::joinsPredicates()
 {
-    const Predicate both = Predicate::andPredicate({Predicate::fixed(u"counterpart == %@", {ObjectID{0, 1}}), Predicate(),
-                                                    Predicate::fixed(u"flag > %d", {qint64(2)})});
+    const Predicate both = Predicate::andPredicate(
+        {Predicate::fixed(u"counterpart == %@", {ObjectID{0, 1}}), Predicate(),
+         Predicate::fixed(u"flag > %d", {qint64(2)})});
     QCOMPARE(both.describe(), u"counterpart == %@ AND flag > %d"_s);
     const QList<PredicateArgument> expected{ObjectID{0, 1}, qint64(2)};
     QVERIFY(both.arguments() == expected);
@@ -40,7 +41,8 @@ void tst_Predicate::joiningNestsNothing()
 {
     Predicate all;
     for (int i = 0; i < 50; ++i)
-        all = Predicate::andPredicate({all, Predicate::fixed(u"ANY tags == %@", {ObjectID{1, i + 1}})});
+        all = Predicate::andPredicate(
+            {all, Predicate::fixed(u"ANY tags == %@", {ObjectID{1, i + 1}})});
     QCOMPARE(all.describe().count(u"ANY tags == %@"_s), 50);
     QVERIFY(!all.describe().contains(u'('));
     QVERIFY(Predicate::withFormat(all.describe(), all.arguments()));

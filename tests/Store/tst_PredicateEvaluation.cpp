@@ -40,14 +40,18 @@ std::vector<NamedRequest> requests(QRandomGenerator &random, const QueryJournal 
     const Predicate withOther = Predicate::fixed(u"ANY tags == %@", {otherTag});
     const Predicate found = Predicate::fixed(u"ANY notes.contentString CONTAINS[cd] %@", {needle});
     const Predicate lastEntry = Predicate::fixed(
-        u"session.counterpart == %@ AND identifier == %d AND contentString != %@ AND contentString != NULL",
+        u"session.counterpart == %@ AND identifier == %d AND contentString != %@ AND contentString "
+        u"!= NULL",
         {counterpart, identifier, u""_s});
     const Predicate window = Predicate::fixed(
-        u"session.date < %@ AND session.date > %@ AND identifier == %d AND contentString != %@ AND contentString != NULL",
+        u"session.date < %@ AND session.date > %@ AND identifier == %d AND contentString != %@ AND "
+        u"contentString != NULL",
         {end, start, identifier, u""_s});
     const auto sessions = [](QList<Predicate> parts, int limit = 0) {
-        return FetchRequest{.entityName = "Session", .predicate = Predicate::andPredicate(parts),
-                            .sortDescriptors = {newestFirst}, .fetchLimit = limit};
+        return FetchRequest{.entityName = "Session",
+                            .predicate = Predicate::andPredicate(parts),
+                            .sortDescriptors = {newestFirst},
+                            .fetchLimit = limit};
     };
     return {
         {"meetings of a teammate", sessions({ofCounterpart})},
@@ -57,16 +61,33 @@ std::vector<NamedRequest> requests(QRandomGenerator &random, const QueryJournal 
         {"meetings with a tag found", sessions({ofCounterpart, withTag, found})},
         {"most recent meeting", sessions({ofCounterpart}, 1)},
         {"meetings carrying a tag", sessions({withTag})},
-        {"all tags", {.entityName = "Tag", .sortDescriptors = {{"name", false}}, .returnsDistinctResults = true}},
+        {"all tags",
+         {.entityName = "Tag",
+          .sortDescriptors = {{"name", false}},
+          .returnsDistinctResults = true}},
         {"teammates by name", {.entityName = "Counterpart", .sortDescriptors = {{"name", true}}}},
-        {"flagged meetings", {.entityName = "Session", .predicate = Predicate::fixed(u"flag > %d", {qint64(0)})}},
-        {"last entry", {.entityName = "Note", .predicate = lastEntry, .sortDescriptors = {{"session.date", false}}, .fetchLimit = 1}},
-        {"entries", {.entityName = "Note", .predicate = lastEntry, .sortDescriptors = {{"session.date", false}}}},
+        {"flagged meetings",
+         {.entityName = "Session", .predicate = Predicate::fixed(u"flag > %d", {qint64(0)})}},
+        {"last entry",
+         {.entityName = "Note",
+          .predicate = lastEntry,
+          .sortDescriptors = {{"session.date", false}},
+          .fetchLimit = 1}},
+        {"entries",
+         {.entityName = "Note",
+          .predicate = lastEntry,
+          .sortDescriptors = {{"session.date", false}}}},
         {"entries in a window", {.entityName = "Note", .predicate = window}},
-        {"entries in a window by date", {.entityName = "Note", .predicate = window, .sortDescriptors = {{"session.date", true}}}},
-        {"notes of a teammate", {.entityName = "Note", .predicate = Predicate::fixed(u"session.counterpart == %@", {counterpart})}},
-        {"notes of any teammate", {.entityName = "Note", .predicate = Predicate::fixed(u"session.counterpart != NULL", {})}},
-        {"meetings in a range", {.entityName = "Session", .predicate = Predicate::fixed(u"date < %@ AND date > %@", {end, start})}},
+        {"entries in a window by date",
+         {.entityName = "Note", .predicate = window, .sortDescriptors = {{"session.date", true}}}},
+        {"notes of a teammate",
+         {.entityName = "Note",
+          .predicate = Predicate::fixed(u"session.counterpart == %@", {counterpart})}},
+        {"notes of any teammate",
+         {.entityName = "Note", .predicate = Predicate::fixed(u"session.counterpart != NULL", {})}},
+        {"meetings in a range",
+         {.entityName = "Session",
+          .predicate = Predicate::fixed(u"date < %@ AND date > %@", {end, start})}},
     };
 }
 
@@ -105,24 +126,44 @@ private:
     Path path(int entity)
     {
         static const std::vector<Path> paths[] = {
-            {{u"name", text}, {u"lastUpdate", date}, {u"ANY sessions.date", date}, {u"ANY sessions", sessionEntity},
+            {{u"name", text},
+             {u"lastUpdate", date},
+             {u"ANY sessions.date", date},
+             {u"ANY sessions", sessionEntity},
              {u"ANY sessions.flag", integer}},
-            {{u"name", text}, {u"emoji", text}, {u"lastUse", date}, {u"ANY sessions", sessionEntity},
-             {u"ANY sessions.counterpart", counterpartEntity}, {u"ANY sessions.counterpart.name", text}},
-            {{u"date", date}, {u"flag", integer}, {u"counterpart", counterpartEntity}, {u"counterpart.name", text},
-             {u"ANY tags", tagEntity}, {u"ANY tags.name", text}, {u"ANY notes", noteEntity},
-             {u"ANY notes.contentString", text}, {u"ANY notes.identifier", integer},
+            {{u"name", text},
+             {u"emoji", text},
+             {u"lastUse", date},
+             {u"ANY sessions", sessionEntity},
+             {u"ANY sessions.counterpart", counterpartEntity},
+             {u"ANY sessions.counterpart.name", text}},
+            {{u"date", date},
+             {u"flag", integer},
+             {u"counterpart", counterpartEntity},
+             {u"counterpart.name", text},
+             {u"ANY tags", tagEntity},
+             {u"ANY tags.name", text},
+             {u"ANY notes", noteEntity},
+             {u"ANY notes.contentString", text},
+             {u"ANY notes.identifier", integer},
              {u"ANY counterpart.sessions", sessionEntity}},
-            {{u"contentString", text}, {u"identifier", integer}, {u"session", sessionEntity}, {u"session.date", date},
-             {u"session.counterpart", counterpartEntity}, {u"session.counterpart.name", text},
-             {u"ANY session.tags", tagEntity}, {u"ANY session.tags.name", text}, {u"ANY session.notes.identifier", integer}},
+            {{u"contentString", text},
+             {u"identifier", integer},
+             {u"session", sessionEntity},
+             {u"session.date", date},
+             {u"session.counterpart", counterpartEntity},
+             {u"session.counterpart.name", text},
+             {u"ANY session.tags", tagEntity},
+             {u"ANY session.tags.name", text},
+             {u"ANY session.notes.identifier", integer}},
         };
         return paths[entity][size_t(m_random.bounded(int(paths[entity].size())))];
     }
 
     QString comparison(int entity)
     {
-        static const QString orders[] = {u"=="_s, u"!="_s, u"<"_s, u">"_s, u"<="_s, u">="_s, u"CONTAINS[cd]"_s};
+        static const QString orders[] = {u"=="_s, u"!="_s, u"<"_s,           u">"_s,
+                                         u"<="_s, u">="_s, u"CONTAINS[cd]"_s};
         const Path chosen = path(entity);
         const bool isRecord = chosen.kind < date;
         const QString op = orders[m_random.bounded(isRecord ? 2 : (chosen.kind == text ? 7 : 6))];
@@ -137,7 +178,8 @@ private:
             arguments << PredicateArgument(Date{m_random.bounded(8) + 0.25});
             break;
         case text:
-            arguments << PredicateArgument(m_random.bounded(10) == 0 ? QString() : randomText(m_random));
+            arguments << PredicateArgument(m_random.bounded(10) == 0 ? QString()
+                                                                     : randomText(m_random));
             break;
         default:
             arguments << PredicateArgument(randomRecord(m_random, m_journal, chosen.kind));
@@ -208,10 +250,12 @@ void tst_PredicateEvaluation::answersAnyCondition()
         QVERIFY2(predicate, qPrintable(format));
         const auto again = Predicate::withFormat(predicate->describe(), predicate->arguments());
         QVERIFY2(again && again->describe() == predicate->describe(), qPrintable(format));
-        const FetchRequest request{.entityName = journal.model.entity(entity).name, .predicate = *again};
+        const FetchRequest request{.entityName = journal.model.entity(entity).name,
+                                   .predicate = *again};
         const auto keys = journal.fetchKeys(request);
         QVERIFY2(keys, qPrintable(format));
-        const std::vector<qint64> expected = plain.fetchKeys({.entityName = request.entityName, .predicate = *predicate});
+        const std::vector<qint64> expected = plain.fetchKeys(
+            {.entityName = request.entityName, .predicate = *predicate});
         QVERIFY2(*keys == expected, qPrintable(format));
         matches += int(keys->size());
     }

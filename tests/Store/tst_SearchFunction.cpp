@@ -33,9 +33,10 @@ void tst_SearchFunction::initTestCase()
     auto opened = Connection::open(m_folder.filePath(u"texts.sqlite"_s), Connection::Mode::Create);
     QVERIFY(opened);
     m_connection = std::move(*opened);
-    QVERIFY(m_connection->execute("CREATE TABLE t (id INTEGER PRIMARY KEY, text TEXT, needle TEXT);"
-                                  "INSERT INTO t VALUES (1, 'Café', 'CAFE'), (2, 'zebra', 'x'), (3, NULL, 'a'),"
-                                  " (4, '', ''), (5, 'ZEBRA', NULL), (6, 'x', 'X')"));
+    QVERIFY(m_connection->execute(
+        "CREATE TABLE t (id INTEGER PRIMARY KEY, text TEXT, needle TEXT);"
+        "INSERT INTO t VALUES (1, 'Café', 'CAFE'), (2, 'zebra', 'x'), (3, NULL, 'a'),"
+        " (4, '', ''), (5, 'ZEBRA', NULL), (6, 'x', 'X')"));
 }
 
 QList<qint64> tst_SearchFunction::found(const QByteArray &sql, const std::vector<Value> &bindings)
@@ -72,7 +73,8 @@ void tst_SearchFunction::finds_data()
     QTest::newRow("needle in an empty text") << u""_s << u"a"_s << false;
     QTest::newRow("wildcards mean themselves") << u"100 percent"_s << u"1%t"_s << false;
     QTest::newRow("beyond U+0000") << QString(u"a"_s + QChar(0) + u"Zebra"_s) << u"zebra"_s << true;
-    QTest::newRow("U+0000 itself") << QString(u"a"_s + QChar(0) + u"b"_s) << QString(QChar(0) + u"B"_s) << true;
+    QTest::newRow("U+0000 itself")
+        << QString(u"a"_s + QChar(0) + u"b"_s) << QString(QChar(0) + u"B"_s) << true;
     QTest::newRow("emoji") << u"done ✅ today"_s << u"✅ TODAY"_s << true;
     QTest::newRow("a megabyte") << QString(QString(1 << 20, u'é') + u"End"_s) << u"eeEND"_s << true;
 }
@@ -93,7 +95,8 @@ void tst_SearchFunction::findsNothingInNothing()
 
 void tst_SearchFunction::takesEachRowsOwnNeedle()
 {
-    QCOMPARE(found("SELECT id FROM t WHERE text_contains(text, needle) ORDER BY id", {}), (QList<qint64>{1, 4, 6}));
+    QCOMPARE(found("SELECT id FROM t WHERE text_contains(text, needle) ORDER BY id", {}),
+             (QList<qint64>{1, 4, 6}));
 }
 
 void tst_SearchFunction::takesTheNeedleOfEachRun()

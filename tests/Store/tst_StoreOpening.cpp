@@ -32,6 +32,7 @@ private Q_SLOTS:
     void makesWhatIsMissing();
     void makesEverythingForTheUserAlone();
     void tightensWhatWasOpenToOthers();
+    void leavesAFolderThatHoldsMoreOpen_data();
     void leavesAFolderThatHoldsMoreOpen();
     void keepsItsUuidAndContent();
     void recoversWhatAKilledProcessCommitted();
@@ -101,13 +102,25 @@ void tst_StoreOpening::tightensWhatWasOpenToOthers()
     QCOMPARE(permissionsOf(folder.file()), 0600);
 }
 
+void tst_StoreOpening::leavesAFolderThatHoldsMoreOpen_data()
+{
+    QTest::addColumn<QString>("below");
+    QTest::addColumn<int>("mode");
+    QTest::newRow("shared by everybody") << QString() << 01777;
+    QTest::newRow("with other folders in it") << u"other"_s << 0755;
+    QTest::newRow("with a hidden folder in it") << u".other"_s << 0755;
+}
+
 void tst_StoreOpening::leavesAFolderThatHoldsMoreOpen()
 {
+    QFETCH(QString, below);
+    QFETCH(int, mode);
     const StoreFolder folder;
-    QVERIFY(QDir().mkpath(folder.directory));
-    ::chmod(QFile::encodeName(folder.directory).constData(), 01777);
+    QVERIFY(QDir().mkpath(folder.directory + u'/' + below));
+    ::chmod(QFile::encodeName(folder.directory).constData(), mode_t(mode));
     QVERIFY(openIn(folder).has_value());
-    QCOMPARE(permissionsOf(folder.directory), 01777);
+    QCOMPARE(permissionsOf(folder.directory), mode);
+    QCOMPARE(permissionsOf(folder.file()), 0600);
 }
 
 void tst_StoreOpening::keepsItsUuidAndContent()

@@ -38,28 +38,37 @@ void tst_TypingRun::dividesTyping_data()
     QTest::addColumn<Edits>("edits");
     QTest::addColumn<QString>("pieces");
 
-    QTest::newRow("letters of a word") << u""_s << Edits{{u"a"_s}, {u"ab"_s}, {u"abc"_s}} << u"111"_s;
+    QTest::newRow("letters of a word")
+        << u""_s << Edits{{u"a"_s}, {u"ab"_s}, {u"abc"_s}} << u"111"_s;
     QTest::newRow("a new word starts after the blank")
         << u""_s << Edits{{u"a"_s}, {u"a "_s}, {u"a b"_s}, {u"a bc"_s}} << u"1122"_s;
     QTest::newRow("several blanks belong to the word before")
         << u""_s << Edits{{u"a"_s}, {u"a "_s}, {u"a  "_s}, {u"a  b"_s}} << u"1112"_s;
     QTest::newRow("a line break is a piece of its own")
         << u""_s << Edits{{u"a"_s}, {u"a\n"_s}, {u"a\nb"_s}} << u"123"_s;
-    QTest::newRow("a pause") << u""_s << Edits{{u"a"_s}, {u"ab"_s, 0.99}, {u"abc"_s, 1.0}} << u"112"_s;
+    QTest::newRow("a pause") << u""_s << Edits{{u"a"_s}, {u"ab"_s, 0.99}, {u"abc"_s, 1.0}}
+                             << u"112"_s;
     QTest::newRow("pasted text, and typing after it")
         << u""_s << Edits{{u"a"_s}, {u"aXYZ"_s}, {u"aXYZb"_s}, {u"aXYZbc"_s}} << u"1233"_s;
-    QTest::newRow("replaced selection") << u"one two"_s << Edits{{u"one x"_s}, {u"one xy"_s}} << u"12"_s;
-    QTest::newRow("elsewhere in the text") << u"abcd"_s << Edits{{u"abxcd"_s}, {u"abxcdy"_s}} << u"12"_s;
+    QTest::newRow("replaced selection")
+        << u"one two"_s << Edits{{u"one x"_s}, {u"one xy"_s}} << u"12"_s;
+    QTest::newRow("elsewhere in the text")
+        << u"abcd"_s << Edits{{u"abxcd"_s}, {u"abxcdy"_s}} << u"12"_s;
     QTest::newRow("in the middle") << u"abcd"_s << Edits{{u"abxcd"_s}, {u"abxycd"_s}} << u"11"_s;
-    QTest::newRow("equal letters in the middle") << u"aab"_s << Edits{{u"aaab"_s}, {u"aaaab"_s}} << u"11"_s;
+    QTest::newRow("equal letters in the middle")
+        << u"aab"_s << Edits{{u"aaab"_s}, {u"aaaab"_s}} << u"11"_s;
     QTest::newRow("backspace") << u"abcd"_s << Edits{{u"abc"_s}, {u"ab"_s}, {u"a"_s}} << u"111"_s;
-    QTest::newRow("delete forward") << u"abcd"_s << Edits{{u"acd"_s}, {u"ad"_s}, {u"a"_s}} << u"111"_s;
-    QTest::newRow("backspace after typing") << u""_s << Edits{{u"a"_s}, {u"ab"_s}, {u"a"_s}} << u"112"_s;
+    QTest::newRow("delete forward")
+        << u"abcd"_s << Edits{{u"acd"_s}, {u"ad"_s}, {u"a"_s}} << u"111"_s;
+    QTest::newRow("backspace after typing")
+        << u""_s << Edits{{u"a"_s}, {u"ab"_s}, {u"a"_s}} << u"112"_s;
     QTest::newRow("typing after backspace") << u"ab"_s << Edits{{u"a"_s}, {u"ac"_s}} << u"12"_s;
     QTest::newRow("deleted selection") << u"abcdef"_s << Edits{{u"abcf"_s}, {u"abc"_s}} << u"12"_s;
     QTest::newRow("an emoji is one character")
-        << u""_s << Edits{{u"a"_s}, {u"a👩‍👩‍👧"_s}, {u"a👩‍👩‍👧b"_s}} << u"111"_s;
-    QTest::newRow("a combining accent") << u""_s << Edits{{u"e"_s}, {u"e\u0301"_s}, {u"e\u0301t"_s}} << u"111"_s;
+        << u""_s << Edits{{u"a"_s}, {u"a👩‍👩‍👧"_s}, {u"a👩‍👩‍👧b"_s}}
+        << u"111"_s;
+    QTest::newRow("a combining accent")
+        << u""_s << Edits{{u"e"_s}, {u"e\u0301"_s}, {u"e\u0301t"_s}} << u"111"_s;
     QTest::newRow("right-to-left") << u""_s << Edits{{u"ש"_s}, {u"של"_s}, {u"שלו"_s}} << u"111"_s;
 }
 

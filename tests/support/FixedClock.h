@@ -8,10 +8,7 @@ namespace tembra {
 class FixedClock final : public Clock
 {
 public:
-    explicit FixedClock(Date now)
-        : m_now(now)
-    {
-    }
+    explicit FixedClock(Date now) : m_now(now) {}
 
     Date now() const override { return m_now; }
     void setNow(Date now) { m_now = now; }

@@ -41,8 +41,9 @@ void JournalFixture::open()
         [this] {
             return std::make_unique<PersistentContainer>(
                 u"Tembra"_s, makeJournalModel(services),
-                PersistentContainer::Options{
-                    .directory = directory.filePath(u"store"_s), .clock = &clock, .vfs = m_vfs});
+                PersistentContainer::Options{.directory = directory.filePath(u"store"_s),
+                                             .clock = &clock,
+                                             .vfs = m_vfs});
         },
         defaults);
     derivedTexts.follow(m_coreData->viewContext());
@@ -61,7 +62,8 @@ std::shared_ptr<Counterpart> JournalFixture::addCounterpart(const QString &name)
     return counterpart;
 }
 
-std::shared_ptr<Session> JournalFixture::addSession(const std::shared_ptr<Counterpart> &counterpart, Date date) const
+std::shared_ptr<Session> JournalFixture::addSession(const std::shared_ptr<Counterpart> &counterpart,
+                                                    Date date) const
 {
     const auto session = context().insert<Session>();
     session->setCounterpart(counterpart);
@@ -69,21 +71,22 @@ std::shared_ptr<Session> JournalFixture::addSession(const std::shared_ptr<Counte
     return session;
 }
 
-std::shared_ptr<Session> JournalFixture::addSessionDaysAgo(const std::shared_ptr<Counterpart> &counterpart,
-                                                           double days) const
+std::shared_ptr<Session> JournalFixture::addSessionDaysAgo(
+    const std::shared_ptr<Counterpart> &counterpart, double days) const
 {
     return addSession(counterpart, clock.now().adding(-days * secondsPerDay));
 }
 
-std::shared_ptr<Tag> JournalFixture::addTag(const std::shared_ptr<Session> &session, const QString &name,
-                                            const QString &emoji) const
+std::shared_ptr<Tag> JournalFixture::addTag(const std::shared_ptr<Session> &session,
+                                            const QString &name, const QString &emoji) const
 {
     const auto tag = Tag::findOrCreate(context(), name, emoji);
     session->addTag(*tag);
     return tag;
 }
 
-std::shared_ptr<Note> JournalFixture::note(const std::shared_ptr<Session> &session, NoteIdentifier identifier) const
+std::shared_ptr<Note> JournalFixture::note(const std::shared_ptr<Session> &session,
+                                           NoteIdentifier identifier) const
 {
     for (const std::shared_ptr<Note> &note : session->sortedNotes()) {
         if (note->identifier() == qint16(identifier))
@@ -92,7 +95,8 @@ std::shared_ptr<Note> JournalFixture::note(const std::shared_ptr<Session> &sessi
     fatal("Every meeting has a note of every field");
 }
 
-void JournalFixture::write(const std::shared_ptr<Session> &session, NoteIdentifier identifier, const QString &text) const
+void JournalFixture::write(const std::shared_ptr<Session> &session, NoteIdentifier identifier,
+                           const QString &text) const
 {
     note(session, identifier)->setContentString(text);
 }

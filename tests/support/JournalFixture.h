@@ -44,14 +44,18 @@ public:
     void reopen();
 
     std::shared_ptr<Counterpart> addCounterpart(const QString &name) const;
-    std::shared_ptr<Session> addSession(const std::shared_ptr<Counterpart> &counterpart, Date date) const;
+    std::shared_ptr<Session> addSession(const std::shared_ptr<Counterpart> &counterpart,
+                                        Date date) const;
     /// A meeting that many days before now.
-    std::shared_ptr<Session> addSessionDaysAgo(const std::shared_ptr<Counterpart> &counterpart, double days) const;
+    std::shared_ptr<Session> addSessionDaysAgo(const std::shared_ptr<Counterpart> &counterpart,
+                                               double days) const;
     /// Puts a tag on a meeting: the one of this name and emoji, made where there is none.
     std::shared_ptr<Tag> addTag(const std::shared_ptr<Session> &session, const QString &name,
                                 const QString &emoji) const;
-    std::shared_ptr<Note> note(const std::shared_ptr<Session> &session, NoteIdentifier identifier) const;
-    void write(const std::shared_ptr<Session> &session, NoteIdentifier identifier, const QString &text) const;
+    std::shared_ptr<Note> note(const std::shared_ptr<Session> &session,
+                               NoteIdentifier identifier) const;
+    void write(const std::shared_ptr<Session> &session, NoteIdentifier identifier,
+               const QString &text) const;
     /// All teammates as the store has them now, by name.
     QList<std::shared_ptr<Counterpart>> counterparts() const;
     /// Tells now what changed, saves, and forgets the steps that led here: the start of a test.

@@ -42,7 +42,7 @@ void BindablePlaceholderTextField::bind(Binding binding, QObject *object, const 
                                         const BindingOptions &options)
 {
     if (binding == Binding::Text)
-        bindValue(object, keyPath, options);
+        bindText(object, keyPath, options);
     else
         bindPlaceholder(object, keyPath);
 }
@@ -52,8 +52,8 @@ void BindablePlaceholderTextField::bind(Binding binding, QObject *object, const 
     bind(binding, object, keyPath, {});
 }
 
-void BindablePlaceholderTextField::bindValue(QObject *object, const QByteArray &keyPath,
-                                             const BindingOptions &options)
+void BindablePlaceholderTextField::bindText(QObject *object, const QByteArray &keyPath,
+                                            const BindingOptions &options)
 {
     commitEditing();
     if (m_object)

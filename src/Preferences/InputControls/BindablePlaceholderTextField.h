@@ -79,7 +79,7 @@ protected:
     void insertFromMimeData(const QMimeData *source) override;
 
 private:
-    void bindValue(QObject *object, const QByteArray &keyPath, const BindingOptions &options);
+    void bindText(QObject *object, const QByteArray &keyPath, const BindingOptions &options);
     void bindPlaceholder(QObject *object, const QByteArray &keyPath);
     void documentChanged(int position, int removed, int added);
     void textEdited();
