@@ -66,7 +66,7 @@ std::vector<Question> questions(BenchmarkJournal &journal)
          " ORDER BY s.date DESC, s.id",
          {tag.key}},
         {"all tags", JournalQueries::allTags(), "SELECT id FROM tag ORDER BY name DESC, id", {}},
-        {"flagged sessions", JournalQueries::flaggedSessions(), "SELECT id FROM session WHERE flag > 0 ORDER BY id", {}},
+        {"flagged sessions", JournalQueries::flaggedSessions(), "SELECT id FROM session WHERE flag > 0 ORDER BY +id", {}},
         {"last entry of a field", lastEntry,
          "SELECT n.id FROM session s CROSS JOIN note n ON n.session = s.id WHERE s.counterpart = ?"
          " AND n.identifier = 3" + filled + " ORDER BY s.date DESC LIMIT 1",

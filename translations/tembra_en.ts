@@ -276,6 +276,281 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <comment>Button that closes an alert</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Teammates</source>
+        <comment>Title of the list of teammates</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add a teammate</source>
+        <comment>Tooltip and accessible name</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete the selected teammates</source>
+        <comment>Tooltip and accessible name</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No teammates yet</source>
+        <comment>Stands in the empty list of teammates</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add the people you meet one-on-one.</source>
+        <comment>Stands in the empty list of teammates</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add Teammate</source>
+        <comment>Button in the empty list of teammates</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Rename…</source>
+        <comment>Context menu of a teammate</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Delete…</source>
+        <comment>Context menu of a teammate</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::DetailPaneViewController</name>
+    <message>
+        <source>No teammate selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose a teammate in the list, or add one, to see your meetings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No meeting selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose a meeting above to read it and to write.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search notes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add Meeting</source>
+        <comment>Button: adds a meeting with the teammate</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete…</source>
+        <comment>Button: asks, then deletes the selected meeting</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete the selected meeting</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Meetings</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unnamed teammate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search notes for</source>
+        <comment>Followed by a teammate&apos;s name</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Days since last meeting with</source>
+        <comment>Followed by a teammate&apos;s name</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No meetings match “%1”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No note of a meeting with this teammate holds this text.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Clear Search</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No meetings yet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add one to rate it and to take notes.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add Meeting</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Do you really want to delete this session?</source>
+        <comment>Asks before a meeting is deleted</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> will be removed.</source>
+        <comment>Follows directly upon the date of the meeting to be deleted</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <comment>Button that deletes</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <comment>Button that leaves things as they are</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The meeting could not be deleted.</source>
+        <comment>Alert when a deletion fails</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <comment>Button that closes an alert</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::EditCommands</name>
+    <message>
+        <source>&amp;Undo</source>
+        <comment>Edit menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <comment>Edit menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cu&amp;t</source>
+        <comment>Edit menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <comment>Edit menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Paste</source>
+        <comment>Edit menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Select &amp;All</source>
+        <comment>Edit menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::MainWindow</name>
+    <message>
+        <source>&amp;File</source>
+        <comment>Menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New &amp;Teammate</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;New Meeting</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Rename Teammate…</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <comment>Menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete &amp;Meeting…</source>
+        <comment>Edit menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Delete Teammates…</source>
+        <comment>Edit menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Find in Notes</source>
+        <comment>Edit menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Go</source>
+        <comment>Menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Next Note Field</source>
+        <comment>Go menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Previous Note Field</source>
+        <comment>Go menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>To the &amp;Teammates</source>
+        <comment>Go menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>To the &amp;Meetings</source>
+        <comment>Go menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>To the N&amp;otes</source>
+        <comment>Go menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Debug</source>
+        <comment>Menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Stuff Sessions</source>
+        <comment>Debug menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tembra::Note</name>
@@ -300,6 +575,19 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>%1, filled in</source>
         <comment>A note field that holds text, read aloud</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::SaveFailureBanner</name>
+    <message>
+        <source>Changes could not be saved</source>
+        <comment>Shown as long as saving fails</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save again</source>
+        <comment>Button beside &quot;Changes could not be saved&quot;</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -340,6 +628,59 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>Teammate: %1</source>
         <comment>The teammate&apos;s mood</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::SessionDetailViewController</name>
+    <message>
+        <source>&amp;Me</source>
+        <comment>Label of the user&apos;s own mood</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Meet&amp;ing</source>
+        <comment>Label of the quality of a meeting</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Teammate</source>
+        <comment>Label of the teammate&apos;s mood</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>D&amp;ate</source>
+        <comment>Label of a meeting&apos;s date</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Note fields</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What belongs into this field?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Explain this field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Previous</source>
+        <comment>Button: shows the previous note field</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Previous note field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Next</source>
+        <comment>Button: shows the next note field</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Next note field</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -10,9 +10,9 @@ namespace tembra {
 /// What the user asked for when starting the program.
 struct StartOptions
 {
-    QString dataDirectory;        ///< Empty: the usual place.
-    bool sample = false;          ///< Work on a throw-away sample journal.
-    QString screenshotsDirectory; ///< Not empty: leave pictures of the windows there, then quit.
+    QString dataDirectory = {}; ///< Empty: the usual place.
+    bool sample = false; ///< Work on a throw-away sample journal.
+    QString screenshotsDirectory = {}; ///< Not empty: leave pictures of the windows there, then quit.
 };
 
 /// A text to print instead of starting, and the exit status that goes with it.

@@ -86,7 +86,7 @@ int runOn(const DataFolder &folder, const StartOptions &options)
         delegate.applicationDidFinishLaunching([&] {
             if (options.sample)
                 SampleJournal::fill(services.coreData.viewContext(), services.clock,
-                                    QTimeZone(services.region.timeZoneId.toUtf8()));
+                                    QTimeZone::systemTimeZone());
         });
     } catch (const CannotStart &stop) {
         return giveUp(stop.reason);

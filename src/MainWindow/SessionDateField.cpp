@@ -54,8 +54,6 @@ QString displayFormat(const QLocale &locale)
 /// Lets its owner read what is typed without ending the edit.
 class SessionDateTimeEdit final : public QDateTimeEdit
 {
-    Q_OBJECT
-
 public:
     using QDateTimeEdit::QDateTimeEdit;
 
@@ -173,5 +171,3 @@ void SessionDateField::setDateToNow()
 }
 
 } // namespace tembra
-
-#include "SessionDateField.moc"

@@ -26,6 +26,7 @@ class tst_DataFolder : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { QVERIFY(m_temporary.isValid()); }
     void init();
     void theUsualPlacesHaveTheProgramsName();
     void aGivenFolderHoldsEverything();
@@ -40,12 +41,13 @@ private Q_SLOTS:
 private:
     QString path(const QString &name) const { return m_home->filePath(name); }
 
+    QTemporaryDir m_temporary;
     std::unique_ptr<QTemporaryDir> m_home;
 };
 
 void tst_DataFolder::init()
 {
-    m_home = std::make_unique<QTemporaryDir>();
+    m_home = std::make_unique<QTemporaryDir>(m_temporary.filePath(u"XXXXXX"_s));
     QCoreApplication::setApplicationName(u"Tembra"_s);
     QCoreApplication::setOrganizationName({});
     qputenv("XDG_DATA_HOME", path(u"data"_s).toUtf8());

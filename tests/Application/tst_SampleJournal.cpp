@@ -42,12 +42,11 @@ class tst_SampleJournal : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
+    void initTestCase()
     {
         m_journal = std::make_unique<JournalFixture>();
         fill(*m_journal);
     }
-    void cleanup() { m_journal.reset(); }
 
     void hasEightTeammates();
     void meetingsLieInTheLastTwoYears();

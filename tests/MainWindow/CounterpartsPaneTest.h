@@ -11,7 +11,7 @@ class CounterpartsPaneTest : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+protected Q_SLOTS:
     void init() { m_journal = std::make_unique<JournalFixture>(); }
 
     void cleanup()

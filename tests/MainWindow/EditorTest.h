@@ -27,7 +27,7 @@ class EditorTest : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+protected Q_SLOTS:
     void initTestCase()
     {
         qputenv("TZ", "UTC");

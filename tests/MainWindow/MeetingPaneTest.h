@@ -20,7 +20,7 @@ class MeetingPaneTest : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+protected Q_SLOTS:
     void initTestCase() { qputenv("TZ", "UTC"); }
 
     void init()

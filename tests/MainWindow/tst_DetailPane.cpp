@@ -1,6 +1,11 @@
 #include "MeetingPaneTest.h"
 
+#include "Store/PersistentContainer.h"
+
+#include <QRegularExpression>
 #include <QSignalSpy>
+
+#include <sqlite3.h>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
@@ -261,6 +266,20 @@ private Q_SLOTS:
         QCOMPARE(pane()->selectedSession(), launch);
     }
 
+    void aFetchThatFailsLeavesTheStripEmpty()
+    {
+        addSessions(2);
+        showAna();
+        execute("ALTER TABLE note RENAME TO elsewhere");
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Failed to fetch entities: ."_s));
+        QTest::keyClicks(searchField(), u"x"_s);
+        QCOMPARE(strip()->model()->rowCount(), 0);
+        QCOMPARE(pane()->selectedSession(), m_sessions.at(0));
+        execute("ALTER TABLE elsewhere RENAME TO note");
+        searchField()->clear();
+        QCOMPARE(strip()->model()->rowCount(), 2);
+    }
+
     void whatIsTypedComesIntoTheResults()
     {
         addSessions(2);
@@ -274,6 +293,17 @@ private Q_SLOTS:
         QVERIFY(noteField()->hasFocus());
         QCOMPARE(noteField()->text(), u"Brand new"_s);
         QCOMPARE(strip()->selectedRow(), 0);
+    }
+
+private:
+    /// Changes the store behind the program's back.
+    void execute(const char *sql) const
+    {
+        const QByteArray file = m_journal->context().container().storeFile().toUtf8();
+        sqlite3 *database = nullptr;
+        QCOMPARE(sqlite3_open(file.constData(), &database), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(database);
     }
 };
 

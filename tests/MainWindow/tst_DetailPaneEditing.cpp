@@ -2,9 +2,11 @@
 
 #include "Model/DefaultsManager.h"
 #include "Store/UndoManager.h"
+#include "support/FaultVfs.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QPointer>
 #include <QProcess>
 #include <QSignalSpy>
 
@@ -182,6 +184,33 @@ private Q_SLOTS:
         QCOMPARE(daysLabel(), QString());
         QCOMPARE(stateTitle(u"noTilesState"_s), u"No meetings yet"_s);
         QVERIFY(!deleteButton()->isEnabled());
+    }
+
+    void aFailedDeletionSaysSoAndKeepsTheMeeting()
+    {
+        FaultVfs disk;
+        m_ana.reset();
+        m_journal = std::make_unique<JournalFixture>(utc(2026, 11, 20), disk.name());
+        m_ana = m_journal->addCounterpart(u"Ana"_s);
+        addSessions(2);
+        showAna();
+        disk.failAt(1, FaultVfs::Fault::DiskFull, FaultVfs::Lasting::ForGood);
+        QTest::mouseClick(deleteButton(), Qt::LeftButton);
+        const QPointer<Alert> question = m_panes->sheet();
+        QTest::mouseClick(question->buttons().at(0), Qt::LeftButton);
+        QTRY_VERIFY(!question);
+        QVERIFY(m_panes->sheet());
+        QCOMPARE(m_panes->sheetText(u"messageText"_s), u"The meeting could not be deleted."_s);
+        QVERIFY(!m_panes->sheetText(u"informativeText"_s).isEmpty());
+        QTest::mouseClick(m_panes->sheet()->buttons().first(), Qt::LeftButton);
+        QTRY_VERIFY(!m_panes->sheet());
+        QCOMPARE(shown(), m_sessions);
+        QCOMPARE(pane()->selectedSession(), m_sessions.at(0));
+
+        disk.failNothing();
+        confirmDeletion();
+        QCOMPARE(shown(), QList<std::shared_ptr<Session>>{m_sessions.at(1)});
+        cleanup(); // Before the disk goes.
     }
 
     void deletingAMeetingThatIsNotAmongTheTilesSelectsNone()

@@ -5,7 +5,9 @@
 
 #include <QSignalSpy>
 #include <QTest>
-#include <QThread>
+
+#include <atomic>
+#include <thread>
 
 using namespace tembra;
 using namespace tembra::test;
@@ -78,7 +80,7 @@ void tst_BackgroundContext::insertsOnAnotherThread()
     auto context = background();
     QVERIFY(context);
     bool saved = false;
-    const std::unique_ptr<QThread> thread(QThread::create([&] {
+    std::thread thread([&] {
         for (int i = 0; i < 700; ++i) {
             const auto item = context->insert<Item>();
             item->setOwner(context->object(ownerID));
@@ -87,9 +89,8 @@ void tst_BackgroundContext::insertsOnAnotherThread()
         }
         saved = context->save().has_value();
         context.reset();
-    }));
-    thread->start();
-    QVERIFY(thread->wait(60'000));
+    });
+    thread.join();
     QVERIFY(saved);
     QTRY_COMPARE(told.size(), 1);
     QCOMPARE(items.size(), 1);
@@ -249,20 +250,25 @@ void tst_BackgroundContext::letsTheMainContextGoOn()
 void tst_BackgroundContext::waitsForAShortWrite()
 {
     auto context = background();
+    std::atomic<bool> done = false;
     bool saved = false;
     auto other = Connection::open(m_store->container->storeFile(), Connection::Mode::ReadWrite);
-    const std::unique_ptr<QThread> thread(QThread::create([&] {
-        context->insert<Label>();
-        saved = context->save().has_value();
-        context.reset();
-    }));
+    std::thread thread;
+    bool waited = false;
     {
         const auto writing = Transaction::begin(**other, Transaction::Durability::Draft);
         QVERIFY(writing);
-        thread->start();
-        QVERIFY(!thread->wait(100));
+        thread = std::thread([&] {
+            context->insert<Label>();
+            saved = context->save().has_value();
+            context.reset();
+            done = true;
+        });
+        QTest::qSleep(100);
+        waited = !done;
     }
-    QVERIFY(thread->wait(10'000));
+    thread.join();
+    QVERIFY(waited);
     QVERIFY(saved);
 }
 

@@ -1,0 +1,115 @@
+#include "RunningProgram.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+#include <csignal>
+
+using namespace tembra;
+using namespace Qt::StringLiterals;
+
+/// What happens when the program is started while it runs already.
+class tst_SecondStart : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_account = std::make_unique<FreshAccount>(); }
+    void cleanup() { m_account.reset(); }
+
+    void bringsAMinimisedWindowForward();
+    void bringsAnOpenAlertForward();
+    void twoAtOnceBecomeOne();
+    void anotherJournalIsAnotherProgram();
+    void takesNoPicturesOfTheFirst();
+    void tellsOfOneThatHangs();
+
+private:
+    QStringList onJournal() const { return {u"--data-dir"_s, m_account->path(u"journal"_s)}; }
+
+    std::unique_ptr<FreshAccount> m_account;
+};
+
+void tst_SecondStart::bringsAMinimisedWindowForward()
+{
+    RunningProgram first(*m_account, onJournal());
+    QVERIFY(first.waitForWindow());
+    first.minimise();
+    QTRY_VERIFY(!first.isInFront());
+    QVERIFY(QFile::link(m_account->path(u"journal"_s), m_account->path(u"link"_s)));
+
+    RunningProgram second(*m_account, {u"--data-dir"_s, m_account->path(u"link"_s)});
+    QCOMPARE(second.waitForEnd(), 0);
+    QVERIFY(first.waitForWindow());
+    first.sendSignal(SIGTERM);
+    QCOMPARE(first.waitForEnd(), 0);
+}
+
+void tst_SecondStart::bringsAnOpenAlertForward()
+{
+    // A journal that cannot be opened, and nobody has read the alert yet.
+    QDir().mkpath(m_account->path(u"journal/Vum.sqlite"_s));
+    RunningProgram first(*m_account, onJournal());
+    QVERIFY(first.waitForWindow());
+    RunningProgram other(*m_account, {u"--data-dir"_s, m_account->path(u"other"_s)});
+    QVERIFY(other.waitForWindow());
+    QVERIFY(!first.isInFront());
+
+    RunningProgram second(*m_account, onJournal());
+    QCOMPARE(second.waitForEnd(), 0);
+    QVERIFY(first.waitForWindow());
+    RunningProgram::press({u"Return"_s});
+    QCOMPARE(first.waitForEnd(), 1);
+}
+
+void tst_SecondStart::twoAtOnceBecomeOne()
+{
+    RunningProgram first(*m_account, onJournal());
+    QTest::qWait(150);
+    RunningProgram second(*m_account, onJournal());
+    QCOMPARE(second.waitForEnd(), 0);
+    QVERIFY(first.waitForWindow());
+    QCOMPARE(second.errors(), QString());
+}
+
+void tst_SecondStart::anotherJournalIsAnotherProgram()
+{
+    RunningProgram first(*m_account, onJournal());
+    QVERIFY(first.waitForWindow());
+    RunningProgram second(*m_account, {u"--sample"_s});
+    QVERIFY(second.waitForWindow());
+    second.sendSignal(SIGTERM);
+    QCOMPARE(second.waitForEnd(), 0);
+    QTRY_VERIFY(first.isInFront());
+}
+
+void tst_SecondStart::takesNoPicturesOfTheFirst()
+{
+    RunningProgram first(*m_account, onJournal());
+    QVERIFY(first.waitForWindow());
+    RunningProgram second(*m_account, onJournal() + QStringList{u"--screenshots"_s, m_account->path(u"pictures"_s)});
+    QCOMPARE(second.waitForEnd(), 1);
+    QVERIFY2(second.errors().contains(u"Quit it to take pictures."), qPrintable(second.errors()));
+    QVERIFY(!QFile::exists(m_account->path(u"pictures"_s)));
+}
+
+void tst_SecondStart::tellsOfOneThatHangs()
+{
+    RunningProgram first(*m_account, onJournal());
+    QVERIFY(first.waitForWindow());
+    first.sendSignal(SIGSTOP);
+    RunningProgram second(*m_account, onJournal());
+    QVERIFY(second.waitForWindow());
+    RunningProgram::press({u"Return"_s});
+    QCOMPARE(second.waitForEnd(), 1);
+    QVERIFY2(second.errors().contains(u"tembra: Tembra is already running with this journal but does not answer."),
+             qPrintable(second.errors()));
+
+    first.sendSignal(SIGCONT);
+    first.sendSignal(SIGTERM);
+    QCOMPARE(first.waitForEnd(), 0);
+}
+
+QTEST_MAIN(tst_SecondStart)
+#include "tst_SecondStart.moc"

@@ -1,0 +1,153 @@
+#include "Application/DataFolder.h"
+#include "Application/ProgramServices.h"
+#include "RunningProgram.h"
+#include "Store/PersistentContainer.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QTest>
+
+#include <csignal>
+#include <sqlite3.h>
+
+using namespace tembra;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Every file below a folder with its content; folders and links have what they are.
+QMap<QString, QByteArray> snapshot(const QString &directory)
+{
+    QMap<QString, QByteArray> files;
+    QDirIterator iterator(directory, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                          QDirIterator::Subdirectories);
+    while (iterator.hasNext()) {
+        const QFileInfo info(iterator.next());
+        QFile file(info.filePath());
+        if (info.isSymLink())
+            files.insert(info.filePath(), "link to " + info.symLinkTarget().toUtf8());
+        else if (info.isDir())
+            files.insert(info.filePath(), "folder");
+        else if (file.open(QIODevice::ReadOnly))
+            files.insert(info.filePath(), file.readAll());
+    }
+    return files;
+}
+
+void writeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), content.size());
+}
+
+/// A good store at this place, as the program makes one.
+void makeStore(const QString &directory)
+{
+    const auto folder = DataFolder::forOptions({.dataDirectory = directory});
+    ProgramServices services(*folder);
+    services.coreData.viewContext();
+}
+
+void setSchemaVersion(const QString &file, int version)
+{
+    sqlite3 *database = nullptr;
+    QCOMPARE(sqlite3_open(QFile::encodeName(file).constData(), &database), SQLITE_OK);
+    const QByteArray statement = "PRAGMA user_version=" + QByteArray::number(version);
+    QCOMPARE(sqlite3_exec(database, statement.constData(), nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(database);
+}
+
+} // namespace
+
+class tst_StartFaults : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aStoreThatCannotBeOpened_data();
+    void aStoreThatCannotBeOpened();
+    void aSignalEndsTheAlert();
+
+private:
+    static void prepare(const QString &fault, const QString &directory);
+};
+
+void tst_StartFaults::prepare(const QString &fault, const QString &directory)
+{
+    const QString store = directory + u"/Vum.sqlite"_s;
+    QDir().mkpath(directory);
+    if (fault == u"folder") {
+        QDir().mkpath(store);
+    } else if (fault == u"link") {
+        makeStore(directory + u"/elsewhere"_s);
+        QVERIFY(QFile::link(directory + u"/elsewhere/Vum.sqlite"_s, store));
+    } else if (fault == u"dangling link") {
+        QVERIFY(QFile::link(directory + u"/nowhere"_s, store));
+    } else if (fault == u"newer") {
+        makeStore(directory);
+        setSchemaVersion(store, 9999);
+    } else if (fault == u"garbage") {
+        writeFile(store, QByteArray(40'000, 'x'));
+        writeFile(store + u"-wal"_s, "a log that belongs to it");
+        writeFile(store + u"-shm"_s, "and its index");
+    } else if (fault == u"cut short") {
+        makeStore(directory);
+        QVERIFY(QFile::resize(store, 5000));
+    } else if (fault == u"another database") {
+        writeFile(store, {});
+        sqlite3 *database = nullptr;
+        QCOMPARE(sqlite3_open(QFile::encodeName(store).constData(), &database), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(database, "CREATE TABLE recipes(name)", nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(database);
+    } else {
+        // The folder itself is the trouble.
+        QVERIFY(QDir().rmdir(directory));
+        writeFile(directory, "not a folder");
+    }
+}
+
+void tst_StartFaults::aStoreThatCannotBeOpened_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QString>("subfolder");
+    for (const char *fault : {"folder", "link", "dangling link", "newer", "garbage", "cut short", "another database",
+                              "a file in place of the folder"})
+        QTest::newRow(fault) << QString::fromLatin1(fault) << QString();
+    QTest::newRow("a folder that cannot be made") << u"file"_s << u"/below"_s;
+}
+
+void tst_StartFaults::aStoreThatCannotBeOpened()
+{
+    QFETCH(QString, fault);
+    QFETCH(QString, subfolder);
+    const FreshAccount account;
+    const QString directory = account.path(u"journal"_s);
+    prepare(fault, directory);
+    const auto before = snapshot(account.path(QString()));
+
+    RunningProgram program(account, {u"--data-dir"_s, QString(directory + subfolder)});
+    QVERIFY(program.waitForWindow());
+    RunningProgram::press({u"Return"_s});
+    QCOMPARE(program.waitForEnd(), 1);
+    const QString said = program.errors();
+    QVERIFY2(said.contains(u"tembra: Unresolved error "), qPrintable(said));
+    QVERIFY2(said.contains(directory), qPrintable(said));
+    QVERIFY2(said.endsWith(u'\n'), qPrintable(said));
+    QCOMPARE(snapshot(account.path(QString())), before);
+}
+
+void tst_StartFaults::aSignalEndsTheAlert()
+{
+    const FreshAccount account;
+    prepare(u"folder"_s, account.path(u"journal"_s));
+    RunningProgram program(account, {u"--data-dir"_s, account.path(u"journal"_s)});
+    QVERIFY(program.waitForWindow());
+    program.sendSignal(SIGTERM);
+    QCOMPARE(program.waitForEnd(), 1);
+}
+
+QTEST_MAIN(tst_StartFaults)
+#include "tst_StartFaults.moc"
