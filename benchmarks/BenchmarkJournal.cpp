@@ -24,7 +24,8 @@ void copyStore(int sessions, const QString &directory)
 {
     const QString cached = JournalGenerator::cachedDirectory(sessions);
     JournalGenerator::make(cached, sessions);
-    require(QFile::copy(BenchmarkJournal::storeFile(cached), BenchmarkJournal::storeFile(directory)),
+    require(QFile::copy(BenchmarkJournal::storeFile(cached),
+                        BenchmarkJournal::storeFile(directory)),
             "the generated journal can be copied");
 }
 
@@ -44,7 +45,8 @@ void BenchmarkJournal::createEmpty(const QString &directory)
     DefaultsManager defaults(directory + u"/settings.ini"_s, notifications);
     DerivedTexts derivedTexts(clock, calendar, notifications);
     const JournalServices services{clock, calendar, dates, defaults, derivedTexts};
-    PersistentContainer container(storeName, makeJournalModel(services), {.directory = directory, .clock = &clock});
+    PersistentContainer container(storeName, makeJournalModel(services),
+                                  {.directory = directory, .clock = &clock});
     require(container.loadPersistentStores().has_value(), "an empty journal can be made");
 }
 
@@ -63,10 +65,12 @@ BenchmarkJournal::BenchmarkJournal(int sessions)
     copyStore(sessions, directory.path());
     defaults.registerDefaults();
     derivedTexts.follow(coreData.viewContext());
-    require(sqlite3_open(QFile::encodeName(storeFile(directory.path())).constData(), &m_raw) == SQLITE_OK,
+    require(sqlite3_open(QFile::encodeName(storeFile(directory.path())).constData(), &m_raw)
+                == SQLITE_OK,
             "the journal opens by the raw API");
-    sqlite3_exec(m_raw, "PRAGMA synchronous=NORMAL; PRAGMA cache_spill=OFF; PRAGMA temp_store=MEMORY;", nullptr,
-                 nullptr, nullptr);
+    sqlite3_exec(m_raw,
+                 "PRAGMA synchronous=NORMAL; PRAGMA cache_spill=OFF; PRAGMA temp_store=MEMORY;",
+                 nullptr, nullptr, nullptr);
     sqlite3_wal_autocheckpoint(m_raw, 0);
     require(SearchFunction::registerOn(m_raw).has_value(), "the search function can be registered");
 }

@@ -48,10 +48,15 @@ const std::string floorSuffix = ":floor";
 
 void registerWork(const std::string &name, const Work &work)
 {
-    benchmark::RegisterBenchmark(name.c_str(), [work](benchmark::State &state) {
-        for ([[maybe_unused]] auto round : state)
-            work();
-    })->Unit(benchmark::kMillisecond)->UseRealTime()->Repetitions(repetitions)->MinTime(0.05);
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [work](benchmark::State &state) {
+                                     for ([[maybe_unused]] auto round : state)
+                                         work();
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->Repetitions(repetitions)
+        ->MinTime(0.05);
 }
 
 /// Keeps the median of each benchmark's repetitions.
@@ -63,7 +68,8 @@ public:
     void ReportRuns(const std::vector<Run> &runs) override
     {
         for (const Run &run : runs) {
-            if (run.aggregate_name == "median" || (run.repetitions <= 1 && run.aggregate_name.empty()))
+            if (run.aggregate_name == "median"
+                || (run.repetitions <= 1 && run.aggregate_name.empty()))
                 medians[run.run_name.function_name] = run.GetAdjustedRealTime();
         }
     }
@@ -78,14 +84,15 @@ bool print(const Reported &line)
     char floor[32] = "-";
     if (line.floor >= 0)
         std::snprintf(floor, sizeof floor, "%.4g", line.floor);
-    std::printf("%-52s %10.4g %10s %10.4g %-3s %s\n", line.name.c_str(), line.figure, floor, line.allowed,
-                line.unit.c_str(), within ? "within" : "OVER");
+    std::printf("%-52s %10.4g %10s %10.4g %-3s %s\n", line.name.c_str(), line.figure, floor,
+                line.allowed, line.unit.c_str(), within ? "within" : "OVER");
     return within;
 }
 
 } // namespace
 
-void compare(const std::string &name, const Work &work, const Work &floor, double factor, double allowance)
+void compare(const std::string &name, const Work &work, const Work &floor, double factor,
+             double allowance)
 {
     registered().push_back({name, factor, allowance, true});
     registerWork(name + figureSuffix, work);
@@ -98,35 +105,44 @@ void limit(const std::string &name, const Work &work, double limitInMilliseconds
     registerWork(name + figureSuffix, work);
 }
 
-void limitPrepared(const std::string &name, const Work &prepare, const Work &work, double limitInMilliseconds)
+void limitPrepared(const std::string &name, const Work &prepare, const Work &work,
+                   double limitInMilliseconds)
 {
     registered().push_back({name, 0, limitInMilliseconds, false});
-    benchmark::RegisterBenchmark((name + figureSuffix).c_str(), [prepare, work](benchmark::State &state) {
-        for ([[maybe_unused]] auto round : state) {
-            state.PauseTiming();
-            prepare();
-            state.ResumeTiming();
-            work();
-        }
-    })->Unit(benchmark::kMillisecond)->UseRealTime()->Repetitions(repetitions)->Iterations(1);
+    benchmark::RegisterBenchmark((name + figureSuffix).c_str(),
+                                 [prepare, work](benchmark::State &state) {
+                                     for ([[maybe_unused]] auto round : state) {
+                                         state.PauseTiming();
+                                         prepare();
+                                         state.ResumeTiming();
+                                         work();
+                                     }
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->Repetitions(repetitions)
+        ->Iterations(1);
 }
 
 void limitOnce(const std::string &name, const Work &work, double limitInMilliseconds)
 {
     const auto begin = std::chrono::steady_clock::now();
     work();
-    const std::chrono::duration<double, std::milli> elapsed = std::chrono::steady_clock::now() - begin;
+    const std::chrono::duration<double, std::milli> elapsed = std::chrono::steady_clock::now()
+                                                              - begin;
     report(name, elapsed.count(), limitInMilliseconds, "ms");
 }
 
-void report(const std::string &name, double figure, double allowed, const std::string &unit, double floor)
+void report(const std::string &name, double figure, double allowed, const std::string &unit,
+            double floor)
 {
     reported().push_back({name, figure, allowed, unit, floor});
 }
 
 bool isSmoke(int argc, char *argv[])
 {
-    return std::any_of(argv, argv + argc, [](const char *word) { return std::strcmp(word, "--smoke") == 0; });
+    return std::any_of(argv, argv + argc,
+                       [](const char *word) { return std::strcmp(word, "--smoke") == 0; });
 }
 
 int run(int argc, char *argv[])

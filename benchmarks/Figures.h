@@ -10,7 +10,8 @@ using Work = std::function<void()>;
 
 /// Measures @p work beside @p floor, the best that can be done without this program's layers, in
 /// the same run: it may take @p factor times the floor plus @p allowance milliseconds.
-void compare(const std::string &name, const Work &work, const Work &floor, double factor, double allowance);
+void compare(const std::string &name, const Work &work, const Work &floor, double factor,
+             double allowance);
 
 /// Measures @p work against @p limit in milliseconds.
 void limit(const std::string &name, const Work &work, double limit);
@@ -22,7 +23,8 @@ void limitPrepared(const std::string &name, const Work &prepare, const Work &wor
 void limitOnce(const std::string &name, const Work &work, double limit);
 
 /// Adds a figure that was measured elsewhere, in a unit of its own.
-void report(const std::string &name, double figure, double allowed, const std::string &unit, double floor = -1);
+void report(const std::string &name, double figure, double allowed, const std::string &unit,
+            double floor = -1);
 
 /// Runs what was registered and prints each figure beside its floor and what is allowed. Returns
 /// the exit status: 0 when every figure is within, 1 when one is over. With "--smoke" everything

@@ -23,26 +23,26 @@ constexpr int notesPerSession = 9;
 constexpr double day = 86400;
 constexpr double newest = 815'000'000; // some day in 2026
 
-const std::array<const char *, 24> words{
-    "team", "release", "goal", "Kundin", "größer", "naïve", "café", "review", "plan", "budget", "hiring", "customer",
-    "deadline", "почта", "встреча", "東京", "会議", "مشروع", "feedback", "mentor", "on-call", "migration", "🚀", "done"};
+const std::array<const char *, 24> words{"team",    "release",   "goal",     "Kundin",   "größer",
+                                         "naïve",   "café",      "review",   "plan",     "budget",
+                                         "hiring",  "customer",  "deadline", "почта",    "встреча",
+                                         "東京",    "会議",      "مشروع",    "feedback", "mentor",
+                                         "on-call", "migration", "🚀",        "done"};
 
 class Writer
 {
 public:
-    Writer(sqlite3 *database, int sessions)
-        : m_database(database)
-        , m_sessions(sessions)
-    {
-    }
+    Writer(sqlite3 *database, int sessions) : m_database(database), m_sessions(sessions) {}
 
     void write()
     {
         execute("BEGIN");
         for (int i = 1; i <= teammates; ++i)
-            run(prepare("INSERT INTO counterpart (id, name) VALUES (?, ?)"), ++m_key, "Teammate " + std::to_string(i));
+            run(prepare("INSERT INTO counterpart (id, name) VALUES (?, ?)"), ++m_key,
+                "Teammate " + std::to_string(i));
         for (int i = 1; i <= tags; ++i)
-            run(prepare("INSERT INTO tag (id, name, emoji) VALUES (?, ?, '🎯')"), ++m_key, "tag " + std::to_string(i));
+            run(prepare("INSERT INTO tag (id, name, emoji) VALUES (?, ?, '🎯')"), ++m_key,
+                "tag " + std::to_string(i));
         for (int i = 0; i < m_sessions; ++i)
             writeSession(i);
         execute(("UPDATE store_meta SET high_water_mark = " + std::to_string(m_key)).c_str());
@@ -56,14 +56,16 @@ private:
 
     void execute(const char *sql)
     {
-        require(sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr) == SQLITE_OK, sqlite3_errmsg(m_database));
+        require(sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr) == SQLITE_OK,
+                sqlite3_errmsg(m_database));
     }
 
     sqlite3_stmt *prepare(const char *sql)
     {
         sqlite3_stmt *&statement = m_statements[sql];
         if (!statement)
-            require(sqlite3_prepare_v2(m_database, sql, -1, &statement, nullptr) == SQLITE_OK, sqlite3_errmsg(m_database));
+            require(sqlite3_prepare_v2(m_database, sql, -1, &statement, nullptr) == SQLITE_OK,
+                    sqlite3_errmsg(m_database));
         return statement;
     }
 
@@ -83,9 +85,9 @@ private:
 
     void writeSession(int number)
     {
-        sqlite3_stmt *insert = prepare(
-            "INSERT INTO session (id, date, flag, personalSentiment, meetingSentiment, counterpartSentiment, counterpart)"
-            " VALUES (?, ?, 0, ?, ?, ?, ?)");
+        sqlite3_stmt *insert = prepare("INSERT INTO session (id, date, flag, personalSentiment, "
+                                       "meetingSentiment, counterpartSentiment, counterpart)"
+                                       " VALUES (?, ?, 0, ?, ?, ?, ?)");
         const sqlite3_int64 session = ++m_key;
         // The first teammate holds a tenth.
         const int teammate = number % 10 == 0 ? 1 : 2 + below(teammates - 1);
@@ -104,7 +106,8 @@ private:
 
     void writeNote(sqlite3_int64 session, int identifier)
     {
-        sqlite3_stmt *insert = prepare("INSERT INTO note (id, identifier, contentString, session) VALUES (?, ?, ?, ?)");
+        sqlite3_stmt *insert = prepare(
+            "INSERT INTO note (id, identifier, contentString, session) VALUES (?, ?, ?, ?)");
         sqlite3_bind_int64(insert, 1, ++m_key);
         sqlite3_bind_int(insert, 2, identifier);
         sqlite3_bind_int64(insert, 4, session);
@@ -117,7 +120,8 @@ private:
 
     void writeLink(sqlite3_int64 session, int tag)
     {
-        sqlite3_stmt *insert = prepare("INSERT OR IGNORE INTO session_tag (session, tag) VALUES (?, ?)");
+        sqlite3_stmt *insert = prepare(
+            "INSERT OR IGNORE INTO session_tag (session, tag) VALUES (?, ?)");
         sqlite3_bind_int64(insert, 1, session);
         sqlite3_bind_int(insert, 2, tag);
         step(insert);
@@ -130,8 +134,9 @@ private:
         std::string text;
         while (text.size() < 150) {
             const char *word = words.at(size_t(below(int(words.size()))));
-            if (mixed || (static_cast<unsigned char>(word[0]) < 0x80 && std::string_view(word) != "naïve"
-                          && std::string_view(word) != "größer" && std::string_view(word) != "café"))
+            if (mixed
+                || (static_cast<unsigned char>(word[0]) < 0x80 && std::string_view(word) != "naïve"
+                    && std::string_view(word) != "größer" && std::string_view(word) != "café"))
                 text.append(word).append(" ");
         }
         return text;
@@ -148,7 +153,7 @@ private:
 
 QString cachedDirectory(int sessions)
 {
-    return QDir::temp().filePath(u"tembra-benchmark-journals-v1/%1"_s.arg(sessions));
+    return QDir::temp().filePath(u"tembra-benchmark-journals-v2/%1"_s.arg(sessions));
 }
 
 void make(const QString &directory, int sessions)
@@ -161,7 +166,8 @@ void make(const QString &directory, int sessions)
     require(QDir().mkpath(directory), "the folder for benchmark journals can be made");
     BenchmarkJournal::createEmpty(directory);
     sqlite3 *database = nullptr;
-    require(sqlite3_open(QFile::encodeName(file).constData(), &database) == SQLITE_OK, "the new journal opens");
+    require(sqlite3_open(QFile::encodeName(file).constData(), &database) == SQLITE_OK,
+            "the new journal opens");
     Writer(database, sessions).write();
     sqlite3_close(database);
     QFile mark(finished);

@@ -24,7 +24,10 @@ constexpr double editAllowance = 0.02;
 class Typist
 {
 public:
-    QString next() { return u"What was typed, and a number to make it another text: %1"_s.arg(++m_count); }
+    QString next()
+    {
+        return u"What was typed, and a number to make it another text: %1"_s.arg(++m_count);
+    }
 
 private:
     int m_count = 0;
@@ -39,8 +42,10 @@ public:
         , m_note(note)
         , m_durable(durable)
     {
-        require(sqlite3_prepare_v2(database, "UPDATE note SET contentString = ? WHERE id = ?", -1, &m_update, nullptr)
-                    == SQLITE_OK, sqlite3_errmsg(database));
+        require(sqlite3_prepare_v2(database, "UPDATE note SET contentString = ? WHERE id = ?", -1,
+                                   &m_update, nullptr)
+                    == SQLITE_OK,
+                sqlite3_errmsg(database));
     }
     ~RawEdit() { sqlite3_finalize(m_update); }
     RawEdit(const RawEdit &) = delete;
@@ -63,7 +68,8 @@ public:
 private:
     void execute(const char *sql)
     {
-        require(sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr) == SQLITE_OK, sqlite3_errmsg(m_database));
+        require(sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr) == SQLITE_OK,
+                sqlite3_errmsg(m_database));
     }
 
     sqlite3 *m_database;
@@ -74,7 +80,8 @@ private:
 
 std::shared_ptr<Note> someNote(BenchmarkJournal &journal)
 {
-    const auto session = journal.context().fetch<Session>(JournalQueries::mostRecentSession(journal.largestTeammate()));
+    const auto session = journal.context().fetch<Session>(
+        JournalQueries::mostRecentSession(journal.largestTeammate()));
     return session->first()->sortedNotes().first();
 }
 
@@ -115,9 +122,11 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     std::vector<std::unique_ptr<BenchmarkJournal>> journals;
-    const std::vector<std::pair<int, std::string>> sizes = figures::isSmoke(argc, argv)
-        ? std::vector<std::pair<int, std::string>>{{1'000, "1k"}}
-        : std::vector<std::pair<int, std::string>>{{1'000, "1k"}, {10'000, "10k"}, {100'000, "100k"}};
+    const std::vector<std::pair<int, std::string>> sizes =
+        figures::isSmoke(argc, argv) ? std::vector<std::pair<int, std::string>>{{1'000, "1k"}}
+                                     : std::vector<std::pair<int, std::string>>{{1'000, "1k"},
+                                                                                {10'000, "10k"},
+                                                                                {100'000, "100k"}};
     for (const auto &[sessions, size] : sizes) {
         journals.push_back(std::make_unique<BenchmarkJournal>(sessions));
         addEditing(*journals.back(), size);

@@ -44,51 +44,78 @@ std::vector<Question> questions(BenchmarkJournal &journal)
     FetchRequest lastEntry = JournalQueries::filledNotes(teammate, 3);
     lastEntry.fetchLimit = 1;
     return {
-        {"sessions of a teammate", JournalQueries::sessions(teammate),
-         "SELECT id FROM session WHERE counterpart = ? ORDER BY date DESC, id", {key}},
-        {"sessions with two tags", JournalQueries::sessions(teammate, {tag, otherTag}),
-         "SELECT s.id FROM session_tag j CROSS JOIN session_tag k ON k.session = j.session AND k.tag = ?3"
+        {"sessions of a teammate",
+         JournalQueries::sessions(teammate),
+         "SELECT id FROM session WHERE counterpart = ? ORDER BY date DESC, id",
+         {key}},
+        {"sessions with two tags",
+         JournalQueries::sessions(teammate, {tag, otherTag}),
+         "SELECT s.id FROM session_tag j CROSS JOIN session_tag k ON k.session = j.session AND "
+         "k.tag = ?3"
          " CROSS JOIN session s ON s.id = j.session WHERE j.tag = ?2 AND +s.counterpart = ?1"
          " ORDER BY s.date DESC, s.id",
          {key, tag.key, otherTag.key}},
-        {"note search, rare word", JournalQueries::sessions(teammate, {}, u"zebra"_s),
-         "SELECT s.id FROM session s WHERE s.counterpart = ? AND EXISTS (SELECT 1 FROM note n WHERE n.session = s.id"
+        {"note search, rare word",
+         JournalQueries::sessions(teammate, {}, u"zebra"_s),
+         "SELECT s.id FROM session s WHERE s.counterpart = ? AND EXISTS (SELECT 1 FROM note n "
+         "WHERE n.session = s.id"
          " AND text_contains(n.contentString, ?)) ORDER BY s.date DESC, s.id",
          {key, std::string("zebra")}},
-        {"note search, common word", JournalQueries::sessions(teammate, {}, u"CAFE"_s),
-         "SELECT s.id FROM session s WHERE s.counterpart = ? AND EXISTS (SELECT 1 FROM note n WHERE n.session = s.id"
+        {"note search, common word",
+         JournalQueries::sessions(teammate, {}, u"CAFE"_s),
+         "SELECT s.id FROM session s WHERE s.counterpart = ? AND EXISTS (SELECT 1 FROM note n "
+         "WHERE n.session = s.id"
          " AND text_contains(n.contentString, ?)) ORDER BY s.date DESC, s.id",
          {key, std::string("CAFE")}},
-        {"most recent session", JournalQueries::mostRecentSession(teammate),
-         "SELECT id FROM session WHERE counterpart = ? ORDER BY date DESC LIMIT 1", {key}},
-        {"sessions carrying a tag", JournalQueries::sessionsCarrying(tag),
+        {"most recent session",
+         JournalQueries::mostRecentSession(teammate),
+         "SELECT id FROM session WHERE counterpart = ? ORDER BY date DESC LIMIT 1",
+         {key}},
+        {"sessions carrying a tag",
+         JournalQueries::sessionsCarrying(tag),
          "SELECT s.id FROM session_tag j CROSS JOIN session s ON s.id = j.session WHERE j.tag = ?"
          " ORDER BY s.date DESC, s.id",
          {tag.key}},
         {"all tags", JournalQueries::allTags(), "SELECT id FROM tag ORDER BY name DESC, id", {}},
-        {"flagged sessions", JournalQueries::flaggedSessions(), "SELECT id FROM session WHERE flag > 0 ORDER BY +id", {}},
-        {"last entry of a field", lastEntry,
-         "SELECT n.id FROM session s CROSS JOIN note n ON n.session = s.id WHERE s.counterpart = ?"
-         " AND n.identifier = 3" + filled + " ORDER BY s.date DESC LIMIT 1",
-         {key}},
-        {"entries in a window", JournalQueries::filledNotesBetween(start, end, 3),
-         "SELECT n.id FROM session s CROSS JOIN note n ON n.session = s.id WHERE s.date < ? AND s.date > ?"
-         " AND n.identifier = 3" + filled + " ORDER BY n.id",
-         {to, from}},
-        {"notes of one teammate", JournalQueries::notes(teammate),
-         "SELECT n.id FROM session s CROSS JOIN note n ON n.session = s.id WHERE s.counterpart = ? ORDER BY n.id", {key}},
-        {"notes of any teammate", JournalQueries::notesOfAnyCounterpart(),
-         "SELECT n.id FROM note n CROSS JOIN session s ON s.id = n.session WHERE s.counterpart IS NOT NULL ORDER BY n.id",
+        {"flagged sessions",
+         JournalQueries::flaggedSessions(),
+         "SELECT id FROM session WHERE flag > 0 ORDER BY +id",
          {}},
-        {"sessions in a range", JournalQueries::sessionsBetween(start, end),
-         "SELECT id FROM session WHERE date < ? AND date > ? ORDER BY id", {to, from}},
+        {"last entry of a field",
+         lastEntry,
+         "SELECT n.id FROM session s CROSS JOIN note n ON n.session = s.id WHERE s.counterpart = ?"
+         " AND n.identifier = 3"
+             + filled + " ORDER BY s.date DESC LIMIT 1",
+         {key}},
+        {"entries in a window",
+         JournalQueries::filledNotesBetween(start, end, 3),
+         "SELECT n.id FROM session s CROSS JOIN note n ON n.session = s.id WHERE s.date < ? AND "
+         "s.date > ?"
+         " AND n.identifier = 3"
+             + filled + " ORDER BY n.id",
+         {to, from}},
+        {"notes of one teammate",
+         JournalQueries::notes(teammate),
+         "SELECT n.id FROM session s CROSS JOIN note n ON n.session = s.id WHERE s.counterpart = ? "
+         "ORDER BY n.id",
+         {key}},
+        {"notes of any teammate",
+         JournalQueries::notesOfAnyCounterpart(),
+         "SELECT n.id FROM note n CROSS JOIN session s ON s.id = n.session WHERE s.counterpart IS "
+         "NOT NULL ORDER BY n.id",
+         {}},
+        {"sessions in a range",
+         JournalQueries::sessionsBetween(start, end),
+         "SELECT id FROM session WHERE date < ? AND date > ? ORDER BY id",
+         {to, from}},
     };
 }
 
 void addQueries(BenchmarkJournal &journal, const std::string &size)
 {
     for (const Question &question : questions(journal)) {
-        const auto raw = std::make_shared<RawQuery>(journal.raw(), question.sql, question.arguments);
+        const auto raw = std::make_shared<RawQuery>(journal.raw(), question.sql,
+                                                    question.arguments);
         const auto answer = journal.context().fetchKeys(question.request);
         require(answer.has_value(), "the query is answered");
         const auto &expected = raw->keys();
@@ -114,7 +141,8 @@ void readTeammateList(BenchmarkJournal &journal)
     std::sort(order.begin(), order.end());
     qsizetype length = 0;
     for (const auto &[days, teammate] : order)
-        length += teammate->recentSessionSummary().size() + teammate->recentSessionTagSummary().size();
+        length += teammate->recentSessionSummary().size()
+                  + teammate->recentSessionTagSummary().size();
     require(length > 0, "the texts are there");
 }
 
@@ -124,14 +152,17 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     std::vector<std::unique_ptr<BenchmarkJournal>> journals;
-    const std::vector<std::pair<int, std::string>> sizes = figures::isSmoke(argc, argv)
-        ? std::vector<std::pair<int, std::string>>{{1'000, "1k"}}
-        : std::vector<std::pair<int, std::string>>{{1'000, "1k"}, {10'000, "10k"}, {100'000, "100k"}};
+    const std::vector<std::pair<int, std::string>> sizes =
+        figures::isSmoke(argc, argv) ? std::vector<std::pair<int, std::string>>{{1'000, "1k"}}
+                                     : std::vector<std::pair<int, std::string>>{{1'000, "1k"},
+                                                                                {10'000, "10k"},
+                                                                                {100'000, "100k"}};
     for (const auto &[sessions, size] : sizes) {
         journals.push_back(std::make_unique<BenchmarkJournal>(sessions));
         addQueries(*journals.back(), size);
-        figures::limit("list of 40 teammates with texts, " + size,
-                       [journal = journals.back().get()] { readTeammateList(*journal); }, listLimit);
+        figures::limit(
+            "list of 40 teammates with texts, " + size,
+            [journal = journals.back().get()] { readTeammateList(*journal); }, listLimit);
     }
     return figures::run(argc, argv);
 }

@@ -41,16 +41,14 @@ constexpr int roundsOfAMeasurement = 9;
 class PaintWatch : public QObject
 {
 public:
-    explicit PaintWatch(std::function<void()> painted)
-        : m_painted(std::move(painted))
-    {
-    }
+    explicit PaintWatch(std::function<void()> painted) : m_painted(std::move(painted)) {}
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
         if (event->type() == QEvent::Paint && m_painted) {
             // The paint itself comes after this filter; the next turn of the loop has it behind it.
-            QMetaObject::invokeMethod(qApp, std::exchange(m_painted, nullptr), Qt::QueuedConnection);
+            QMetaObject::invokeMethod(qApp, std::exchange(m_painted, nullptr),
+                                      Qt::QueuedConnection);
         }
         return QObject::eventFilter(watched, event);
     }
@@ -113,7 +111,8 @@ int measuredProgram(QApplication &application, const QString &directory, bool sc
         say("painted");
         if (scrolls) {
             ManagedObjectContext &context = services.coreData.viewContext();
-            const auto teammates = context.fetch<Counterpart>(JournalQueries::counterparts()).value();
+            const auto teammates = context.fetch<Counterpart>(JournalQueries::counterparts())
+                                       .value();
             for (const auto &teammate : teammates) {
                 delegate.window()->detailPaneViewController().setSelectedCounterpart(teammate);
                 scrollEverywhere(*delegate.window());
@@ -130,7 +129,7 @@ int measuredProgram(QApplication &application, const QString &directory, bool sc
 struct Measurement
 {
     double milliseconds; ///< From starting the process to its first paint.
-    double megabytes;    ///< Resident at the end.
+    double megabytes; ///< Resident at the end.
 };
 
 Measurement measureOnce(const QStringList &arguments)
@@ -144,7 +143,8 @@ Measurement measureOnce(const QStringList &arguments)
     const double milliseconds = double(timer.nsecsElapsed()) / 1e6;
     require(process.waitForFinished(300'000), "the measured process ends");
     const QList<QByteArray> lines = process.readAll().split('\n');
-    require(lines.size() > 1 && lines.first() == "painted", "the measured process tells its memory");
+    require(lines.size() > 1 && lines.first() == "painted",
+            "the measured process tells its memory");
     return {milliseconds, lines.at(1).toDouble()};
 }
 
@@ -162,7 +162,8 @@ public:
     {
         const QString cached = JournalGenerator::cachedDirectory(sessions);
         JournalGenerator::make(cached, sessions);
-        require(QFile::copy(BenchmarkJournal::storeFile(cached), BenchmarkJournal::storeFile(m_directory.path())),
+        require(QFile::copy(BenchmarkJournal::storeFile(cached),
+                            BenchmarkJournal::storeFile(m_directory.path())),
                 "the generated journal can be copied");
     }
     QString path() const { return m_directory.path(); }
@@ -184,16 +185,18 @@ void reportStart(int rounds, const Folder &small, const Folder &large)
     }
     const double floor = medianOf(empty);
     figures::report("start to first paint, 1k", medianOf(with1k), startFactor * floor, "ms", floor);
-    figures::report("start to first paint, 100k", medianOf(with100k), startFactor * floor, "ms", floor);
-    figures::report("start at 100k beside its own at 1k", medianOf(with100k), growthFactor * medianOf(with1k), "ms",
-                    medianOf(with1k));
+    figures::report("start to first paint, 100k", medianOf(with100k), startFactor * floor, "ms",
+                    floor);
+    figures::report("start at 100k beside its own at 1k", medianOf(with100k),
+                    growthFactor * medianOf(with1k), "ms", medianOf(with1k));
 }
 
 void reportMemory(const Folder &large)
 {
     const double empty = measureOnce({u"--measure-empty"_s}).megabytes;
     const double scrolled = measureOnce({u"--measure-memory"_s, large.path()}).megabytes;
-    figures::report("memory above an empty window, all scrolled", scrolled - empty, memoryLimit, "MB", 0);
+    figures::report("memory above an empty window, all scrolled", scrolled - empty, memoryLimit,
+                    "MB", 0);
 }
 
 } // namespace

@@ -64,7 +64,8 @@ public:
 
     void selectNextSession()
     {
-        const auto keys = m_journal.context().fetchKeys(JournalQueries::sessions(m_largest->objectID())).value();
+        const auto keys =
+            m_journal.context().fetchKeys(JournalQueries::sessions(m_largest->objectID())).value();
         m_next = (m_next + 997) % keys.size();
         const int entity = pane().selectedSession()->objectID().entity;
         pane().setSelectedSession(m_journal.context().object<Session>({entity, keys[m_next]}));
@@ -79,7 +80,8 @@ public:
 
     void deleteSession()
     {
-        require(m_journal.context().deleteObject(pane().selectedSession()).has_value(), "the meeting is deleted");
+        require(m_journal.context().deleteObject(pane().selectedSession()).has_value(),
+                "the meeting is deleted");
         paintAll(m_window);
     }
 
@@ -126,21 +128,30 @@ private:
     qsizetype m_length = 0;
 };
 
-void addFigures(const std::shared_ptr<WindowBench> &bench, const std::shared_ptr<WindowBench> &spare)
+void addFigures(const std::shared_ptr<WindowBench> &bench,
+                const std::shared_ptr<WindowBench> &spare)
 {
-    figures::limitPrepared("select a teammate of 10,000 meetings, painted", [bench] { bench->showAnother(); },
-                           [bench] { bench->showLargest(); }, paintLimit);
-    figures::limit("select a meeting, painted", [bench] { bench->selectNextSession(); }, paintLimit);
-    figures::limit("add a meeting, painted", [bench] { bench->addSession(); }, paintLimit);
-    figures::limit("delete a meeting, painted", [bench] { bench->deleteSession(); }, paintLimit);
+    figures::limitPrepared(
+        "select a teammate of 10,000 meetings, painted", [bench] { bench->showAnother(); },
+        [bench] { bench->showLargest(); }, paintLimit);
+    figures::limit(
+        "select a meeting, painted", [bench] { bench->selectNextSession(); }, paintLimit);
+    figures::limit(
+        "add a meeting, painted", [bench] { bench->addSession(); }, paintLimit);
+    figures::limit(
+        "delete a meeting, painted", [bench] { bench->deleteSession(); }, paintLimit);
 
     const auto typing = std::make_shared<SearchTyping>();
-    figures::limit("note search, a key, painted", [bench, typing] { bench->search(typing->next()); }, paintLimit);
+    figures::limit(
+        "note search, a key, painted", [bench, typing] { bench->search(typing->next()); },
+        paintLimit);
     const auto scan = std::make_shared<RawQuery>(
         bench->journal().raw(),
-        "SELECT DISTINCT s.id FROM session s CROSS JOIN note n ON n.session = s.id WHERE s.counterpart = ?"
+        "SELECT DISTINCT s.id FROM session s CROSS JOIN note n ON n.session = s.id WHERE "
+        "s.counterpart = ?"
         " AND text_contains(n.contentString, ?)",
-        std::vector<RawQuery::Argument>{bench->journal().largestTeammate().key, std::string("zebra")});
+        std::vector<RawQuery::Argument>{bench->journal().largestTeammate().key,
+                                        std::string("zebra")});
     figures::compare(
         "note search beside a hand-written scan",
         [bench] {
@@ -148,11 +159,13 @@ void addFigures(const std::shared_ptr<WindowBench> &bench, const std::shared_ptr
                 JournalQueries::sessions(bench->journal().largestTeammate(), {}, u"zebra"_s));
         },
         [scan] { (void)scan->keys(); }, searchFactor, 0);
-    figures::limitPrepared("5,000 generated meetings", [bench] { bench->search(QString()); },
-                           [bench] { bench->stuffSessions(); }, stuffLimit);
+    figures::limitPrepared(
+        "5,000 generated meetings", [bench] { bench->search(QString()); },
+        [bench] { bench->stuffSessions(); }, stuffLimit);
 
-    figures::limitOnce("delete a teammate of 10,000 meetings", [spare] { spare->deleteLargest(); },
-                       deleteTeammateLimit);
+    figures::limitOnce(
+        "delete a teammate of 10,000 meetings", [spare] { spare->deleteLargest(); },
+        deleteTeammateLimit);
 }
 
 } // namespace

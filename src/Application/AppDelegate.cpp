@@ -21,8 +21,9 @@ namespace {
 
 QString savingErrorAdvice(const Error &error)
 {
-    return AppDelegate::tr("%1\n\nYour changes are still in this window. Tembra tries again with every save.",
-                           "What an alert about a failed save says; %1 is the reason")
+    return AppDelegate::tr(
+               "%1\n\nYour changes are still in this window. Tembra tries again with every save.",
+               "What an alert about a failed save says; %1 is the reason")
         .arg(error.message);
 }
 
@@ -53,8 +54,9 @@ void AppDelegate::applicationDidFinishLaunching(const std::function<void()> &pre
         prepareStore();
     m_services.defaults.registerDefaults();
 
-    m_window = std::make_unique<MainWindow>(m_services.coreData, m_services.journal, m_services.notifications,
-                                            m_windowStateFile, [this] { terminate(); });
+    m_window = std::make_unique<MainWindow>(m_services.coreData, m_services.journal,
+                                            m_services.notifications, m_windowStateFile,
+                                            [this] { terminate(); });
     m_window->show();
 }
 
@@ -95,7 +97,8 @@ bool AppDelegate::presentError(const Error &error)
 
 bool AppDelegate::showSavingError(const Error &error)
 {
-    Alert::runModal({.messageText = tr("Your changes could not be saved.", "Alert when saving fails"),
+    Alert::runModal({.messageText = tr("Your changes could not be saved.",
+                                       "Alert when saving fails"),
                      .informativeText = savingErrorAdvice(error),
                      .buttons = {tr("OK", "Closes the alert about a failed save")},
                      .style = AlertContents::Style::Critical},
@@ -108,9 +111,11 @@ bool AppDelegate::askQuitAnyway()
     const AlertContents question{
         .messageText = tr("Could not save changes while quitting. Quit anyway?",
                           "Quit without saves error question message"),
-        .informativeText = tr("Quitting now will lose any changes you have made since the last successful save",
-                              "Quit without saves error question info"),
-        .buttons = {tr("Quit anyway", "Quit anyway button title"), tr("Cancel", "Cancel button title")},
+        .informativeText = tr(
+            "Quitting now will lose any changes you have made since the last successful save",
+            "Quit without saves error question info"),
+        .buttons = {tr("Quit anyway", "Quit anyway button title"),
+                    tr("Cancel", "Cancel button title")},
         .firstButtonDestroys = true,
     };
     return Alert::runModal(question, m_window.get()) == 0;
@@ -134,7 +139,8 @@ bool AppDelegate::prepareForLogout(bool mayAsk)
     }
     m_services.coreData.commitEditing();
     if (const auto saved = m_services.coreData.saveChanges(); !saved)
-        qCWarning(applicationLog, "Could not save at log-out: %s", qUtf8Printable(saved.error().description()));
+        qCWarning(applicationLog, "Could not save at log-out: %s",
+                  qUtf8Printable(saved.error().description()));
     return true;
 }
 

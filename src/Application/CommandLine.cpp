@@ -15,10 +15,14 @@ constexpr int usageError = 2;
 
 struct Options
 {
-    QCommandLineOption dataDir{u"data-dir"_s, u"Keep the journal, the settings and the window state in DIR."_s,
+    QCommandLineOption dataDir{u"data-dir"_s,
+                               u"Keep the journal, the settings and the window state in DIR."_s,
                                u"DIR"_s};
-    QCommandLineOption sample{u"sample"_s, u"Start with a sample journal that is thrown away at the end."_s};
-    QCommandLineOption screenshots{u"screenshots"_s, u"Leave a picture of each window in DIR, then quit."_s, u"DIR"_s};
+    QCommandLineOption sample{u"sample"_s,
+                              u"Start with a sample journal that is thrown away at the end."_s};
+    QCommandLineOption screenshots{u"screenshots"_s,
+                                   u"Leave a picture of each window in DIR, then quit."_s,
+                                   u"DIR"_s};
     QCommandLineOption help{{u"h"_s, u"help"_s}, u"Show this help."_s};
     QCommandLineOption version{{u"v"_s, u"version"_s}, u"Show the version."_s};
 };
@@ -27,10 +31,10 @@ struct Options
 QList<QCommandLineOption> optionsOfTheToolkit()
 {
     QList<QCommandLineOption> options;
-    for (const QString &name : {u"display"_s, u"geometry"_s, u"icon"_s, u"name"_s, u"platform"_s,
-                                u"platformpluginpath"_s, u"platformtheme"_s, u"plugin"_s, u"qwindowgeometry"_s,
-                                u"qwindowicon"_s, u"qwindowtitle"_s, u"session"_s, u"style"_s, u"stylesheet"_s,
-                                u"title"_s})
+    for (const QString &name :
+         {u"display"_s, u"geometry"_s, u"icon"_s, u"name"_s, u"platform"_s, u"platformpluginpath"_s,
+          u"platformtheme"_s, u"plugin"_s, u"qwindowgeometry"_s, u"qwindowicon"_s,
+          u"qwindowtitle"_s, u"session"_s, u"style"_s, u"stylesheet"_s, u"title"_s})
         options.append(QCommandLineOption(name, QString(), u"VALUE"_s));
     for (const QString &name : {u"dograb"_s, u"nograb"_s, u"reverse"_s, u"widgetcount"_s})
         options.append(QCommandLineOption(name));
@@ -48,8 +52,7 @@ QString usage()
            "                     your own journal is not touched\n"
            "  --screenshots DIR  leave a picture of each window in DIR, then quit\n"
            "  -h, --help         show this help\n"
-           "  -v, --version      show the version\n"_s
-        .arg(DataFolder::usualJournalDirectory());
+           "  -v, --version      show the version\n"_s.arg(DataFolder::usualJournalDirectory());
 }
 
 PrintAndExit mistake(const QString &sentence)
@@ -87,7 +90,8 @@ std::variant<StartOptions, PrintAndExit> parseCommandLine(const QStringList &arg
     const Options options;
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.addOptions({options.dataDir, options.sample, options.screenshots, options.help, options.version});
+    parser.addOptions(
+        {options.dataDir, options.sample, options.screenshots, options.help, options.version});
     parser.addOptions(optionsOfTheToolkit());
     const bool understood = parser.parse(arguments);
     if (parser.isSet(options.help))

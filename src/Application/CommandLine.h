@@ -12,7 +12,8 @@ struct StartOptions
 {
     QString dataDirectory = {}; ///< Empty: the usual place.
     bool sample = false; ///< Work on a throw-away sample journal.
-    QString screenshotsDirectory = {}; ///< Not empty: leave pictures of the windows there, then quit.
+    QString screenshotsDirectory =
+        {}; ///< Not empty: leave pictures of the windows there, then quit.
 };
 
 /// A text to print instead of starting, and the exit status that goes with it.

@@ -35,18 +35,22 @@ QString DataFolder::usualJournalDirectory()
 Result<DataFolder> DataFolder::forOptions(const StartOptions &options)
 {
     if (options.sample) {
-        auto throwAway = std::make_unique<QTemporaryDir>(QDir::tempPath() + u"/tembra-sample-XXXXXX"_s);
+        auto throwAway = std::make_unique<QTemporaryDir>(QDir::tempPath()
+                                                         + u"/tembra-sample-XXXXXX"_s);
         if (!throwAway->isValid())
-            return failure(u"The folder for the sample journal could not be made in %1."_s.arg(QDir::tempPath()),
+            return failure(u"The folder for the sample journal could not be made in %1."_s.arg(
+                               QDir::tempPath()),
                            throwAway->errorString());
         DataFolder folder(throwAway->path(), throwAway->path());
         folder.m_throwAway = std::move(throwAway);
         return folder;
     }
     const bool isUsual = options.dataDirectory.isEmpty();
-    const QString journal = isUsual ? usualJournalDirectory() : QDir(options.dataDirectory).absolutePath();
-    const QString settings =
-        isUsual ? QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) : journal;
+    const QString journal = isUsual ? usualJournalDirectory()
+                                    : QDir(options.dataDirectory).absolutePath();
+    const QString settings = isUsual ? QStandardPaths::writableLocation(
+                                 QStandardPaths::AppConfigLocation)
+                                     : journal;
     makePrivateFolder(journal);
     makePrivateFolder(settings);
     return DataFolder(journal, settings);

@@ -39,11 +39,12 @@ struct CannotStart
 int giveUp(const QString &reason)
 {
     printTo(stderr, u"tembra: "_s + reason + u'\n');
-    Alert::runModal({.messageText = reason,
-                     .informativeText = QCoreApplication::translate(
-                         "Program", "Tembra has changed nothing. It closes now.", "Alert when the start fails"),
-                     .buttons = {QCoreApplication::translate("Program", "Quit", "Closes the program")},
-                     .style = AlertContents::Style::Critical});
+    Alert::runModal(
+        {.messageText = reason,
+         .informativeText = QCoreApplication::translate(
+             "Program", "Tembra has changed nothing. It closes now.", "Alert when the start fails"),
+         .buttons = {QCoreApplication::translate("Program", "Quit", "Closes the program")},
+         .style = AlertContents::Style::Critical});
     return couldNotStart;
 }
 
@@ -51,7 +52,8 @@ int leaveToRunningInstance(const StartOptions &options)
 {
     if (options.screenshotsDirectory.isEmpty())
         return 0;
-    printTo(stderr, u"tembra: Tembra is already running with this journal. Quit it to take pictures.\n"_s);
+    printTo(stderr,
+            u"tembra: Tembra is already running with this journal. Quit it to take pictures.\n"_s);
     return couldNotStart;
 }
 
@@ -78,10 +80,12 @@ int runOn(const DataFolder &folder, const StartOptions &options)
     services.coreData.setStopProgram([](const QString &reason) { throw CannotStart{reason}; });
     AppDelegate delegate(services, folder);
     const UnixSignals signalsOfTheSystem;
-    QObject::connect(&instance, &SingleInstance::showRequested, &delegate, &AppDelegate::bringForward);
-    QObject::connect(&signalsOfTheSystem, &UnixSignals::terminationRequested, &delegate, &AppDelegate::terminate);
-    QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, &delegate, &AppDelegate::commitDataForLogout,
-                     Qt::DirectConnection);
+    QObject::connect(&instance, &SingleInstance::showRequested, &delegate,
+                     &AppDelegate::bringForward);
+    QObject::connect(&signalsOfTheSystem, &UnixSignals::terminationRequested, &delegate,
+                     &AppDelegate::terminate);
+    QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, &delegate,
+                     &AppDelegate::commitDataForLogout, Qt::DirectConnection);
     try {
         delegate.applicationDidFinishLaunching([&] {
             if (options.sample)

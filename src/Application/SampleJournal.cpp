@@ -59,7 +59,8 @@ private:
     {
         const auto session = m_context.insert<Session>();
         session->setCounterpart(counterpart);
-        session->setDate(Date::fromUnixMilliseconds(double(workingHour(daysAgo).toMSecsSinceEpoch())));
+        session->setDate(
+            Date::fromUnixMilliseconds(double(workingHour(daysAgo).toMSecsSinceEpoch())));
         session->setPersonalSentiment(rating(SentimentScale::personal()));
         session->setMeetingSentiment(rating(SentimentScale::meeting()));
         session->setCounterpartSentiment(rating(SentimentScale::personal()));
@@ -77,7 +78,10 @@ private:
     }
 
     /// Mostly a rating, now and then none.
-    qint16 rating(const SentimentScale &scale) { return qint16(below(12) == 0 ? 0 : 1 + below(scale.maximum())); }
+    qint16 rating(const SentimentScale &scale)
+    {
+        return qint16(below(12) == 0 ? 0 : 1 + below(scale.maximum()));
+    }
 
     void writeNotes(const Session &session)
     {
@@ -111,7 +115,8 @@ private:
 
 } // namespace
 
-void SampleJournal::fill(ManagedObjectContext &context, const Clock &clock, const QTimeZone &timeZone)
+void SampleJournal::fill(ManagedObjectContext &context, const Clock &clock,
+                         const QTimeZone &timeZone)
 {
     const UndoManager::Suspension notUndoable(*context.undoManager());
     const qint64 now = qint64(clock.now().toUnixMilliseconds());

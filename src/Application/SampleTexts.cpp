@@ -7,22 +7,20 @@ using namespace Qt::StringLiterals;
 QList<Teammate> teammates()
 {
     return {
-        {u"Ana Silva"_s, 6, 7},
-        {u"Ben Okafor"_s, 31, 14},
-        {u"Chidi Anyanwu"_s, 0, 0},
-        {u"Daria Kowalczyk"_s, 2, 14},
-        {u"Émile Fontaine"_s, 11, 7},
-        {u"Maximiliane von Hohenstein-Löwenberg"_s, 9, 14},
-        {u"Priya Raghunathan"_s, 1, 7},
-        {u"Tomás Herrera"_s, 12, 21},
+        {u"Ana Silva"_s, 6, 7},         {u"Ben Okafor"_s, 31, 14},
+        {u"Chidi Anyanwu"_s, 0, 0},     {u"Daria Kowalczyk"_s, 2, 14},
+        {u"Émile Fontaine"_s, 11, 7},   {u"Maximiliane von Hohenstein-Löwenberg"_s, 9, 14},
+        {u"Priya Raghunathan"_s, 1, 7}, {u"Tomás Herrera"_s, 12, 21},
     };
 }
 
 QList<TagText> tags()
 {
     return {
-        {u"launch"_s, u"🚀"_s},   {u"growth"_s, u"🌱"_s},     {u"focus"_s, u"🎯"_s},      {u"hiring"_s, u"🤝"_s},
-        {u"on call"_s, u"📟"_s},  {u"workload"_s, u"🏋\uFE0F"_s}, {u"promotion"_s, u"🎓"_s}, {u"family"_s, u"👨‍👩‍👧"_s},
+        {u"launch"_s, u"🚀"_s},         {u"growth"_s, u"🌱"_s},
+        {u"focus"_s, u"🎯"_s},          {u"hiring"_s, u"🤝"_s},
+        {u"on call"_s, u"📟"_s},        {u"workload"_s, u"🏋\uFE0F"_s},
+        {u"promotion"_s, u"🎓"_s},      {u"family"_s, u"👨‍👩‍👧"_s},
         {u"conflict"_s, u"⚡\uFE0F"_s}, {u"celebrate"_s, u"🎉"_s},
     };
 }

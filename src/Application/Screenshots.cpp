@@ -28,7 +28,8 @@ QPalette darkPalette()
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, QColor(0x6c, 0xa8, 0xf2));
     palette.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9d, 0xa2));
-    for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+    for (const QPalette::ColorRole role :
+         {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, QColor(0x7d, 0x80, 0x85));
     return palette;
 }

@@ -22,7 +22,8 @@ QString serverNameFor(const QString &dataDirectory)
 {
     const QString canonical = QFileInfo(dataDirectory).canonicalFilePath();
     const QByteArray folder = (canonical.isEmpty() ? dataDirectory : canonical).toUtf8();
-    const QByteArray digest = QCryptographicHash::hash(folder, QCryptographicHash::Sha256).toHex().first(16);
+    const QByteArray digest =
+        QCryptographicHash::hash(folder, QCryptographicHash::Sha256).toHex().first(16);
     const QString runtime = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
     const QString name = u"tembra-"_s + QString::fromLatin1(digest);
     return runtime.isEmpty() ? name : runtime + u'/' + name;
@@ -43,7 +44,8 @@ Result<SingleInstance::Answer> SingleInstance::askRunningInstance() const
     QLocalSocket socket;
     socket.connectToServer(m_serverName);
     // One that is still connecting after so long waits in the queue of a program that hangs.
-    if (!socket.waitForConnected(patienceInMilliseconds) && socket.state() == QLocalSocket::UnconnectedState)
+    if (!socket.waitForConnected(patienceInMilliseconds)
+        && socket.state() == QLocalSocket::UnconnectedState)
         return Answer::NobodyRuns;
     socket.write(showRequest.data(), showRequest.size());
     QByteArray received;

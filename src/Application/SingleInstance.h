@@ -19,7 +19,7 @@ public:
 
     enum class Answer {
         NobodyRuns, ///< No program works on this folder, or none that listens, or one that is ending.
-        Shown       ///< The running program has brought its window forward.
+        Shown ///< The running program has brought its window forward.
     };
     /// Asks a running program to come forward; fails when one is there but does not answer.
     Result<Answer> askRunningInstance() const;

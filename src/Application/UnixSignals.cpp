@@ -41,8 +41,7 @@ void setHandler(void (*handler)(int))
 
 } // namespace
 
-UnixSignals::UnixSignals(QObject *parent)
-    : QObject(parent)
+UnixSignals::UnixSignals(QObject *parent) : QObject(parent)
 {
     if (pipe(signalPipe.data()) != 0)
         return;
@@ -68,17 +67,13 @@ UnixSignals::~UnixSignals()
 void UnixSignals::readPending()
 {
     std::array<char, 16> bytes;
-    while (::read(signalPipe[0], bytes.data(), bytes.size()) > 0) {
-    }
+    while (::read(signalPipe[0], bytes.data(), bytes.size()) > 0) {}
     Q_EMIT terminationRequested();
 }
 
 #else
 
-UnixSignals::UnixSignals(QObject *parent)
-    : QObject(parent)
-{
-}
+UnixSignals::UnixSignals(QObject *parent) : QObject(parent) {}
 
 UnixSignals::~UnixSignals() = default;
 

@@ -10,7 +10,8 @@ namespace tembra {
 struct [[nodiscard]] Error
 {
     QString message; ///< One sentence in the user's words: what went wrong, where, and what to do.
-    QString detail;  ///< The system's own reason ("disk I/O error (10)"); may be empty. Never note text.
+    QString
+        detail; ///< The system's own reason ("disk I/O error (10)"); may be empty. Never note text.
 
     /// Both in one line, for the log and for "Unresolved error ".
     QString description() const

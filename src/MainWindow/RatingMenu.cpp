@@ -7,7 +7,6 @@
 #include "Toolkit/PropertyObservation.h"
 #include "Toolkit/Theme.h"
 
-#include <QAbstractItemView>
 #include <QEvent>
 
 #include <algorithm>
@@ -52,6 +51,8 @@ RatingMenu::RatingMenu(EmojiComboBox *popup, const SentimentScale &scale,
 {
     m_popup->setItemDelegate(new RatingDelegate(m_popup));
     m_popup->setMaxVisibleItems(int(scale.allValues().size()));
+    m_popup->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_popup->setMinimumContentsLength(1);
     m_popup->setMinimumWidth(closedWidth);
     m_popup->setFocusPolicy(Qt::StrongFocus);
     m_popup->installEventFilter(this);
@@ -85,8 +86,6 @@ void RatingMenu::refresh()
         m_popup->setItemData(value, label, Qt::AccessibleTextRole);
     }
     m_popup->setCurrentIndex(remembered < m_popup->count() ? remembered : -1);
-    // The list must be wide enough for the words, which the closed menu does not show.
-    m_popup->view()->setMinimumWidth(m_popup->view()->sizeHintForColumn(0));
     m_popup->updateGeometry();
 }
 

@@ -19,7 +19,8 @@ namespace tembra {
 
 using namespace Qt::StringLiterals;
 
-CoreDataInterface::CoreDataInterface(ContainerMaker makeContainer, const DefaultsManager &defaults, QObject *parent)
+CoreDataInterface::CoreDataInterface(ContainerMaker makeContainer, const DefaultsManager &defaults,
+                                     QObject *parent)
     : QObject(parent)
     , m_makeContainer(std::move(makeContainer))
     , m_defaults(defaults)
@@ -56,7 +57,8 @@ void CoreDataInterface::setPersistentContainer(std::unique_ptr<PersistentContain
 
 void CoreDataInterface::adoptContainer()
 {
-    connect(m_container.get(), &PersistentContainer::contextDidSave, this, &CoreDataInterface::handleSave);
+    connect(m_container.get(), &PersistentContainer::contextDidSave, this,
+            &CoreDataInterface::handleSave);
 }
 
 ManagedObjectContext &CoreDataInterface::viewContext()
@@ -141,14 +143,16 @@ void CoreDataInterface::migrateFlagsToTags()
     ManagedObjectContext &context = viewContext();
     const auto flagged = context.fetch<Session>(JournalQueries::flaggedSessions());
     if (!flagged) {
-        qCWarning(modelLog, "Could not fetch flagged sessions: %s", qUtf8Printable(flagged.error().description()));
+        qCWarning(modelLog, "Could not fetch flagged sessions: %s",
+                  qUtf8Printable(flagged.error().description()));
         return;
     }
     {
         const UndoManager::Suspension notUndoable(*context.undoManager());
         for (const std::shared_ptr<Session> &session : *flagged) {
             const QString name = u"Flag %1"_s.arg(session->flag());
-            Tag::findOrCreate(context, name, legacyFlagEmoji(session->flag(), m_defaults))->addSession(*session);
+            Tag::findOrCreate(context, name, legacyFlagEmoji(session->flag(), m_defaults))
+                ->addSession(*session);
             session->setFlag(0);
         }
         // What was recorded in this turn must be settled before recording goes on.

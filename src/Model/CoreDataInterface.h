@@ -29,7 +29,8 @@ public:
 
     /// @p makeContainer is called when the container is first asked for; what it returns is not
     /// loaded yet.
-    CoreDataInterface(ContainerMaker makeContainer, const DefaultsManager &defaults, QObject *parent = nullptr);
+    CoreDataInterface(ContainerMaker makeContainer, const DefaultsManager &defaults,
+                      QObject *parent = nullptr);
     ~CoreDataInterface() override;
 
     /// Seconds between two looks of the autosave.

@@ -17,10 +17,7 @@ namespace tembra {
 
 using namespace Qt::StringLiterals;
 
-Counterpart::Counterpart(const JournalServices &services)
-    : m_services(services)
-{
-}
+Counterpart::Counterpart(const JournalServices &services) : m_services(services) {}
 
 Counterpart::~Counterpart()
 {
@@ -48,9 +45,11 @@ std::shared_ptr<Session> Counterpart::fetchMostRecentSession() const
 {
     if (!managedObjectContext())
         return {};
-    const auto sessions = managedObjectContext()->fetch<Session>(JournalQueries::mostRecentSession(objectID()));
+    const auto sessions = managedObjectContext()->fetch<Session>(
+        JournalQueries::mostRecentSession(objectID()));
     if (!sessions) {
-        qCWarning(modelLog, "Failed to fetch entities: %s", qUtf8Printable(sessions.error().description()));
+        qCWarning(modelLog, "Failed to fetch entities: %s",
+                  qUtf8Printable(sessions.error().description()));
         return {};
     }
     // Meetings without a date come last: if the first has none, no meeting has one.
@@ -71,7 +70,8 @@ int Counterpart::daysSinceLastSession() const
 
 bool Counterpart::isOverdue() const
 {
-    return mostRecentSession() && daysSinceLastSession() > m_services.defaults.counterpartStalenessInterval();
+    return mostRecentSession()
+           && daysSinceLastSession() > m_services.defaults.counterpartStalenessInterval();
 }
 
 QString Counterpart::recentSessionSummary() const
@@ -89,16 +89,16 @@ QString Counterpart::recentSessionTagSummary() const
     return recent ? recent->tagEmojiSummary() : u""_s;
 }
 
-std::unique_ptr<FetchedResultsController>
-Counterpart::sessionsResultController(const QList<std::shared_ptr<Tag>> &tags,
-                                      const std::optional<QString> &searchText) const
+std::unique_ptr<FetchedResultsController> Counterpart::sessionsResultController(
+    const QList<std::shared_ptr<Tag>> &tags, const std::optional<QString> &searchText) const
 {
     require(managedObjectContext(), "a teammate whose sessions are listed is in the store");
     QList<ObjectID> tagIDs;
     for (const std::shared_ptr<Tag> &tag : tags)
         tagIDs.append(tag->objectID());
     return std::make_unique<FetchedResultsController>(*managedObjectContext(),
-                                                      JournalQueries::sessions(objectID(), tagIDs, searchText));
+                                                      JournalQueries::sessions(objectID(), tagIDs,
+                                                                               searchText));
 }
 
 void Counterpart::invalidateDerived()

@@ -20,7 +20,8 @@ class Counterpart : public ManagedObject
     Q_OBJECT
     Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged)
     Q_PROPERTY(QString email READ email WRITE setEmail NOTIFY emailChanged)
-    Q_PROPERTY(tembra::OptionalDate lastUpdate READ lastUpdate WRITE setLastUpdate NOTIFY lastUpdateChanged)
+    Q_PROPERTY(tembra::OptionalDate lastUpdate READ lastUpdate WRITE setLastUpdate NOTIFY
+                   lastUpdateChanged)
     Q_PROPERTY(QList<std::shared_ptr<tembra::Session>> sessions READ sessions NOTIFY sessionsChanged)
     Q_PROPERTY(int daysSinceLastSession READ daysSinceLastSession NOTIFY derivedChanged)
     Q_PROPERTY(QString recentSessionSummary READ recentSessionSummary NOTIFY derivedChanged)
@@ -58,9 +59,9 @@ public:
     bool isOverdue() const;
 
     /// The teammate's meetings, live, newest first; see JournalQueries::sessions(). Not yet fetched.
-    std::unique_ptr<FetchedResultsController>
-    sessionsResultController(const QList<std::shared_ptr<Tag>> &tags = {},
-                             const std::optional<QString> &searchText = {}) const;
+    std::unique_ptr<FetchedResultsController> sessionsResultController(
+        const QList<std::shared_ptr<Tag>> &tags = {},
+        const std::optional<QString> &searchText = {}) const;
 
     /// Forgets what was derived from the teammate's meetings, and says so.
     void invalidateDerived();

@@ -14,7 +14,8 @@ constexpr int stalenessIntervalDefault = 14;
 
 } // namespace
 
-DefaultsManager::DefaultsManager(const QString &settingsFile, NotificationCenter &notifications, QObject *parent)
+DefaultsManager::DefaultsManager(const QString &settingsFile, NotificationCenter &notifications,
+                                 QObject *parent)
     : QObject(parent)
     , m_settings(settingsFile, QSettings::IniFormat)
     , m_notifications(notifications)
@@ -94,7 +95,8 @@ std::optional<QString> DefaultsManager::flagOverride(int value) const
     return emojiOverride(flagOverrideKey(value));
 }
 
-void DefaultsManager::setEmojiOverride(const QString &overrideKey, const std::optional<QString> &emoji)
+void DefaultsManager::setEmojiOverride(const QString &overrideKey,
+                                       const std::optional<QString> &emoji)
 {
     if (emoji)
         write(overrideKey, *emoji);

@@ -18,15 +18,18 @@ class DefaultsManager : public QObject
     Q_OBJECT
 
 public:
-    static constexpr QLatin1StringView counterpartStalenessIntervalKey{"counterpartStalenessIntervalKey"};
+    static constexpr QLatin1StringView counterpartStalenessIntervalKey{
+        "counterpartStalenessIntervalKey"};
     static constexpr QLatin1StringView backupPathKey{"backupPathKey"};
     static constexpr QLatin1StringView shouldBackUpDataKey{"shouldBackUpDataKey"};
     static constexpr QLatin1StringView lastUsedVersionKey{"lastUsedVersionKey"};
     static constexpr QLatin1StringView wholeTeamSelectedFieldsKey{"wholeTeamSelectedFieldsKey"};
-    static constexpr QLatin1StringView singleTeammateSelectedFieldsKey{"singleTeammateSelectedFieldsKey"};
+    static constexpr QLatin1StringView singleTeammateSelectedFieldsKey{
+        "singleTeammateSelectedFieldsKey"};
 
     /// @p settingsFile is made at the first write, readable by the user alone.
-    DefaultsManager(const QString &settingsFile, NotificationCenter &notifications, QObject *parent = nullptr);
+    DefaultsManager(const QString &settingsFile, NotificationCenter &notifications,
+                    QObject *parent = nullptr);
 
     /// Registers the two defaults: 14 days until a teammate is overdue, backups in the Documents
     /// folder. They answer reads of absent keys and are never written. Call before any read.

@@ -23,12 +23,15 @@ namespace {
 constexpr double longestWaitInSeconds = 60;
 
 constexpr PropertyMask shownOfSession = propertyBit(Session::dateProperty)
-    | propertyBit(Session::personalSentimentProperty) | propertyBit(Session::meetingSentimentProperty)
-    | propertyBit(Session::counterpartSentimentProperty) | propertyBit(Session::counterpartProperty)
-    | propertyBit(Session::tagsProperty);
-constexpr PropertyMask datesNotes =
-    propertyBit(Session::dateProperty) | propertyBit(Session::counterpartProperty);
-constexpr PropertyMask shownOfTag = propertyBit(Tag::nameProperty) | propertyBit(Tag::emojiProperty);
+                                        | propertyBit(Session::personalSentimentProperty)
+                                        | propertyBit(Session::meetingSentimentProperty)
+                                        | propertyBit(Session::counterpartSentimentProperty)
+                                        | propertyBit(Session::counterpartProperty)
+                                        | propertyBit(Session::tagsProperty);
+constexpr PropertyMask datesNotes = propertyBit(Session::dateProperty)
+                                    | propertyBit(Session::counterpartProperty);
+constexpr PropertyMask shownOfTag = propertyBit(Tag::nameProperty)
+                                    | propertyBit(Tag::emojiProperty);
 
 /// Calls the function for every change of a kind of record, however it changed.
 template<typename Function>
@@ -63,8 +66,10 @@ DerivedTexts::DerivedTexts(const Clock &clock, const CalendarArithmetic &calenda
 {
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &DerivedTexts::checkClock);
-    connect(&notifications, &NotificationCenter::didChangeEmoji, this, &DerivedTexts::invalidateAll);
-    connect(&notifications, &NotificationCenter::didChangeStaleness, this, &DerivedTexts::invalidateAll);
+    connect(&notifications, &NotificationCenter::didChangeEmoji, this,
+            &DerivedTexts::invalidateAll);
+    connect(&notifications, &NotificationCenter::didChangeStaleness, this,
+            &DerivedTexts::invalidateAll);
 }
 
 void DerivedTexts::follow(ManagedObjectContext &viewContext)
@@ -133,13 +138,14 @@ void DerivedTexts::takeChanges(const ChangeSet &changes)
     forEachChange(changes, model.entityIndex(Tag::entityName()), [&](const ObjectChange &change) {
         tagsLookDifferent |= (change.properties & shownOfTag) != 0;
     });
-    forEachChange(changes, model.entityIndex(Session::entityName()), [&](const ObjectChange &change) {
-        if ((change.properties & shownOfSession) == 0)
-            return;
-        notesDateDifferently |= (change.properties & datesNotes) != 0;
-        collectTeammates(change, teammates);
-        changedSessions.insert(change.id.key);
-    });
+    forEachChange(changes, model.entityIndex(Session::entityName()),
+                  [&](const ObjectChange &change) {
+                      if ((change.properties & shownOfSession) == 0)
+                          return;
+                      notesDateDifferently |= (change.properties & datesNotes) != 0;
+                      collectTeammates(change, teammates);
+                      changedSessions.insert(change.id.key);
+                  });
     forEachChange(changes, model.entityIndex(Note::entityName()),
                   [&](const ObjectChange &) { notesDateDifferently = true; });
 
@@ -150,7 +156,9 @@ void DerivedTexts::takeChanges(const ChangeSet &changes)
         invalidateTeammates(teammates);
         QSet<Session *> touched;
         std::copy_if(m_sessions.begin(), m_sessions.end(), std::inserter(touched, touched.end()),
-                     [&](Session *session) { return changedSessions.contains(session->objectID().key); });
+                     [&](Session *session) {
+                         return changedSessions.contains(session->objectID().key);
+                     });
         for (Session *session : std::as_const(touched))
             session->invalidateDerived();
     }
@@ -160,7 +168,8 @@ void DerivedTexts::takeChanges(const ChangeSet &changes)
         scheduleNextMoment();
 }
 
-void DerivedTexts::collectTeammates(const ObjectChange &sessionChange, QSet<qint64> &teammates) const
+void DerivedTexts::collectTeammates(const ObjectChange &sessionChange,
+                                    QSet<qint64> &teammates) const
 {
     bool counterpartChanged = false;
     for (const ToOneChange &toOne : sessionChange.toOnes) {
@@ -206,10 +215,12 @@ void DerivedTexts::scheduleNextMoment()
     m_nextMoment = m_calendar.startOfNextDay(now);
     for (const Counterpart *counterpart : std::as_const(m_counterparts)) {
         if (const auto session = counterpart->mostRecentSession())
-            m_nextMoment = std::min(m_nextMoment, m_calendar.momentDayCountChanges(*session->date(), now));
+            m_nextMoment = std::min(m_nextMoment,
+                                    m_calendar.momentDayCountChanges(*session->date(), now));
     }
     const double seconds = m_nextMoment.secondsSinceReferenceDate - now.secondsSinceReferenceDate;
-    m_timer.start(std::chrono::milliseconds(qint64(std::clamp(seconds, 0.0, longestWaitInSeconds) * 1000) + 1));
+    m_timer.start(std::chrono::milliseconds(
+        qint64(std::clamp(seconds, 0.0, longestWaitInSeconds) * 1000) + 1));
 }
 
 } // namespace tembra

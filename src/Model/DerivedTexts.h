@@ -27,8 +27,8 @@ class DerivedTexts : public QObject
     Q_OBJECT
 
 public:
-    DerivedTexts(const Clock &clock, const CalendarArithmetic &calendar, NotificationCenter &notifications,
-                 QObject *parent = nullptr);
+    DerivedTexts(const Clock &clock, const CalendarArithmetic &calendar,
+                 NotificationCenter &notifications, QObject *parent = nullptr);
 
     /// Follows the changes of this context; its records are the ones that are told.
     void follow(ManagedObjectContext &viewContext);

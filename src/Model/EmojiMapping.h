@@ -14,10 +14,12 @@ class EmojiMapping : public QObject
     Q_OBJECT
     Q_PROPERTY(QString labelText MEMBER labelText)
     Q_PROPERTY(QString defaultEmoji MEMBER defaultEmoji)
-    Q_PROPERTY(std::optional<QString> emojiOverride READ emojiOverride WRITE setEmojiOverride NOTIFY emojiOverrideChanged)
+    Q_PROPERTY(std::optional<QString> emojiOverride READ emojiOverride WRITE setEmojiOverride NOTIFY
+                   emojiOverrideChanged)
 
 public:
-    using MappingClosure = std::function<void(int identifier, const std::optional<QString> &emojiOverride)>;
+    using MappingClosure =
+        std::function<void(int identifier, const std::optional<QString> &emojiOverride)>;
 
     using QObject::QObject;
 

@@ -12,7 +12,9 @@ namespace {
 template<typename Object>
 auto maker(const JournalServices &services)
 {
-    return [&services]() -> std::shared_ptr<ManagedObject> { return std::make_shared<Object>(services); };
+    return [&services]() -> std::shared_ptr<ManagedObject> {
+        return std::make_shared<Object>(services);
+    };
 }
 
 EntityDescription counterpartEntity(const JournalServices &services)
@@ -20,9 +22,13 @@ EntityDescription counterpartEntity(const JournalServices &services)
     return {
         .name = Counterpart::entityName(),
         .table = "counterpart",
-        .attributes = {{"name", AttributeType::Text}, {"email", AttributeType::Text}, {"lastUpdate", AttributeType::Date}},
+        .attributes = {{"name", AttributeType::Text},
+                       {"email", AttributeType::Text},
+                       {"lastUpdate", AttributeType::Date}},
         .toOnes = {},
-        .toManys = {{.name = "sessions", .destination = Session::entityName(), .inverse = "counterpart",
+        .toManys = {{.name = "sessions",
+                     .destination = Session::entityName(),
+                     .inverse = "counterpart",
                      .deleteRule = DeleteRule::Cascade}},
         .makeObject = maker<Counterpart>(services),
     };
@@ -33,10 +39,16 @@ EntityDescription tagEntity(const JournalServices &services)
     return {
         .name = Tag::entityName(),
         .table = "tag",
-        .attributes = {{"name", AttributeType::Text}, {"emoji", AttributeType::Text}, {"lastUse", AttributeType::Date}},
+        .attributes = {{"name", AttributeType::Text},
+                       {"emoji", AttributeType::Text},
+                       {"lastUse", AttributeType::Date}},
         .toOnes = {},
-        .toManys = {{.name = "sessions", .destination = Session::entityName(), .inverse = "tags",
-                     .joinTable = "session_tag", .ownColumn = "tag", .destinationColumn = "session"}},
+        .toManys = {{.name = "sessions",
+                     .destination = Session::entityName(),
+                     .inverse = "tags",
+                     .joinTable = "session_tag",
+                     .ownColumn = "tag",
+                     .destinationColumn = "session"}},
         .makeObject = maker<Tag>(services),
     };
 }
@@ -52,10 +64,16 @@ EntityDescription sessionEntity(const JournalServices &services)
                        {"meetingSentiment", AttributeType::Integer16},
                        {"counterpartSentiment", AttributeType::Integer16}},
         .toOnes = {{"counterpart", Counterpart::entityName(), "sessions"}},
-        .toManys = {{.name = "notes", .destination = Note::entityName(), .inverse = "session",
+        .toManys = {{.name = "notes",
+                     .destination = Note::entityName(),
+                     .inverse = "session",
                      .deleteRule = DeleteRule::Cascade},
-                    {.name = "tags", .destination = Tag::entityName(), .inverse = "sessions",
-                     .joinTable = "session_tag", .ownColumn = "session", .destinationColumn = "tag"}},
+                    {.name = "tags",
+                     .destination = Tag::entityName(),
+                     .inverse = "sessions",
+                     .joinTable = "session_tag",
+                     .ownColumn = "session",
+                     .destinationColumn = "tag"}},
         .makeObject = maker<Session>(services),
     };
 }
@@ -65,7 +83,8 @@ EntityDescription noteEntity(const JournalServices &services)
     return {
         .name = Note::entityName(),
         .table = "note",
-        .attributes = {{"identifier", AttributeType::Integer16}, {"contentString", AttributeType::Text}},
+        .attributes = {{"identifier", AttributeType::Integer16},
+                       {"contentString", AttributeType::Text}},
         .toOnes = {{"session", Session::entityName(), "notes"}},
         .toManys = {},
         .makeObject = maker<Note>(services),
@@ -77,7 +96,8 @@ EntityDescription noteEntity(const JournalServices &services)
 ObjectModel makeJournalModel(const JournalServices &services)
 {
     return {
-        .entities = {counterpartEntity(services), tagEntity(services), sessionEntity(services), noteEntity(services)},
+        .entities = {counterpartEntity(services), tagEntity(services), sessionEntity(services),
+                     noteEntity(services)},
         .migrations = journalMigrations(),
     };
 }

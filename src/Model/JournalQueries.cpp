@@ -16,13 +16,15 @@ FetchRequest counterparts()
     return {.entityName = "Counterpart", .sortDescriptors = {{"name", true}}};
 }
 
-FetchRequest sessions(ObjectID counterpart, const QList<ObjectID> &tags, const std::optional<QString> &searchText)
+FetchRequest sessions(ObjectID counterpart, const QList<ObjectID> &tags,
+                      const std::optional<QString> &searchText)
 {
     QList<Predicate> conditions{Predicate::fixed(u"counterpart == %@", {counterpart})};
     for (const ObjectID &tag : tags)
         conditions.append(Predicate::fixed(u"ANY tags == %@", {tag}));
     if (searchText)
-        conditions.append(Predicate::fixed(u"ANY notes.contentString CONTAINS[cd] %@", {*searchText}));
+        conditions.append(
+            Predicate::fixed(u"ANY notes.contentString CONTAINS[cd] %@", {*searchText}));
     return {.entityName = "Session",
             .predicate = Predicate::andPredicate(conditions),
             .sortDescriptors = {newestFirst},
@@ -45,7 +47,8 @@ FetchRequest sessionsCarrying(ObjectID tag)
 
 FetchRequest sessionsBetween(Date start, Date end)
 {
-    return {.entityName = "Session", .predicate = Predicate::fixed(u"date < %@ AND date > %@", {end, start})};
+    return {.entityName = "Session",
+            .predicate = Predicate::fixed(u"date < %@ AND date > %@", {end, start})};
 }
 
 FetchRequest flaggedSessions()
@@ -73,19 +76,22 @@ FetchRequest filledNotes(ObjectID counterpart, qint16 identifier)
 FetchRequest filledNotesBetween(Date start, Date end, qint16 identifier)
 {
     return {.entityName = "Note",
-            .predicate = Predicate::fixed(u"session.date < %@ AND session.date > %@ AND identifier == %d AND "
-                                          u"contentString != %@ AND contentString != NULL",
-                                          {end, start, qint64(identifier), emptyText})};
+            .predicate = Predicate::fixed(
+                u"session.date < %@ AND session.date > %@ AND identifier == %d AND "
+                u"contentString != %@ AND contentString != NULL",
+                {end, start, qint64(identifier), emptyText})};
 }
 
 FetchRequest notes(ObjectID counterpart)
 {
-    return {.entityName = "Note", .predicate = Predicate::fixed(u"session.counterpart == %@", {counterpart})};
+    return {.entityName = "Note",
+            .predicate = Predicate::fixed(u"session.counterpart == %@", {counterpart})};
 }
 
 FetchRequest notesOfAnyCounterpart()
 {
-    return {.entityName = "Note", .predicate = Predicate::fixed(u"session.counterpart != NULL", {})};
+    return {.entityName = "Note",
+            .predicate = Predicate::fixed(u"session.counterpart != NULL", {})};
 }
 
 } // namespace tembra::JournalQueries

@@ -15,8 +15,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// The latest filled note of a field; the list is empty when there is none.
-Result<QList<std::shared_ptr<Note>>> fetchLastEntry(ManagedObjectContext &context, ObjectID counterpart,
-                                                    qint16 identifier)
+Result<QList<std::shared_ptr<Note>>> fetchLastEntry(ManagedObjectContext &context,
+                                                    ObjectID counterpart, qint16 identifier)
 {
     FetchRequest request = JournalQueries::filledNotes(counterpart, identifier);
     request.fetchLimit = 1;
@@ -25,10 +25,7 @@ Result<QList<std::shared_ptr<Note>>> fetchLastEntry(ManagedObjectContext &contex
 
 } // namespace
 
-Note::Note(const JournalServices &services)
-    : m_services(services)
-{
-}
+Note::Note(const JournalServices &services) : m_services(services) {}
 
 Note::~Note()
 {
@@ -68,7 +65,8 @@ QString Note::computeLastDateString() const
         return never;
     const auto entries = fetchLastEntry(*managedObjectContext(), counterpart, identifier());
     if (!entries) {
-        qCWarning(modelLog, "Could not fetch the last note: %s", qUtf8Printable(entries.error().description()));
+        qCWarning(modelLog, "Could not fetch the last note: %s",
+                  qUtf8Printable(entries.error().description()));
         return tr("Failed", "Value when looking for previous note entries failed");
     }
     if (entries->isEmpty())
@@ -87,7 +85,8 @@ void Note::invalidateDerived()
     Q_EMIT derivedChanged();
 }
 
-std::shared_ptr<Note> Note::lastEntry(ManagedObjectContext &context, ObjectID counterpart, qint16 identifier)
+std::shared_ptr<Note> Note::lastEntry(ManagedObjectContext &context, ObjectID counterpart,
+                                      qint16 identifier)
 {
     const auto entries = fetchLastEntry(context, counterpart, identifier);
     return entries && !entries->isEmpty() ? entries->first() : nullptr;

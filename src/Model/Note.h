@@ -18,8 +18,10 @@ class Note : public ManagedObject
 {
     Q_OBJECT
     Q_PROPERTY(qint16 identifier READ identifier WRITE setIdentifier NOTIFY identifierChanged)
-    Q_PROPERTY(QString contentString READ contentString WRITE setContentString NOTIFY contentStringChanged)
-    Q_PROPERTY(std::shared_ptr<tembra::Session> session READ session WRITE setSession NOTIFY sessionChanged)
+    Q_PROPERTY(
+        QString contentString READ contentString WRITE setContentString NOTIFY contentStringChanged)
+    Q_PROPERTY(std::shared_ptr<tembra::Session> session READ session WRITE setSession NOTIFY
+                   sessionChanged)
     Q_PROPERTY(QString titleString READ titleString NOTIFY identifierChanged)
     Q_PROPERTY(QString placeholderString READ placeholderString NOTIFY identifierChanged)
     Q_PROPERTY(QString lastDateString READ lastDateString NOTIFY derivedChanged)
@@ -51,7 +53,8 @@ public:
     void invalidateDerived();
 
     /// A teammate's latest note of a field that holds text; null when there is none.
-    static std::shared_ptr<Note> lastEntry(ManagedObjectContext &context, ObjectID counterpart, qint16 identifier);
+    static std::shared_ptr<Note> lastEntry(ManagedObjectContext &context, ObjectID counterpart,
+                                           qint16 identifier);
 
 Q_SIGNALS:
     void identifierChanged();

@@ -23,7 +23,8 @@ struct FieldTexts
 
 QString translated(const Translatable &source)
 {
-    return source.text ? QCoreApplication::translate("NoteField", source.text, source.comment) : QString();
+    return source.text ? QCoreApplication::translate("NoteField", source.text, source.comment)
+                       : QString();
 }
 
 constexpr std::array<FieldTexts, maximumNoteIdentifier + 1> fieldTexts{{

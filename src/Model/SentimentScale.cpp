@@ -26,7 +26,8 @@ const SentimentScale &SentimentScale::personal()
 {
     static const SentimentScale scale(
         {
-            {QT_TRANSLATE_NOOP3("SentimentScale", "None", "Sentiment description: no selection"), noEmoji},
+            {QT_TRANSLATE_NOOP3("SentimentScale", "None", "Sentiment description: no selection"),
+             noEmoji},
             {QT_TRANSLATE_NOOP3("SentimentScale", "Satisfied", "Sentiment description"), u"🙂"_s},
             {QT_TRANSLATE_NOOP3("SentimentScale", "Disappointed", "Sentiment description"), u"😔"_s},
             {QT_TRANSLATE_NOOP3("SentimentScale", "Excited", "Sentiment description"), u"🤩"_s},
@@ -44,7 +45,8 @@ const SentimentScale &SentimentScale::meeting()
 {
     static const SentimentScale scale(
         {
-            {QT_TRANSLATE_NOOP3("SentimentScale", "None", "Sentiment description: no selection"), noEmoji},
+            {QT_TRANSLATE_NOOP3("SentimentScale", "None", "Sentiment description: no selection"),
+             noEmoji},
             {QT_TRANSLATE_NOOP3("SentimentScale", "Impactful", "Sentiment description"), u"💥"_s},
             {QT_TRANSLATE_NOOP3("SentimentScale", "Passionate", "Sentiment description"), u"🙌"_s},
             {QT_TRANSLATE_NOOP3("SentimentScale", "Uneventful", "Sentiment description"), u"✅"_s},

@@ -41,10 +41,7 @@ bool tagComesBefore(const std::shared_ptr<Tag> &left, const std::shared_ptr<Tag>
 
 } // namespace
 
-Session::Session(const JournalServices &services)
-    : m_services(services)
-{
-}
+Session::Session(const JournalServices &services) : m_services(services) {}
 
 Session::~Session()
 {
@@ -124,8 +121,8 @@ QString Session::joinedEmoji(QChar separator) const
     const SentimentScale &meeting = SentimentScale::meeting();
     // The separators are always there, also around a value off its scale.
     return emojiOnScale(personal, personalSentiment(), m_services.defaults) + separator
-        + emojiOnScale(meeting, meetingSentiment(), m_services.defaults) + separator
-        + emojiOnScale(personal, counterpartSentiment(), m_services.defaults);
+           + emojiOnScale(meeting, meetingSentiment(), m_services.defaults) + separator
+           + emojiOnScale(personal, counterpartSentiment(), m_services.defaults);
 }
 
 QString Session::dateText() const

@@ -20,12 +20,14 @@ class Session : public ManagedObject
     Q_OBJECT
     Q_PROPERTY(tembra::OptionalDate date READ date WRITE setDate NOTIFY dateChanged)
     Q_PROPERTY(qint16 flag READ flag WRITE setFlag NOTIFY flagChanged)
-    Q_PROPERTY(qint16 personalSentiment READ personalSentiment WRITE setPersonalSentiment NOTIFY personalSentimentChanged)
-    Q_PROPERTY(qint16 meetingSentiment READ meetingSentiment WRITE setMeetingSentiment NOTIFY meetingSentimentChanged)
-    Q_PROPERTY(qint16 counterpartSentiment READ counterpartSentiment WRITE setCounterpartSentiment NOTIFY
-                   counterpartSentimentChanged)
-    Q_PROPERTY(std::shared_ptr<tembra::Counterpart> counterpart READ counterpart WRITE setCounterpart NOTIFY
-                   counterpartChanged)
+    Q_PROPERTY(qint16 personalSentiment READ personalSentiment WRITE setPersonalSentiment NOTIFY
+                   personalSentimentChanged)
+    Q_PROPERTY(qint16 meetingSentiment READ meetingSentiment WRITE setMeetingSentiment NOTIFY
+                   meetingSentimentChanged)
+    Q_PROPERTY(qint16 counterpartSentiment READ counterpartSentiment WRITE setCounterpartSentiment
+                   NOTIFY counterpartSentimentChanged)
+    Q_PROPERTY(std::shared_ptr<tembra::Counterpart> counterpart READ counterpart WRITE
+                   setCounterpart NOTIFY counterpartChanged)
     Q_PROPERTY(QList<std::shared_ptr<tembra::Note>> notes READ notes NOTIFY notesChanged)
     Q_PROPERTY(QList<std::shared_ptr<tembra::Tag>> tags READ tags NOTIFY tagsChanged)
     Q_PROPERTY(QString emojiSummary READ emojiSummary NOTIFY derivedChanged)

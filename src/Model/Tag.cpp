@@ -23,9 +23,7 @@ bool sameText(const QString &left, const QString &right)
 
 } // namespace
 
-Tag::Tag(const JournalServices &)
-{
-}
+Tag::Tag(const JournalServices &) {}
 
 void Tag::awakeFromInsert()
 {
@@ -62,7 +60,8 @@ std::unique_ptr<FetchedResultsController> Tag::sessionsResultController() const
                                                       JournalQueries::sessionsCarrying(objectID()));
 }
 
-std::shared_ptr<Tag> Tag::findOrCreate(ManagedObjectContext &context, const QString &name, const QString &emoji)
+std::shared_ptr<Tag> Tag::findOrCreate(ManagedObjectContext &context, const QString &name,
+                                       const QString &emoji)
 {
     const auto created = context.insert<Tag>();
     created->setName(name);
@@ -73,13 +72,16 @@ std::shared_ptr<Tag> Tag::findOrCreate(ManagedObjectContext &context, const QStr
         qCWarning(modelLog, "Could not load tags: %s", qUtf8Printable(tags.error().description()));
         return created;
     }
-    const auto existing = std::find_if(tags->begin(), tags->end(), [&](const std::shared_ptr<Tag> &tag) {
-        return tag != created && sameText(tag->name(), name) && sameText(tag->emoji(), emoji);
-    });
+    const auto existing = std::find_if(tags->begin(), tags->end(),
+                                       [&](const std::shared_ptr<Tag> &tag) {
+                                           return tag != created && sameText(tag->name(), name)
+                                                  && sameText(tag->emoji(), emoji);
+                                       });
     if (existing == tags->end())
         return created;
     if (const auto deletion = context.deleteObject(created); !deletion)
-        qCWarning(modelLog, "Could not delete a tag: %s", qUtf8Printable(deletion.error().description()));
+        qCWarning(modelLog, "Could not delete a tag: %s",
+                  qUtf8Printable(deletion.error().description()));
     return *existing;
 }
 

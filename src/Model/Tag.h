@@ -45,9 +45,11 @@ public:
     std::unique_ptr<FetchedResultsController> sessionsResultController() const;
 
     /// The tag with this name and emoji (both may be missing): the one that is there, else a new one.
-    static std::shared_ptr<Tag> findOrCreate(ManagedObjectContext &context, const QString &name, const QString &emoji);
+    static std::shared_ptr<Tag> findOrCreate(ManagedObjectContext &context, const QString &name,
+                                             const QString &emoji);
     /// Every tag, live. Not yet fetched.
-    static std::unique_ptr<FetchedResultsController> allTagsResultController(ManagedObjectContext &context);
+    static std::unique_ptr<FetchedResultsController> allTagsResultController(
+        ManagedObjectContext &context);
 
 Q_SIGNALS:
     void nameChanged();

@@ -192,7 +192,7 @@ Result<void> ManagedObjectContext::Private::restoreRecords(const RecordArchive &
 {
     if (Result<void> written = writeDrafts(); !written)
         return written;
-    Restoration restoration;
+    RestorationEffects restoration;
     const Result<void> done = inTransaction(
         [&](Transaction &transaction) { return writeRestored(transaction, archive, restoration); });
     if (!done)
@@ -215,7 +215,7 @@ Result<void> ManagedObjectContext::Private::restoreRecords(const RecordArchive &
 
 Result<void> ManagedObjectContext::Private::writeRestored(Transaction &transaction,
                                                           const RecordArchive &archive,
-                                                          Restoration &restoration)
+                                                          RestorationEffects &restoration)
 {
     Result<void> done;
     QHash<ObjectID, bool> isThere; // What to-ones and links lead to.
@@ -232,28 +232,37 @@ Result<void> ManagedObjectContext::Private::writeRestored(Transaction &transacti
                 value = Value();
         }
         done = writer.insertRow(transaction, id, row);
-        restoration.add(id, row, schema);
+        restoration.addRow(id, row, schema);
         return done.has_value();
     });
+    if (done)
+        done = writeRestoredLinks(transaction, archive, restoration, reaches);
+    return done ? writeCleared(transaction, archive, restoration) : done;
+}
+
+Result<void> ManagedObjectContext::Private::writeRestoredLinks(
+    Transaction &transaction, const RecordArchive &archive, RestorationEffects &restoration,
+    const std::function<bool(ObjectID)> &reaches)
+{
     for (const LinkKey &key : archive.links()) {
-        if (!done)
-            return done;
         const ToManyLink &link = schema.table(key.entity).toMany(key.property);
         const ObjectID owner{link.entity, key.owner};
         const ObjectID other{link.destination, key.other};
         if (!reaches(owner) || !reaches(other))
             continue;
-        done = writer.addLink(transaction, link, key.owner, key.other);
+        const Result<void> done = writer.addLink(transaction, link, key.owner, key.other);
+        if (!done)
+            return done;
         restoration.gains[{owner, link.property}].push_back(key.other);
         restoration.gains[{other, link.inverse}].push_back(key.owner);
     }
-    return done ? writeCleared(transaction, archive, restoration) : done;
+    return {};
 }
 
-/// Points to-ones that the deletion had cleared to their old records, unless they point elsewhere by now.
+/// Points to-ones that the deletion cleared to their old records, unless they point elsewhere by now.
 Result<void> ManagedObjectContext::Private::writeCleared(Transaction &transaction,
                                                          const RecordArchive &archive,
-                                                         Restoration &restoration)
+                                                         RestorationEffects &restoration)
 {
     for (const auto &cleared : archive.cleared()) {
         Result<std::optional<RowReader::Row>> row = reader.row(cleared.id);
@@ -273,17 +282,6 @@ Result<void> ManagedObjectContext::Private::writeCleared(Transaction &transactio
                 cleared.id.key);
     }
     return {};
-}
-
-void ManagedObjectContext::Private::Restoration::add(ObjectID id, const RowReader::Row &row,
-                                                     const StoreSchema &schema)
-{
-    changes.inserted.push_back({id, allProperties, toOnesOf(row, schema, id.entity, true)});
-    for (const ToOneChange &toOne : changes.inserted.back().toOnes) {
-        const ToOneColumn &column = *schema.table(id.entity).toOne(toOne.property);
-        if (column.inverse >= 0)
-            gains[{{column.destination, toOne.newKey}, column.inverse}].push_back(id.key);
-    }
 }
 
 } // namespace tembra

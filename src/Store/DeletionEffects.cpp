@@ -106,4 +106,14 @@ Result<void> DeletionEffects::addCleared(const DeletionPlan &plan, const StoreSc
     return {};
 }
 
+void RestorationEffects::addRow(ObjectID id, const RowReader::Row &row, const StoreSchema &schema)
+{
+    changes.inserted.push_back({id, allProperties, toOnesOf(row, schema, id.entity, true)});
+    for (const ToOneChange &toOne : changes.inserted.back().toOnes) {
+        const ToOneColumn &column = *schema.table(id.entity).toOne(toOne.property);
+        if (column.inverse >= 0)
+            gains[{{column.destination, toOne.newKey}, column.inverse}].push_back(id.key);
+    }
+}
+
 } // namespace tembra

@@ -36,6 +36,17 @@ private:
                             int entity);
 };
 
+/// What bringing deleted records back does.
+struct RestorationEffects
+{
+    void addRow(ObjectID id, const RowReader::Row &row, const StoreSchema &schema);
+
+    ChangeSet changes; ///< The records that are back.
+    RelatedChanges gains;
+    std::vector<std::pair<ObjectID, ToOneChange>>
+        toOnes; ///< Of records that were there all the time.
+};
+
 /// The to-ones of a row that point somewhere, as changes from or to nothing.
 QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const StoreSchema &schema,
                                          int entity, bool appearing);

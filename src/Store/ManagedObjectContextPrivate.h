@@ -103,15 +103,6 @@ struct ManagedObjectContext::Private
     tl::unexpected<Error> lose(const Error &reason);
 
     // Deleting and bringing back
-    struct Restoration
-    {
-        void add(ObjectID id, const RowReader::Row &row, const StoreSchema &schema);
-
-        ChangeSet changes; ///< The records that are back.
-        RelatedChanges gains;
-        std::vector<std::pair<ObjectID, ToOneChange>>
-            toOnes; ///< Of records that were there all the time.
-    };
     Result<void> deleteRecords(std::vector<ObjectID> roots);
     Result<void> deleteAfterHooks(std::vector<ObjectID> roots);
     void runHooks(const DeletionPlan &plan);
@@ -128,9 +119,12 @@ struct ManagedObjectContext::Private
     /// lead somewhere. Fails when the store cannot be written; then nothing came back.
     Result<void> restoreRecords(const RecordArchive &archive);
     Result<void> writeRestored(Transaction &transaction, const RecordArchive &archive,
-                               Restoration &restoration);
+                               RestorationEffects &restoration);
+    Result<void> writeRestoredLinks(Transaction &transaction, const RecordArchive &archive,
+                                    RestorationEffects &restoration,
+                                    const std::function<bool(ObjectID)> &reaches);
     Result<void> writeCleared(Transaction &transaction, const RecordArchive &archive,
-                              Restoration &restoration);
+                              RestorationEffects &restoration);
 
     // Merging
     void merge(const ChangeSet &changes);

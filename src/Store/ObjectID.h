@@ -17,7 +17,10 @@ struct ObjectID
     bool isNull() const { return key == 0; }
 
     friend auto operator<=>(const ObjectID &, const ObjectID &) = default;
-    friend size_t qHash(const ObjectID &id, size_t seed = 0) { return qHashMulti(seed, id.entity, id.key); }
+    friend size_t qHash(const ObjectID &id, size_t seed = 0)
+    {
+        return qHashMulti(seed, id.entity, id.key);
+    }
 };
 
 } // namespace tembra

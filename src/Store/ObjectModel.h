@@ -24,7 +24,7 @@ struct ToOneDescription
 {
     QByteArray name;
     QByteArray destination; ///< Entity name.
-    QByteArray inverse;     ///< Name of the to-many relationship at the destination.
+    QByteArray inverse; ///< Name of the to-many relationship at the destination.
 };
 
 /// What deleting the owner does to the records a to-many relationship reaches.
@@ -38,8 +38,8 @@ struct ToManyDescription
     QByteArray destination;
     QByteArray inverse;
     DeleteRule deleteRule = DeleteRule::Nullify;
-    QByteArray joinTable = {};         ///< Empty when the inverse is a to-one relationship.
-    QByteArray ownColumn = {};         ///< Column of the join table that holds the owner's key.
+    QByteArray joinTable = {}; ///< Empty when the inverse is a to-one relationship.
+    QByteArray ownColumn = {}; ///< Column of the join table that holds the owner's key.
     QByteArray destinationColumn = {}; ///< Column of the join table that holds the other key.
 };
 
@@ -78,8 +78,8 @@ struct SchemaMigration
 /// What a store holds: its entities and how its schema came to be. Immutable once built.
 struct ObjectModel
 {
-    QList<EntityDescription> entities;   ///< In an order in which rows may be inserted.
-    QList<SchemaMigration> migrations;   ///< Versions 1, 2, 3 ... without gaps; 1 creates the tables.
+    QList<EntityDescription> entities; ///< In an order in which rows may be inserted.
+    QList<SchemaMigration> migrations; ///< Versions 1, 2, 3 ... without gaps; 1 creates the tables.
 
     int version() const { return migrations.isEmpty() ? 0 : migrations.last().to; }
     int entityIndex(const QByteArray &entityName) const; ///< -1 when there is none.

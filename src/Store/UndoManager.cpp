@@ -6,6 +6,8 @@
 #include "Store/RecordArchive.h"
 #include "Store/UndoHistory.h"
 
+#include <algorithm>
+
 namespace tembra {
 
 struct UndoManager::Private
@@ -130,41 +132,46 @@ Result<void> UndoManager::reverse(const RecordedChange &change)
 
 void UndoManager::announce(const UndoStep &step)
 {
-    std::vector<std::pair<ObjectID, int>> touched;
-    const auto touch = [&](ObjectID id, int property) {
-        if (touched.empty() || touched.back() != std::pair(id, property))
-            touched.emplace_back(id, property);
-    };
-    const auto touchWithOwner = [&](ObjectID id, const auto &valueOf) {
+    TouchedProperties touched;
+    for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
+        addTouched(*change, touched);
+    touched.erase(std::unique(touched.begin(), touched.end()), touched.end());
+    for (const auto &[id, property] : touched)
+        Q_EMIT willChangeObject(id, property);
+}
+
+void UndoManager::addTouched(const RecordedChange &change, TouchedProperties &touched)
+{
+    const auto addWithOwner = [&](ObjectID id, const auto &valueOf) {
         for (const ToOneColumn &column : d->context.d->schema.table(id.entity).toOnes) {
             const Value value = valueOf(column.property);
             const auto *owner = std::get_if<qint64>(&value);
             if (owner && column.rule == DeleteRule::Cascade)
-                touch({column.destination, *owner}, column.inverse);
+                touched.push_back({{column.destination, *owner}, column.inverse});
         }
-        touch(id, -1);
+        touched.push_back({id, -1});
     };
-    for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change) {
-        std::visit(
-            Overloaded{
-                [&](const ValueEdit &edit) { touch(edit.id, edit.property); },
-                [&](const LinkEdit &edit) { touch(edit.owner, edit.property); },
-                [&](const InsertedRecords &inserted) {
-                    if (const auto first = d->context.object(inserted.ids.front()))
-                        touchWithOwner(first->objectID(),
-                                       [&](int property) { return first->value(property); });
-                },
-                [&](const DeletedRecords &deleted) {
-                    deleted.archive->forEachRow([&](ObjectID id, RowReader::Row row) {
-                        touchWithOwner(id, [&](int property) { return row[size_t(property)]; });
-                        return false; // The first row is the topmost record; the rest hangs on it.
-                    });
-                },
+    std::visit(
+        Overloaded{
+            [&](const ValueEdit &edit) {
+                touched.push_back({edit.id, edit.property});
             },
-            *change);
-    }
-    for (const auto &[id, property] : touched)
-        Q_EMIT willChangeObject(id, property);
+            [&](const LinkEdit &edit) {
+                touched.push_back({edit.owner, edit.property});
+            },
+            [&](const InsertedRecords &inserted) {
+                if (const auto first = d->context.object(inserted.ids.front()))
+                    addWithOwner(first->objectID(),
+                                 [&](int column) { return first->value(column); });
+            },
+            [&](const DeletedRecords &deleted) {
+                deleted.archive->forEachRow([&](ObjectID id, RowReader::Row row) {
+                    addWithOwner(id, [&](int column) { return row[size_t(column)]; });
+                    return false; // The first row is the topmost record; the rest hangs on it.
+                });
+            },
+        },
+        change);
 }
 
 void UndoManager::removeAllSteps()

@@ -50,8 +50,9 @@ public:
 Q_SIGNALS:
     /// canUndo() or canRedo() may read differently.
     void changed();
-    /// About to change this record by undo or redo: show it to the user first. For a record that
-    /// undo brings back or takes away, its surviving owner comes first in the sequence of signals.
+    /// About to change this property of a record by undo or redo: show it to the user first. For a
+    /// record that undo brings back or takes away (property -1) its surviving owner comes first in
+    /// the sequence of signals; of several that come or go together the topmost stands for all.
     void willChangeObject(const tembra::ObjectID &id, int property);
 
 private:
@@ -68,7 +69,10 @@ private:
                        void (UndoHistory::*putOpposite)(UndoStep));
     bool reverse(UndoStep &step);
     Result<void> reverse(const RecordedChange &change);
+    /// Says which records the step is about: of many that hang together, the topmost one.
     void announce(const UndoStep &step);
+    using TouchedProperties = std::vector<std::pair<ObjectID, int>>;
+    void addTouched(const RecordedChange &change, TouchedProperties &touched);
 
     std::unique_ptr<Private> d;
 };

@@ -3,6 +3,7 @@
 #include "Toolkit/EmojiItemDelegate.h"
 #include "Toolkit/EmojiText.h"
 
+#include <QAbstractItemView>
 #include <QStyleOptionComboBox>
 #include <QStylePainter>
 
@@ -15,18 +16,34 @@ EmojiComboBox::EmojiComboBox(QWidget *parent) : QComboBox(parent)
 
 QSize EmojiComboBox::sizeHint() const
 {
-    QSizeF widest(0, fontMetrics().height());
-    for (int row = 0; row < count(); ++row)
-        widest = widest.expandedTo(emojiTextSize(itemText(row), font()));
     QStyleOptionComboBox option;
     initStyleOption(&option);
-    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, widest.toSize() + QSize(1, 2),
+    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contentSize() + QSize(1, 2),
                                      this);
+}
+
+/// Measuring an emoji loads its picture: with a fixed number of them, none is measured.
+QSize EmojiComboBox::contentSize() const
+{
+    const int lineHeight = fontMetrics().height();
+    if (sizeAdjustPolicy() == AdjustToMinimumContentsLengthWithIcon)
+        return {minimumContentsLength() * lineHeight, lineHeight};
+    QSizeF widest(0, lineHeight);
+    for (int row = 0; row < count(); ++row)
+        widest = widest.expandedTo(emojiTextSize(itemText(row), font()));
+    return widest.toSize();
 }
 
 QSize EmojiComboBox::minimumSizeHint() const
 {
     return sizeHint();
+}
+
+void EmojiComboBox::showPopup()
+{
+    // Items may say more in the list than the closed menu shows.
+    view()->setMinimumWidth(view()->sizeHintForColumn(0));
+    QComboBox::showPopup();
 }
 
 void EmojiComboBox::paintEvent(QPaintEvent *)

@@ -5,6 +5,8 @@
 namespace tembra {
 
 /// A pop-up menu whose titles are or hold emoji: in colour when closed and in the list.
+///
+/// With AdjustToMinimumContentsLengthWithIcon it is as wide as that many emoji.
 class EmojiComboBox final : public QComboBox
 {
     Q_OBJECT
@@ -14,9 +16,13 @@ public:
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+    void showPopup() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+
+private:
+    QSize contentSize() const;
 };
 
 } // namespace tembra

@@ -82,7 +82,8 @@ void EmptyState::applyTheme()
 {
     m_title->setFont(theme::titleFont(font()));
     QPalette dimmed;
-    dimmed.setColor(m_sentence->foregroundRole(), theme::secondaryText(palette(), backgroundRole()));
+    dimmed.setColor(m_sentence->foregroundRole(),
+                    theme::secondaryText(palette(), backgroundRole()));
     m_sentence->setPalette(dimmed);
 }
 

@@ -45,7 +45,8 @@ QByteArray valueOf(const Counterpart &teammate)
 
 QByteArray valueOf(const Session &session)
 {
-    return QByteArray::number(session.personalSentiment()) + '/' + QByteArray::number(session.meetingSentiment());
+    return QByteArray::number(session.personalSentiment()) + '/'
+           + QByteArray::number(session.meetingSentiment());
 }
 
 QByteArray valueOf(const Note &note)

@@ -37,7 +37,8 @@ constexpr int mostMeetings = 12;
 void say(const QByteArray &line)
 {
     const QByteArray whole = line + '\n';
-    require(::write(STDOUT_FILENO, whole.constData(), size_t(whole.size())) == whole.size(), "The log can be written");
+    require(::write(STDOUT_FILENO, whole.constData(), size_t(whole.size())) == whole.size(),
+            "The log can be written");
 }
 
 class Writer
@@ -47,6 +48,7 @@ public:
         : m_context(context)
         , m_random(seed)
         , m_doesEverything(doesEverything)
+        , m_told(contentsOf(context))
     {
         load();
         if (m_teammates.isEmpty())
@@ -59,7 +61,7 @@ public:
     {
         if (m_notes.isEmpty() || (m_doesEverything && below(100) < 40))
             change();
-        else if (below(100) < 3)
+        else if (below(1000) < (m_doesEverything ? 30 : 3))
             save();
         else
             type();
@@ -98,13 +100,14 @@ private:
     void tellOutcome()
     {
         const JournalContents now = contentsOf(m_context);
+        const JournalContents told = m_told;
         for (auto record = now.begin(); record != now.end(); ++record) {
-            if (m_told.value(record.key(), absent) != record.value())
+            if (told.value(record.key(), absent) != record.value())
                 will(record.key(), record.value());
         }
-        for (const QByteArray &key : m_told.keys()) {
-            if (!now.contains(key) && m_told.value(key) != absent)
-                will(key, absent);
+        for (auto record = told.begin(); record != told.end(); ++record) {
+            if (!now.contains(record.key()) && record.value() != absent)
+                will(record.key(), absent);
         }
         load();
         done();
@@ -112,7 +115,8 @@ private:
 
     QString word()
     {
-        static const QStringList words{u"goal"_s, u"próximo"_s, u"🎉"_s, u"会議"_s, u"deadline"_s, u"שלום"_s, u"a"_s};
+        static const QStringList words{u"goal"_s,     u"próximo"_s, u"🎉"_s, u"会議"_s,
+                                       u"deadline"_s, u"שלום"_s,    u"a"_s};
         return words.at(below(int(words.size()))) + QString::number(below(1000)) + u' ';
     }
 
@@ -170,7 +174,6 @@ private:
         if (m_sessions.isEmpty())
             return addMeeting();
         Session &session = *m_sessions.at(below(int(m_sessions.size())));
-        // The outcome is one of two values, as two records of the store would be written.
         say("U");
         session.setPersonalSentiment(qint16(below(9)));
         session.setMeetingSentiment(qint16(below(7)));
@@ -199,7 +202,8 @@ private:
         if (m_sessions.isEmpty())
             return addMeeting();
         say("U");
-        require(m_context.deleteObject(m_sessions.at(below(int(m_sessions.size())))).has_value(), "A meeting can be deleted");
+        require(m_context.deleteObject(m_sessions.at(below(int(m_sessions.size())))).has_value(),
+                "A meeting can be deleted");
         tellOutcome();
     }
 
@@ -239,7 +243,8 @@ int main(int argc, char *argv[])
     const auto folder = DataFolder::forOptions({.dataDirectory = arguments.at(1)});
     ProgramServices services(*folder);
     services.derivedTexts.follow(services.coreData.viewContext());
-    Writer writer(services.coreData.viewContext(), arguments.at(2).toUInt(), arguments.at(3) == u"does-everything");
+    Writer writer(services.coreData.viewContext(), arguments.at(2).toUInt(),
+                  arguments.at(3) == u"does-everything");
 
     // One thing at a time, each in a turn of its own, as input arrives.
     QTimer hand;

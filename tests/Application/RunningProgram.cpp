@@ -19,7 +19,8 @@ FreshAccount::FreshAccount()
 QProcessEnvironment FreshAccount::environment() const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const QString &name : {u"XDG_DATA_HOME"_s, u"XDG_CONFIG_HOME"_s, u"XDG_STATE_HOME"_s, u"XDG_CACHE_HOME"_s})
+    for (const QString &name :
+         {u"XDG_DATA_HOME"_s, u"XDG_CONFIG_HOME"_s, u"XDG_STATE_HOME"_s, u"XDG_CACHE_HOME"_s})
         environment.remove(name);
     environment.insert(u"HOME"_s, path(u"home"_s));
     environment.insert(u"TMPDIR"_s, path(u"tmp"_s));
@@ -30,7 +31,8 @@ QStringList FreshAccount::filesLeft() const
 {
     QStringList files;
     for (const QString &name : {u"home"_s, u"tmp"_s}) {
-        QDirIterator iterator(path(name), QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+        QDirIterator iterator(path(name),
+                              QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                               QDirIterator::Subdirectories);
         while (iterator.hasNext())
             files.append(iterator.next());
@@ -69,7 +71,8 @@ QString RunningProgram::xdotool(const QStringList &arguments)
 QStringList RunningProgram::windows() const
 {
     const QString found = xdotool({u"search"_s, u"--all"_s, u"--onlyvisible"_s, u"--pid"_s,
-                                   QString::number(m_process.processId()), u"--name"_s, u"^Tembra$"_s});
+                                   QString::number(m_process.processId()), u"--name"_s,
+                                   u"^Tembra$"_s});
     return found.split(u'\n', Qt::SkipEmptyParts);
 }
 
@@ -89,7 +92,8 @@ int RunningProgram::waitForEnd(int milliseconds)
         return -1;
     m_output += QString::fromUtf8(m_process.readAllStandardOutput());
     m_errors += QString::fromUtf8(m_process.readAllStandardError());
-    return m_process.exitStatus() == QProcess::CrashExit ? -m_process.exitCode() : m_process.exitCode();
+    return m_process.exitStatus() == QProcess::CrashExit ? -m_process.exitCode()
+                                                         : m_process.exitCode();
 }
 
 void RunningProgram::minimise() const

@@ -10,8 +10,7 @@ constexpr qint64 twoSeconds = 2'000'000'000;
 
 } // namespace
 
-WriterLog::WriterLog(JournalContents before, const QByteArray &log)
-    : m_before(std::move(before))
+WriterLog::WriterLog(JournalContents before, const QByteArray &log) : m_before(std::move(before))
 {
     const QByteArray wholeLines = log.left(log.lastIndexOf('\n') + 1);
     Step step;
@@ -66,14 +65,16 @@ QSet<QByteArray> WriterLog::allowedValues(const QByteArray &key, size_t lastingS
     }
     allowed.insert(current);
     // What was undone just before the kill reads as it once did.
-    const bool isOutcomeOpen = !m_steps.empty() && m_steps.back().doneAt == 0 && m_steps.back().isOutcomeUnknown;
+    const bool isOutcomeOpen = !m_steps.empty() && m_steps.back().doneAt == 0
+                               && m_steps.back().isOutcomeUnknown;
     return isOutcomeOpen ? allowed + everTrue : allowed;
 }
 
 QByteArrayList WriterLog::differences(const JournalContents &after, qint64 killTime) const
 {
     const size_t lasting = stepsThatMustLast(killTime);
-    const bool isOutcomeOpen = !m_steps.empty() && m_steps.back().doneAt == 0 && m_steps.back().isOutcomeUnknown;
+    const bool isOutcomeOpen = !m_steps.empty() && m_steps.back().doneAt == 0
+                               && m_steps.back().isOutcomeUnknown;
     QSet<QByteArray> keys(m_before.keyBegin(), m_before.keyEnd());
     for (const Step &step : m_steps) {
         for (const auto &[key, value] : step.values)
@@ -84,7 +85,8 @@ QByteArrayList WriterLog::differences(const JournalContents &after, qint64 killT
         const QByteArray found = after.value(key, absent);
         const QSet<QByteArray> allowed = allowedValues(key, lasting);
         if (!allowed.contains(found) && !(isOutcomeOpen && found == absent))
-            wrong.append(key + " reads " + found + ", expected one of " + allowed.values().join(", "));
+            wrong.append(key + " reads " + found + ", expected one of "
+                         + allowed.values().join(", "));
     }
     for (const QByteArray &key : after.keys()) {
         if (!keys.contains(key) && !isOutcomeOpen)

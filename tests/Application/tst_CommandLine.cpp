@@ -28,15 +28,18 @@ void tst_CommandLine::startOptions_data()
     QTest::addColumn<QString>("screenshots");
 
     QTest::newRow("nothing") << QStringList() << QString() << false << QString();
-    QTest::newRow("data folder") << QStringList{u"--data-dir"_s, u"/j"_s} << u"/j"_s << false << QString();
-    QTest::newRow("data folder after =") << QStringList{u"--data-dir=/j k"_s} << u"/j k"_s << false << QString();
+    QTest::newRow("data folder") << QStringList{u"--data-dir"_s, u"/j"_s} << u"/j"_s << false
+                                 << QString();
+    QTest::newRow("data folder after =")
+        << QStringList{u"--data-dir=/j k"_s} << u"/j k"_s << false << QString();
     QTest::newRow("the last one of two counts")
         << QStringList{u"--data-dir=/a"_s, u"--data-dir=/b"_s} << u"/b"_s << false << QString();
     QTest::newRow("sample") << QStringList{u"--sample"_s} << QString() << true << QString();
     QTest::newRow("sample with pictures")
         << QStringList{u"--screenshots"_s, u"p"_s, u"--sample"_s} << QString() << true << u"p"_s;
     QTest::newRow("options of the toolkit")
-        << QStringList{u"-platform"_s, u"xcb"_s, u"--style"_s, u"fusion"_s, u"-session"_s, u"a_b"_s, u"-reverse"_s}
+        << QStringList{u"-platform"_s, u"xcb"_s, u"--style"_s, u"fusion"_s,
+                       u"-session"_s,  u"a_b"_s, u"-reverse"_s}
         << QString() << false << QString();
 }
 
@@ -60,7 +63,8 @@ void tst_CommandLine::helpAndVersion_data()
     QTest::newRow("help") << QStringList{u"--help"_s} << help;
     QTest::newRow("h") << QStringList{u"-h"_s} << help;
     QTest::newRow("help beside a mistake") << QStringList{u"--nonsense"_s, u"--help"_s} << help;
-    QTest::newRow("version") << QStringList{u"--version"_s} << u"tembra %1\n"_s.arg(programVersion());
+    QTest::newRow("version") << QStringList{u"--version"_s}
+                             << u"tembra %1\n"_s.arg(programVersion());
     QTest::newRow("v") << QStringList{u"-v"_s} << u"tembra %1\n"_s.arg(programVersion());
 }
 
@@ -75,8 +79,8 @@ void tst_CommandLine::helpAndVersion()
     QVERIFY2(text.text.startsWith(begins), qPrintable(text.text));
     if (!begins.startsWith(u"Usage"))
         return;
-    for (const QString &option : {u"--data-dir DIR"_s, u"--sample"_s, u"--screenshots DIR"_s, u"--help"_s,
-                                  u"--version"_s})
+    for (const QString &option :
+         {u"--data-dir DIR"_s, u"--sample"_s, u"--screenshots DIR"_s, u"--help"_s, u"--version"_s})
         QVERIFY2(text.text.contains(option), qPrintable(option));
 }
 
@@ -87,15 +91,19 @@ void tst_CommandLine::mistakes_data()
 
     QTest::newRow("unknown option") << QStringList{u"--nonsense"_s} << u"nonsense"_s;
     QTest::newRow("unknown letter") << QStringList{u"-x"_s} << u"x"_s;
-    QTest::newRow("a file") << QStringList{u"journal.sqlite"_s} << u"'journal.sqlite' is not an option."_s;
+    QTest::newRow("a file") << QStringList{u"journal.sqlite"_s}
+                            << u"'journal.sqlite' is not an option."_s;
     QTest::newRow("data folder without a name") << QStringList{u"--data-dir"_s} << u"data-dir"_s;
     QTest::newRow("data folder with an empty name")
         << QStringList{u"--data-dir"_s, QString()} << u"--data-dir needs the name of a folder."_s;
     QTest::newRow("an option in place of the data folder")
-        << QStringList{u"--data-dir"_s, u"--sample"_s} << u"--data-dir needs the name of a folder."_s;
-    QTest::newRow("pictures without a folder") << QStringList{u"--screenshots"_s} << u"screenshots"_s;
+        << QStringList{u"--data-dir"_s, u"--sample"_s}
+        << u"--data-dir needs the name of a folder."_s;
+    QTest::newRow("pictures without a folder")
+        << QStringList{u"--screenshots"_s} << u"screenshots"_s;
     QTest::newRow("an option in place of the folder for pictures")
-        << QStringList{u"--screenshots"_s, u"--sample"_s} << u"--screenshots needs the name of a folder."_s;
+        << QStringList{u"--screenshots"_s, u"--sample"_s}
+        << u"--screenshots needs the name of a folder."_s;
     QTest::newRow("a value for sample") << QStringList{u"--sample=yes"_s} << u"sample"_s;
     QTest::newRow("sample with a data folder")
         << QStringList{u"--sample"_s, u"--data-dir"_s, u"/j"_s} << u"leave --data-dir out"_s;

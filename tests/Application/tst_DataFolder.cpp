@@ -16,7 +16,8 @@ namespace {
 int modeOf(const QString &path)
 {
     struct stat status = {};
-    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? int(status.st_mode & 07777) : -1;
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? int(status.st_mode & 07777)
+                                                                     : -1;
 }
 
 } // namespace
@@ -139,10 +140,12 @@ void tst_DataFolder::theSampleFolderOfEachStartIsAnother()
 
 void tst_DataFolder::aSampleWithoutPlaceFails()
 {
-    qputenv("TMPDIR", path(u"missing"_s).toUtf8());
+    QFile file(path(u"file"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    qputenv("TMPDIR", path(u"file"_s).toUtf8());
     const auto folder = DataFolder::forOptions({.sample = true});
     QVERIFY(!folder);
-    QVERIFY2(folder.error().message.contains(path(u"missing"_s)), qPrintable(folder.error().message));
+    QVERIFY2(folder.error().message.contains(path(u"file"_s)), qPrintable(folder.error().message));
 }
 
 QTEST_GUILESS_MAIN(tst_DataFolder)

@@ -12,8 +12,8 @@
 #include "Model/Note.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/PersistentContainer.h"
-#include "Toolkit/Alert.h"
 #include "support/FaultVfs.h"
+#include "Toolkit/Alert.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -100,12 +100,15 @@ public:
     {
         auto container = std::make_unique<PersistentContainer>(
             u"Vum"_s, makeJournalModel(services.journal),
-            PersistentContainer::Options{.directory = directory, .clock = &services.clock, .vfs = disk.name()});
+            PersistentContainer::Options{.directory = directory,
+                                         .clock = &services.clock,
+                                         .vfs = disk.name()});
         if (!container->loadPersistentStores())
             qFatal("The store does not open");
         services.coreData.setPersistentContainer(std::move(container));
         delegate = std::make_unique<AppDelegate>(services, m_folder);
-        QObject::connect(&m_signals, &UnixSignals::terminationRequested, delegate.get(), &AppDelegate::terminate);
+        QObject::connect(&m_signals, &UnixSignals::terminationRequested, delegate.get(),
+                         &AppDelegate::terminate);
         delegate->applicationDidFinishLaunching();
         window = delegate->window();
     }
@@ -244,7 +247,8 @@ QStringList tst_Quit::savedNames()
     m_program.reset();
     Program again(m_folder->path());
     QStringList names;
-    const auto teammates = again.services.coreData.viewContext().fetch<Counterpart>(JournalQueries::counterparts());
+    const auto teammates = again.services.coreData.viewContext().fetch<Counterpart>(
+        JournalQueries::counterparts());
     for (const auto &teammate : *teammates)
         names.append(teammate->name());
     return names;
@@ -297,7 +301,8 @@ void tst_Quit::failedSaveCanBeCancelled()
 {
     QFETCH(QString, way);
     changeThenBreakDisk();
-    QCOMPARE(m_program->run([&] { quitBy(way); }, {AlertReader::press(0), AlertReader::press(1)}), goesOn);
+    QCOMPARE(m_program->run([&] { quitBy(way); }, {AlertReader::press(0), AlertReader::press(1)}),
+             goesOn);
     QCOMPARE(m_program->alerts->messages, (QStringList{savingFailed, quitAnyway}));
     QVERIFY2(m_program->alerts->informativeTexts.first().startsWith(u"The disk is full"),
              qPrintable(m_program->alerts->informativeTexts.first()));
@@ -314,7 +319,8 @@ void tst_Quit::failedSaveCanQuitAnyway()
 {
     QFETCH(QString, way);
     changeThenBreakDisk();
-    QCOMPARE(m_program->run([&] { quitBy(way); }, {AlertReader::press(0), AlertReader::press(0)}), 0);
+    QCOMPARE(m_program->run([&] { quitBy(way); }, {AlertReader::press(0), AlertReader::press(0)}),
+             0);
     QCOMPARE(m_program->alerts->messages, (QStringList{savingFailed, quitAnyway}));
     // Taken down while the disk still fails.
     m_program.reset();
@@ -333,7 +339,9 @@ void tst_Quit::keysOnTheQuestionCancel()
 {
     QFETCH(Qt::Key, key);
     changeThenBreakDisk();
-    QCOMPARE(m_program->run([&] { quitBy(u"menu"_s); }, {AlertReader::pressKey(key), AlertReader::pressKey(key)}), goesOn);
+    QCOMPARE(m_program->run([&] { quitBy(u"menu"_s); },
+                            {AlertReader::pressKey(key), AlertReader::pressKey(key)}),
+             goesOn);
     QCOMPARE(m_program->alerts->messages, (QStringList{savingFailed, quitAnyway}));
     m_program->disk.failNothing();
 }
@@ -380,7 +388,8 @@ void tst_Quit::quittingWhileBeingAskedDoesNothing()
             open += qobject_cast<Alert *>(widget) && widget->isVisible();
         first->reject();
     };
-    QCOMPARE(m_program->run([&] { quitBy(u"menu"_s); }, {quitAgainThenCancel, quitAgainThenCancel}), goesOn);
+    QCOMPARE(m_program->run([&] { quitBy(u"menu"_s); }, {quitAgainThenCancel, quitAgainThenCancel}),
+             goesOn);
     QCOMPARE(open, 2); // Each of the two was alone.
     QCOMPARE(m_program->alerts->messages, (QStringList{savingFailed, quitAnyway}));
     m_program->disk.failNothing();
@@ -389,7 +398,9 @@ void tst_Quit::quittingWhileBeingAskedDoesNothing()
 void tst_Quit::afterCancellingASaveThatWorksQuits()
 {
     changeThenBreakDisk();
-    QCOMPARE(m_program->run([&] { quitBy(u"menu"_s); }, {AlertReader::press(0), AlertReader::press(1)}), goesOn);
+    QCOMPARE(m_program->run([&] { quitBy(u"menu"_s); },
+                            {AlertReader::press(0), AlertReader::press(1)}),
+             goesOn);
     m_program->disk.failNothing();
     QCOMPARE(m_program->run([&] { quitBy(u"menu"_s); }), 0);
     QCOMPARE(savedNames(), QStringList{u"Ana"_s});
@@ -415,7 +426,8 @@ void tst_Quit::anOpenMenuMakesWayForTheQuestion()
     changeThenBreakDisk();
     const auto openMenuThenQuit = [&] {
         QMenuBar *bar = m_program->window->menuBar();
-        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(bar->actions().first()).center());
+        QTest::mouseClick(bar, Qt::LeftButton, {},
+                          bar->actionGeometry(bar->actions().first()).center());
         QVERIFY(QApplication::activePopupWidget());
         quitBy(u"SIGTERM"_s);
     };
@@ -432,7 +444,9 @@ void tst_Quit::quitsUnderASheet()
 {
     m_program->addTeammate(u"Ana"_s);
     const auto openSheetThenQuit = [&] {
-        Alert::beginSheet({.messageText = u"Delete?"_s, .informativeText = u"One will be removed."_s, .buttons = {u"Delete"_s, u"Cancel"_s}},
+        Alert::beginSheet({.messageText = u"Delete?"_s,
+                           .informativeText = u"One will be removed."_s,
+                           .buttons = {u"Delete"_s, u"Cancel"_s}},
                           m_program->window, [](int) {});
     };
     const auto quitUnderIt = [&](Alert &) { quitBy(u"SIGTERM"_s); };
@@ -446,7 +460,9 @@ void tst_Quit::quitsUnderTheAlertOfAFailedSave()
     changeThenBreakDisk();
     // The alert of the autosave says already what the quit would say first.
     const auto quitUnderIt = [&](Alert &) { quitBy(u"SIGTERM"_s); };
-    QCOMPARE(m_program->run([&] { m_program->services.coreData.handleTimer(); }, {quitUnderIt, AlertReader::press(0)}), 0);
+    QCOMPARE(m_program->run([&] { m_program->services.coreData.handleTimer(); },
+                            {quitUnderIt, AlertReader::press(0)}),
+             0);
     QCOMPARE(m_program->alerts->messages, (QStringList{savingFailed, quitAnyway}));
     m_program->disk.failNothing();
 }
@@ -463,7 +479,8 @@ void tst_Quit::logOutWithoutQuestionsSaves()
 void tst_Quit::logOutWithoutQuestionsLogsAFailure()
 {
     changeThenBreakDisk();
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Could not save at log-out: The disk is full"_s));
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(u"^Could not save at log-out: The disk is full"_s));
     QVERIFY(m_program->delegate->prepareForLogout(false));
     QVERIFY(!QApplication::activeModalWidget());
     QVERIFY(m_program->hasChanges());

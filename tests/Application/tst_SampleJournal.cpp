@@ -4,8 +4,8 @@
 #include "Model/SentimentScale.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/UndoManager.h"
-#include "Toolkit/EmojiText.h"
 #include "support/JournalFixture.h"
+#include "Toolkit/EmojiText.h"
 
 #include <QDateTime>
 #include <QSet>
@@ -24,8 +24,9 @@ QStringList contentsOf(const JournalFixture &journal)
         lines.append(teammate->name());
         for (const auto &session : teammate->sessions()) {
             const double ago = journal.clock.now().secondsSinceReferenceDate
-                - session->date()->secondsSinceReferenceDate;
-            QStringList line{QString::number(ago), session->emojiSummary(), session->tagEmojiSummary()};
+                               - session->date()->secondsSinceReferenceDate;
+            QStringList line{QString::number(ago), session->emojiSummary(),
+                             session->tagEmojiSummary()};
             for (const auto &note : session->sortedNotes())
                 line.append(note->contentString());
             lines.append(line.join(u'|'));
@@ -94,7 +95,8 @@ void tst_SampleJournal::hasEightTeammates()
     for (const auto &teammate : m_journal->counterparts())
         names.insert(teammate->name());
     QCOMPARE(names.size(), 8);
-    QVERIFY(std::any_of(names.begin(), names.end(), [](const QString &name) { return name.size() > 30; }));
+    QVERIFY(std::any_of(names.begin(), names.end(),
+                        [](const QString &name) { return name.size() > 30; }));
 }
 
 void tst_SampleJournal::meetingsLieInTheLastTwoYears()
@@ -104,7 +106,8 @@ void tst_SampleJournal::meetingsLieInTheLastTwoYears()
     double oldest = 0;
     for (const auto &session : sessions) {
         const double daysAgo = (m_journal->clock.now().secondsSinceReferenceDate
-                                - session->date()->secondsSinceReferenceDate) / secondsPerDay;
+                                - session->date()->secondsSinceReferenceDate)
+                               / secondsPerDay;
         QVERIFY2(daysAgo > 0 && daysAgo < 734, qPrintable(QString::number(daysAgo)));
         oldest = std::max(oldest, daysAgo);
     }
@@ -114,7 +117,8 @@ void tst_SampleJournal::meetingsLieInTheLastTwoYears()
 void tst_SampleJournal::meetingsAreInWorkingHours()
 {
     for (const auto &session : allSessions()) {
-        const auto moment = QDateTime::fromMSecsSinceEpoch(qint64(session->date()->toUnixMilliseconds()), Qt::UTC);
+        const auto moment = QDateTime::fromMSecsSinceEpoch(
+            qint64(session->date()->toUnixMilliseconds()), Qt::UTC);
         QVERIFY2(moment.date().dayOfWeek() <= Qt::Friday, qPrintable(moment.toString(Qt::ISODate)));
         QVERIFY2(moment.time() >= QTime(9, 0) && moment.time() < QTime(17, 0),
                  qPrintable(moment.toString(Qt::ISODate)));
@@ -143,7 +147,9 @@ void tst_SampleJournal::everyRatingOccursAndNoneIsOffItsScale()
         meeting.insert(session->meetingSentiment());
         teammates.insert(session->counterpartSentiment());
     }
-    const auto asSet = [](const QList<int> &values) { return QSet<int>(values.begin(), values.end()); };
+    const auto asSet = [](const QList<int> &values) {
+        return QSet<int>(values.begin(), values.end());
+    };
     QCOMPARE(own, asSet(SentimentScale::personal().allValues()));
     QCOMPARE(meeting, asSet(SentimentScale::meeting().allValues()));
     QCOMPARE(teammates, asSet(SentimentScale::personal().allValues()));
@@ -162,14 +168,17 @@ void tst_SampleJournal::notesReadLikeAManagersOwn()
     const QStringList texts = allTexts();
     QVERIFY(QSet<QString>(texts.begin(), texts.end()).size() > 40);
     QVERIFY(std::any_of(texts.begin(), texts.end(), hasEmoji));
-    QVERIFY(std::any_of(texts.begin(), texts.end(), [](const QString &text) { return text.contains(u'é'); }));
-    QVERIFY(std::any_of(texts.begin(), texts.end(), [](const QString &text) { return text.contains(u'\n'); }));
+    QVERIFY(std::any_of(texts.begin(), texts.end(),
+                        [](const QString &text) { return text.contains(u'é'); }));
+    QVERIFY(std::any_of(texts.begin(), texts.end(),
+                        [](const QString &text) { return text.contains(u'\n'); }));
     for (const QString &text : texts)
         QVERIFY2(text.size() > 20 && text.size() < 300 && text == text.trimmed(), qPrintable(text));
     // The same words never come twice in a row in a field.
     for (const auto &teammate : m_journal->counterparts()) {
         for (qint16 field = 0; field <= maximumNoteIdentifier; ++field) {
-            const auto notes = m_journal->context().fetch<Note>(JournalQueries::filledNotes(teammate->objectID(), field));
+            const auto notes = m_journal->context().fetch<Note>(
+                JournalQueries::filledNotes(teammate->objectID(), field));
             QVERIFY(notes);
             for (qsizetype i = 1; i < notes->size(); ++i)
                 QVERIFY(notes->at(i)->contentString() != notes->at(i - 1)->contentString());
@@ -187,8 +196,10 @@ void tst_SampleJournal::tagsHaveEmoji()
         QVERIFY(!tag->name().isEmpty());
     }
     const auto sessions = allSessions();
-    QVERIFY(std::any_of(sessions.begin(), sessions.end(), [](const auto &session) { return session->tags().size() == 2; }));
-    QVERIFY(std::any_of(sessions.begin(), sessions.end(), [](const auto &session) { return session->tags().isEmpty(); }));
+    QVERIFY(std::any_of(sessions.begin(), sessions.end(),
+                        [](const auto &session) { return session->tags().size() == 2; }));
+    QVERIFY(std::any_of(sessions.begin(), sessions.end(),
+                        [](const auto &session) { return session->tags().isEmpty(); }));
 }
 
 void tst_SampleJournal::isSavedAndNotUndoable()

@@ -88,7 +88,9 @@ void tst_SecondStart::takesNoPicturesOfTheFirst()
 {
     RunningProgram first(*m_account, onJournal());
     QVERIFY(first.waitForWindow());
-    RunningProgram second(*m_account, onJournal() + QStringList{u"--screenshots"_s, m_account->path(u"pictures"_s)});
+    RunningProgram second(*m_account,
+                          onJournal()
+                              + QStringList{u"--screenshots"_s, m_account->path(u"pictures"_s)});
     QCOMPARE(second.waitForEnd(), 1);
     QVERIFY2(second.errors().contains(u"Quit it to take pictures."), qPrintable(second.errors()));
     QVERIFY(!QFile::exists(m_account->path(u"pictures"_s)));
@@ -103,7 +105,8 @@ void tst_SecondStart::tellsOfOneThatHangs()
     QVERIFY(second.waitForWindow());
     RunningProgram::press({u"Return"_s});
     QCOMPARE(second.waitForEnd(), 1);
-    QVERIFY2(second.errors().contains(u"tembra: Tembra is already running with this journal but does not answer."),
+    QVERIFY2(second.errors().contains(
+                 u"tembra: Tembra is already running with this journal but does not answer."),
              qPrintable(second.errors()));
 
     first.sendSignal(SIGCONT);

@@ -24,7 +24,8 @@ namespace {
 Result<Answer> ask(const QString &folder)
 {
     Result<Answer> answer = Answer::NobodyRuns;
-    const std::unique_ptr<QThread> thread(QThread::create([&] { answer = SingleInstance(folder).askRunningInstance(); }));
+    const std::unique_ptr<QThread> thread(
+        QThread::create([&] { answer = SingleInstance(folder).askRunningInstance(); }));
     thread->start();
     while (!thread->isFinished())
         QTest::qWait(5);
@@ -39,8 +40,9 @@ bool leaveDeadSocket(const QString &path)
     address.sun_family = AF_UNIX;
     qstrncpy(address.sun_path, name.constData(), sizeof address.sun_path);
     const int handle = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    const bool made = ::bind(handle, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0
-        && ::listen(handle, 1) == 0;
+    const bool made = ::bind(handle, reinterpret_cast<const sockaddr *>(&address), sizeof address)
+                          == 0
+                      && ::listen(handle, 1) == 0;
     ::close(handle);
     return made;
 }
@@ -74,7 +76,8 @@ private:
     /// The one socket of the running program.
     QString socketFile() const
     {
-        const auto files = QDir(m_place->filePath(u"run"_s)).entryInfoList(QDir::System | QDir::Files | QDir::NoDotAndDotDot);
+        const auto files = QDir(m_place->filePath(u"run"_s))
+                               .entryInfoList(QDir::System | QDir::Files | QDir::NoDotAndDotDot);
         return files.size() == 1 ? files.first().filePath() : QString();
     }
 
@@ -124,7 +127,8 @@ void tst_SingleInstance::aFolderIsTheSameThroughALink()
     running.listen();
     QVERIFY(QFile::link(folder(u"journal"_s), m_place->filePath(u"link"_s)));
     QCOMPARE(ask(m_place->filePath(u"link"_s)).value_or(Answer::NobodyRuns), Answer::Shown);
-    QCOMPARE(ask(m_place->filePath(u"run/../journal/"_s)).value_or(Answer::NobodyRuns), Answer::Shown);
+    QCOMPARE(ask(m_place->filePath(u"run/../journal/"_s)).value_or(Answer::NobodyRuns),
+             Answer::Shown);
 }
 
 void tst_SingleInstance::anotherFolderIsAnotherProgram()
@@ -140,7 +144,8 @@ void tst_SingleInstance::onlyTheUserReachesTheSocket()
 {
     SingleInstance running(folder(u"journal"_s));
     running.listen();
-    const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther
+                                      | QFile::WriteOther;
     QVERIFY(!socketFile().isEmpty());
     QVERIFY(!(QFile::permissions(socketFile()) & others));
 }
@@ -171,7 +176,8 @@ void tst_SingleInstance::oneThatEndsMeanwhileIsNobody()
     }
     QLocalServer ending;
     QVERIFY(ending.listen(socket));
-    connect(&ending, &QLocalServer::newConnection, this, [&] { ending.nextPendingConnection()->abort(); });
+    connect(&ending, &QLocalServer::newConnection, this,
+            [&] { ending.nextPendingConnection()->abort(); });
     QElapsedTimer timer;
     timer.start();
     QCOMPARE(ask(folder(u"journal"_s)).value_or(Answer::Shown), Answer::NobodyRuns);
@@ -192,7 +198,8 @@ void tst_SingleInstance::oneThatHangsIsToldOf()
     timer.start();
     const auto answer = ask(folder(u"journal"_s));
     QVERIFY(!answer);
-    QVERIFY2(answer.error().message.contains(u"already running with this journal but does not answer"),
+    QVERIFY2(answer.error().message.contains(
+                 u"already running with this journal but does not answer"),
              qPrintable(answer.error().message));
     QVERIFY(timer.elapsed() < 10'000);
 }

@@ -82,8 +82,10 @@ void tst_Start::helpVersionAndMistakesNeedNoDisplay_data()
     QTest::addColumn<QString>("errors");
 
     QTest::newRow("help") << u"--help"_s << 0 << u"Usage: tembra "_s << QString();
-    QTest::newRow("version") << u"--version"_s << 0 << u"tembra %1\n"_s.arg(programVersion()) << QString();
-    QTest::newRow("mistake") << u"--nonsense"_s << 2 << QString() << u"tembra: Unknown option 'nonsense'."_s;
+    QTest::newRow("version") << u"--version"_s << 0 << u"tembra %1\n"_s.arg(programVersion())
+                             << QString();
+    QTest::newRow("mistake") << u"--nonsense"_s << 2 << QString()
+                             << u"tembra: Unknown option 'nonsense'."_s;
 }
 
 void tst_Start::helpVersionAndMistakesNeedNoDisplay()
@@ -104,7 +106,8 @@ void tst_Start::helpVersionAndMistakesNeedNoDisplay()
     const QString said = QString::fromUtf8(program.readAllStandardOutput());
     QVERIFY2(output.isEmpty() ? said.isEmpty() : said.startsWith(output), qPrintable(said));
     const QString complained = QString::fromUtf8(program.readAllStandardError());
-    QVERIFY2(errors.isEmpty() ? complained.isEmpty() : complained.startsWith(errors), qPrintable(complained));
+    QVERIFY2(errors.isEmpty() ? complained.isEmpty() : complained.startsWith(errors),
+             qPrintable(complained));
     QVERIFY(m_account->filesLeft().isEmpty());
 }
 
@@ -167,7 +170,8 @@ void tst_Start::aDataFolderHoldsEverything()
     program.closeWindow();
     QCOMPARE(program.waitForEnd(), 0);
     QCOMPARE(m_account->filesLeft(), QStringList());
-    const QStringList files = QDir(journal()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    const QStringList files = QDir(journal()).entryList(QDir::AllEntries | QDir::Hidden
+                                                        | QDir::NoDotAndDotDot);
     QCOMPARE(files, (QStringList{u"Vum.sqlite"_s, u"windows.ini"_s}));
 }
 
@@ -186,13 +190,15 @@ void tst_Start::picturesAreTaken()
     const QString folder = m_account->path(u"some/pictures"_s);
     RunningProgram program(*m_account, {u"--sample"_s, u"--screenshots"_s, folder});
     QCOMPARE(program.waitForEnd(), 0);
-    QCOMPARE(QDir(folder).entryList(QDir::Files), (QStringList{u"main-window-dark.png"_s, u"main-window-light.png"_s}));
+    QCOMPARE(QDir(folder).entryList(QDir::Files),
+             (QStringList{u"main-window-dark.png"_s, u"main-window-light.png"_s}));
     const QImage light(folder + u"/main-window-light.png"_s);
     const QImage dark(folder + u"/main-window-dark.png"_s);
     QVERIFY(light.width() >= 900 && light.height() >= 560);
     QCOMPARE(dark.size(), light.size());
     const auto brightness = [](const QImage &image) {
-        return qGray(image.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0));
+        return qGray(
+            image.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0));
     };
     QVERIFY2(brightness(light) > 180, qPrintable(QString::number(brightness(light))));
     QVERIFY2(brightness(dark) < 75, qPrintable(QString::number(brightness(dark))));
@@ -203,9 +209,11 @@ void tst_Start::picturesThatCannotBeWrittenAreToldOf()
 {
     QFile file(m_account->path(u"file"_s));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    RunningProgram program(*m_account, {u"--sample"_s, u"--screenshots"_s, m_account->path(u"file/below"_s)});
+    RunningProgram program(*m_account,
+                           {u"--sample"_s, u"--screenshots"_s, m_account->path(u"file/below"_s)});
     QCOMPARE(program.waitForEnd(), 1);
-    QVERIFY2(program.errors().contains(u"Could not make the folder for the screenshots"), qPrintable(program.errors()));
+    QVERIFY2(program.errors().contains(u"Could not make the folder for the screenshots"),
+             qPrintable(program.errors()));
     QCOMPARE(m_account->filesLeft(), QStringList());
 }
 

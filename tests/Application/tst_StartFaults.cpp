@@ -21,7 +21,8 @@ namespace {
 QMap<QString, QByteArray> snapshot(const QString &directory)
 {
     QMap<QString, QByteArray> files;
-    QDirIterator iterator(directory, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+    QDirIterator iterator(directory,
+                          QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                           QDirIterator::Subdirectories);
     while (iterator.hasNext()) {
         const QFileInfo info(iterator.next());
@@ -100,7 +101,8 @@ void tst_StartFaults::prepare(const QString &fault, const QString &directory)
         writeFile(store, {});
         sqlite3 *database = nullptr;
         QCOMPARE(sqlite3_open(QFile::encodeName(store).constData(), &database), SQLITE_OK);
-        QCOMPARE(sqlite3_exec(database, "CREATE TABLE recipes(name)", nullptr, nullptr, nullptr), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(database, "CREATE TABLE recipes(name)", nullptr, nullptr, nullptr),
+                 SQLITE_OK);
         sqlite3_close(database);
     } else {
         // The folder itself is the trouble.
@@ -113,8 +115,8 @@ void tst_StartFaults::aStoreThatCannotBeOpened_data()
 {
     QTest::addColumn<QString>("fault");
     QTest::addColumn<QString>("subfolder");
-    for (const char *fault : {"folder", "link", "dangling link", "newer", "garbage", "cut short", "another database",
-                              "a file in place of the folder"})
+    for (const char *fault : {"folder", "link", "dangling link", "newer", "garbage", "cut short",
+                              "another database", "a file in place of the folder"})
         QTest::newRow(fault) << QString::fromLatin1(fault) << QString();
     QTest::newRow("a folder that cannot be made") << u"file"_s << u"/below"_s;
 }

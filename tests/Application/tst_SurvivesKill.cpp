@@ -62,7 +62,8 @@ public:
         --m_killsLeft;
         m_killTime = 0;
         const QString manner = m_random() % 2 == 0 ? u"types"_s : u"does-everything"_s;
-        m_writer.start(QStringLiteral(JOURNAL_WRITER), {m_folder.path(), QString::number(m_random()), manner});
+        m_writer.start(QStringLiteral(JOURNAL_WRITER),
+                       {m_folder.path(), QString::number(m_random()), manner});
         const int wait = earliestKill + int(m_random() % unsigned(latestKill - earliestKill));
         QTimer::singleShot(wait, this, [this] {
             m_killTime = steadyNow();
@@ -77,7 +78,8 @@ private:
     void look(int exitCode)
     {
         if (m_killTime == 0) {
-            m_tally.problems.append("The writer ended by itself, with status " + QByteArray::number(exitCode));
+            m_tally.problems.append("The writer ended by itself, with status "
+                                    + QByteArray::number(exitCode));
             Q_EMIT finished();
             return;
         }
@@ -152,8 +154,9 @@ void tst_SurvivesKill::nothingIsLost()
         all.back()->startWriter();
     }
     loop.exec();
-    qInfo("%d kills, %d of them after a confirmed save, %d with unsaved edits older than two seconds", tally.kills,
-          tally.withConfirmedSave, tally.withOldDrafts);
+    qInfo(
+        "%d kills, %d of them after a confirmed save, %d with unsaved edits older than two seconds",
+        tally.kills, tally.withConfirmedSave, tally.withOldDrafts);
     QVERIFY2(tally.problems.isEmpty(), tally.problems.mid(0, 20).join('\n').constData());
     QCOMPARE(tally.kills, kills);
     // Otherwise the above has shown little.
@@ -165,7 +168,9 @@ void tst_SurvivesKill::theLogFindsWhatIsMissing()
 {
     const qint64 second = 1'000'000'000;
     const JournalContents before{{"N1", "=old"}};
-    const WriterLog log(before, "W N1 =a\nD 1000000000\nS\nW N1 =b\nD 2000000000\nW N1 =c\nD 3000000000\nW N1 =d\n");
+    const WriterLog log(
+        before,
+        "W N1 =a\nD 1000000000\nS\nW N1 =b\nD 2000000000\nW N1 =c\nD 3000000000\nW N1 =d\n");
     const auto isRight = [&](const QByteArray &found, qint64 killTime) {
         return log.differences({{"N1", found}}, killTime).isEmpty();
     };

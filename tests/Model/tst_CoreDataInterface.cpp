@@ -16,8 +16,7 @@ namespace {
 class FullDisk
 {
 public:
-    explicit FullDisk(FaultVfs &disk)
-        : m_disk(disk)
+    explicit FullDisk(FaultVfs &disk) : m_disk(disk)
     {
         m_disk.failAt(1, FaultVfs::Fault::DiskFull, FaultVfs::Lasting::ForGood);
     }

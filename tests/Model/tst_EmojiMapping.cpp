@@ -40,7 +40,9 @@ void tst_EmojiMapping::reportsThatAnOverrideIsGone()
     EmojiMapping mapping;
     mapping.identifier = 0;
     bool reportedNone = false;
-    mapping.mappingClosure = [&](int, const std::optional<QString> &emoji) { reportedNone = !emoji; };
+    mapping.mappingClosure = [&](int, const std::optional<QString> &emoji) {
+        reportedNone = !emoji;
+    };
     mapping.setEmojiOverride({});
     QVERIFY(reportedNone);
 }

@@ -29,7 +29,8 @@ void tst_Note::neverFilledIn()
 {
     JournalFixture journal;
     const auto session = journal.addSessionDaysAgo(journal.addCounterpart(u"Ana"_s), 1);
-    QCOMPARE(journal.note(session, NoteIdentifier::goals)->fullLastDateLabel(), u"Last note: Never"_s);
+    QCOMPARE(journal.note(session, NoteIdentifier::goals)->fullLastDateLabel(),
+             u"Last note: Never"_s);
 }
 
 void tst_Note::latestEntryOfTheTeammate()
@@ -39,7 +40,8 @@ void tst_Note::latestEntryOfTheTeammate()
     journal.write(journal.addSession(ana, utc(2026, 9, 1)), NoteIdentifier::goals, u"first"_s);
     journal.write(journal.addSession(ana, utc(2026, 10, 2)), NoteIdentifier::goals, u"second"_s);
     const auto today = journal.addSession(ana, utc(2026, 11, 20));
-    QCOMPARE(journal.note(today, NoteIdentifier::goals)->fullLastDateLabel(), u"Last note: Oct 2, 2026"_s);
+    QCOMPARE(journal.note(today, NoteIdentifier::goals)->fullLastDateLabel(),
+             u"Last note: Oct 2, 2026"_s);
 }
 
 void tst_Note::currentMeetingCounts()
@@ -63,7 +65,8 @@ void tst_Note::emptyTextIsNoEntry()
 void tst_Note::otherTeammatesDoNotCount()
 {
     JournalFixture journal;
-    journal.write(journal.addSessionDaysAgo(journal.addCounterpart(u"Ben"_s), 1), NoteIdentifier::goals, u"x"_s);
+    journal.write(journal.addSessionDaysAgo(journal.addCounterpart(u"Ben"_s), 1),
+                  NoteIdentifier::goals, u"x"_s);
     const auto session = journal.addSessionDaysAgo(journal.addCounterpart(u"Ana"_s), 1);
     QCOMPARE(journal.note(session, NoteIdentifier::goals)->lastDateString(), u"Never"_s);
 }
@@ -81,7 +84,8 @@ void tst_Note::labelFollowsTextsAndDates()
     JournalFixture journal(utc(2026, 11, 20));
     const auto ana = journal.addCounterpart(u"Ana"_s);
     const auto older = journal.addSession(ana, utc(2026, 10, 2));
-    const auto shown = journal.note(journal.addSession(ana, utc(2026, 11, 19)), NoteIdentifier::goals);
+    const auto shown = journal.note(journal.addSession(ana, utc(2026, 11, 19)),
+                                    NoteIdentifier::goals);
     journal.settle();
     QCOMPARE(shown->lastDateString(), u"Never"_s);
 

@@ -34,17 +34,22 @@ void tst_SentimentScale::values_data()
     QTest::addColumn<QString>("label");
     QTest::addColumn<QString>("emoji");
 
-    const QStringList personalLabels{u"None"_s, u"Satisfied"_s, u"Disappointed"_s, u"Excited"_s, u"Frustrated"_s,
-                                     u"Tired"_s, u"Proud"_s, u"Disengaged"_s, u"Confused"_s};
-    const QStringList personalEmoji{u"\u2014"_s, u"\U0001F642"_s, u"\U0001F614"_s, u"\U0001F929"_s, u"\U0001F616"_s,
-                                    u"\U0001F915"_s, u"\U0001F60E"_s, u"\U0001F610"_s, u"\U0001F914"_s};
+    const QStringList personalLabels{u"None"_s,    u"Satisfied"_s,  u"Disappointed"_s,
+                                     u"Excited"_s, u"Frustrated"_s, u"Tired"_s,
+                                     u"Proud"_s,   u"Disengaged"_s, u"Confused"_s};
+    const QStringList personalEmoji{u"\u2014"_s,     u"\U0001F642"_s, u"\U0001F614"_s,
+                                    u"\U0001F929"_s, u"\U0001F616"_s, u"\U0001F915"_s,
+                                    u"\U0001F60E"_s, u"\U0001F610"_s, u"\U0001F914"_s};
     for (int value = 0; value < personalLabels.size(); ++value)
-        QTest::addRow("personal %d", value) << true << value << personalLabels.at(value) << personalEmoji.at(value);
-    const QStringList meetingLabels{u"None"_s, u"Impactful"_s, u"Passionate"_s, u"Uneventful"_s, u"Tense"_s,
-                                    u"Frustrating"_s, u"Energizing"_s};
-    const QStringList meetingEmoji{u"\u2014"_s, u"💥"_s, u"\U0001F64C"_s, u"\u2705"_s, u"\u26A1\uFE0F"_s, u"😤"_s, u"🔋"_s};
+        QTest::addRow("personal %d", value)
+            << true << value << personalLabels.at(value) << personalEmoji.at(value);
+    const QStringList meetingLabels{u"None"_s,  u"Impactful"_s,   u"Passionate"_s, u"Uneventful"_s,
+                                    u"Tense"_s, u"Frustrating"_s, u"Energizing"_s};
+    const QStringList meetingEmoji{u"\u2014"_s,       u"💥"_s, u"\U0001F64C"_s, u"\u2705"_s,
+                                   u"\u26A1\uFE0F"_s, u"😤"_s, u"🔋"_s};
     for (int value = 0; value < meetingLabels.size(); ++value)
-        QTest::addRow("meeting %d", value) << false << value << meetingLabels.at(value) << meetingEmoji.at(value);
+        QTest::addRow("meeting %d", value)
+            << false << value << meetingLabels.at(value) << meetingEmoji.at(value);
 
     QTest::newRow("personal above the scale") << true << 9 << u"None"_s << u"—"_s;
     QTest::newRow("personal below the scale") << true << -1 << u"None"_s << u"—"_s;
