@@ -25,9 +25,12 @@ QList<TagText> tags()
     };
 }
 
-QStringList notes(qint16 identifier)
+namespace {
+
+/// What goes on: action items, blockers, feedback both ways.
+QList<QStringList> notesAboutWork()
 {
-    static const QList<QStringList> notesOfField{
+    return {
         {
             u"Ask finance whether the training budget carries over into January."_s,
             u"Introduce us to the platform team before Thursday's design review."_s,
@@ -56,6 +59,13 @@ QStringList notes(qint16 identifier)
             u"Liked the written answers after the all-hands."_s,
             u"Would like me to push back on the roadmap instead of passing it on."_s,
         },
+    };
+}
+
+/// Where it leads: goals, wins, development, time off, miscellaneous.
+QList<QStringList> notesAboutThePerson()
+{
+    return {
         {
             u"Short term: own the billing rewrite end to end. Long term: staff engineer."_s,
             u"Speak at the spring conference; first draft of the talk in two weeks."_s,
@@ -90,6 +100,13 @@ QStringList notes(qint16 identifier)
             u"Started learning the cello."_s,
         },
     };
+}
+
+} // namespace
+
+QStringList notes(qint16 identifier)
+{
+    static const QList<QStringList> notesOfField = notesAboutWork() + notesAboutThePerson();
     return notesOfField.value(identifier);
 }
 

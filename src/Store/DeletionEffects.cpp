@@ -27,7 +27,7 @@ Result<DeletionEffects> DeletionEffects::of(const DeletionPlan &plan, const Stor
     effects.changes.deleted.reserve(plan.count());
     for (int entity = 0; entity < schema.entityCount(); ++entity) {
         const size_t firstChange = effects.changes.deleted.size();
-        const auto add = [&](qint64 key, RowReader::Row row) {
+        const auto add = [&](qint64 key, const RowReader::Row &row) {
             effects.addRow(plan, schema, {entity, key}, row);
         };
         if (const Result<void> done = reader.rows(entity, plan.keys(entity), add); !done)

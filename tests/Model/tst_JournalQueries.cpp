@@ -88,7 +88,5 @@ void tst_JournalQueries::questionsUseIndexes()
         QVERIFY2(plan.filter(u"TEMP B-TREE FOR ORDER BY"_s).isEmpty(), told.constData());
 }
 
-Q_DECLARE_METATYPE(tembra::FetchRequest)
-
 QTEST_GUILESS_MAIN(tst_JournalQueries)
 #include "tst_JournalQueries.moc"
