@@ -45,15 +45,25 @@ void forEachChange(const ChangeSet &changes, int entity, Function function)
     }
 }
 
-/// A record that is told may let go of others: work on a copy, and skip who is gone by then.
+/// The records, held: whoever is told or asked may write drafts, and a record that was alive for its
+/// unwritten edits alone would go, and leave the set, in the middle of it.
+template<typename Record>
+QList<std::shared_ptr<Record>> held(const QSet<Record *> &records)
+{
+    QList<std::shared_ptr<Record>> objects;
+    objects.reserve(records.size());
+    for (Record *record : records) {
+        if (auto object = record->weak_from_this().lock())
+            objects.append(std::static_pointer_cast<Record>(std::move(object)));
+    }
+    return objects;
+}
+
 template<typename Record>
 void invalidateEach(const QSet<Record *> &records)
 {
-    const QList<Record *> present(records.begin(), records.end());
-    for (Record *record : present) {
-        if (records.contains(record))
-            record->invalidateDerived();
-    }
+    for (const std::shared_ptr<Record> &record : held(records))
+        record->invalidateDerived();
 }
 
 } // namespace
@@ -154,13 +164,10 @@ void DerivedTexts::takeChanges(const ChangeSet &changes)
         invalidateEach(m_sessions);
     } else {
         invalidateTeammates(teammates);
-        QSet<Session *> touched;
-        std::copy_if(m_sessions.begin(), m_sessions.end(), std::inserter(touched, touched.end()),
-                     [&](Session *session) {
-                         return changedSessions.contains(session->objectID().key);
-                     });
-        for (Session *session : std::as_const(touched))
-            session->invalidateDerived();
+        for (const std::shared_ptr<Session> &session : held(m_sessions)) {
+            if (changedSessions.contains(session->objectID().key))
+                session->invalidateDerived();
+        }
     }
     if (notesDateDifferently)
         invalidateNotes();
@@ -189,9 +196,8 @@ void DerivedTexts::invalidateTeammates(const QSet<qint64> &teammates)
 {
     if (teammates.isEmpty())
         return;
-    const QList<Counterpart *> present(m_counterparts.begin(), m_counterparts.end());
-    for (Counterpart *counterpart : present) {
-        if (m_counterparts.contains(counterpart) && teammates.contains(counterpart->objectID().key))
+    for (const std::shared_ptr<Counterpart> &counterpart : held(m_counterparts)) {
+        if (teammates.contains(counterpart->objectID().key))
             counterpart->invalidateDerived();
     }
 }
@@ -213,7 +219,7 @@ void DerivedTexts::scheduleNextMoment()
 {
     const Date now = m_clock.now();
     m_nextMoment = m_calendar.startOfNextDay(now);
-    for (const Counterpart *counterpart : std::as_const(m_counterparts)) {
+    for (const std::shared_ptr<Counterpart> &counterpart : held(m_counterparts)) {
         if (const auto session = counterpart->mostRecentSession())
             m_nextMoment = std::min(m_nextMoment,
                                     m_calendar.momentDayCountChanges(*session->date(), now));

@@ -1,29 +1,12 @@
 #include "Application/AppDelegate.h"
 
-#include "Application/DataFolder.h"
-#include "Application/ProgramServices.h"
-#include "Application/UnixSignals.h"
-#include "MainWindow/DetailPaneViewController.h"
-#include "MainWindow/MainWindow.h"
-#include "MainWindow/SessionDetailViewController.h"
-#include "Model/Counterpart.h"
-#include "Model/JournalModel.h"
 #include "Model/JournalQueries.h"
-#include "Model/Note.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
-#include "support/FaultVfs.h"
-#include "Toolkit/Alert.h"
+#include "ProgramInProcess.h"
 
-#include <QApplication>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPushButton>
 #include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
 
 #include <csignal>
 
@@ -32,125 +15,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int goesOn = 99;
+constexpr int goesOn = ProgramInProcess::goesOn;
 
 const QString savingFailed = u"Your changes could not be saved."_s;
 const QString quitAnyway = u"Could not save changes while quitting. Quit anyway?"_s;
-
-/// Presses buttons of the alerts that come up while the program runs, and writes down their texts.
-class AlertReader : public QObject
-{
-public:
-    /// What to do with each alert in turn.
-    using Answer = std::function<void(Alert &)>;
-
-    AlertReader(QList<Answer> answers, QObject *parent)
-        : QObject(parent)
-        , m_answers(std::move(answers))
-    {
-        m_timer.setInterval(20);
-        connect(&m_timer, &QTimer::timeout, this, &AlertReader::look);
-        m_timer.start();
-    }
-
-    static Answer press(int button)
-    {
-        return [button](Alert &alert) {
-            auto *found = alert.findChild<QPushButton *>(u"alertButton%1"_s.arg(button));
-            QVERIFY(found);
-            QTest::mouseClick(found, Qt::LeftButton);
-        };
-    }
-    static Answer pressKey(Qt::Key key)
-    {
-        return [key](Alert &alert) { QTest::keyClick(&alert, key); };
-    }
-
-    /// Message and informative text of each alert.
-    QStringList messages;
-    QStringList informativeTexts;
-
-private:
-    void look()
-    {
-        auto *alert = qobject_cast<Alert *>(QApplication::activeModalWidget());
-        if (!alert || alert == m_last || !QTest::qWaitForWindowActive(alert))
-            return;
-        m_last = alert;
-        messages.append(alert->findChild<QLabel *>(u"messageText"_s)->text());
-        informativeTexts.append(alert->findChild<QLabel *>(u"informativeText"_s)->text());
-        if (messages.size() <= m_answers.size())
-            m_answers.at(messages.size() - 1)(*alert);
-        else
-            alert->reject();
-    }
-
-    QList<Answer> m_answers;
-    QTimer m_timer;
-    QPointer<Alert> m_last;
-};
-
-/// The program from its services up, in this process, on a disk that can be told to fail.
-class Program
-{
-public:
-    explicit Program(const QString &directory)
-        : m_folder(*DataFolder::forOptions({.dataDirectory = directory}))
-        , services(m_folder)
-    {
-        auto container = std::make_unique<PersistentContainer>(
-            u"Vum"_s, makeJournalModel(services.journal),
-            PersistentContainer::Options{.directory = directory,
-                                         .clock = &services.clock,
-                                         .vfs = disk.name()});
-        if (!container->loadPersistentStores())
-            qFatal("The store does not open");
-        services.coreData.setPersistentContainer(std::move(container));
-        delegate = std::make_unique<AppDelegate>(services, m_folder);
-        QObject::connect(&m_signals, &UnixSignals::terminationRequested, delegate.get(),
-                         &AppDelegate::terminate);
-        delegate->applicationDidFinishLaunching();
-        window = delegate->window();
-    }
-
-    /// Runs the program, does @p action and answers alerts. The exit status, or goesOn.
-    int run(const std::function<void()> &action, const QList<AlertReader::Answer> &answers = {})
-    {
-        alerts = std::make_unique<AlertReader>(answers, nullptr);
-        QTimer::singleShot(0, window, action);
-        QTimer calm;
-        QObject::connect(&calm, &QTimer::timeout, window, [] {
-            if (!QApplication::activeModalWidget())
-                QCoreApplication::exit(goesOn);
-        });
-        calm.start(300);
-        return QCoreApplication::exec();
-    }
-
-    void addTeammate(const QString &name)
-    {
-        services.coreData.viewContext().insert<Counterpart>()->setName(name);
-    }
-    void breakDisk() { disk.failAt(1, FaultVfs::Fault::DiskFull, FaultVfs::Lasting::ForGood); }
-    bool hasChanges() { return services.coreData.viewContext().hasChanges(); }
-    template<typename Child>
-    Child *find(const QString &name)
-    {
-        return window->findChild<Child *>(name);
-    }
-
-    FaultVfs disk;
-
-private:
-    DataFolder m_folder;
-    UnixSignals m_signals;
-
-public:
-    ProgramServices services;
-    std::unique_ptr<AppDelegate> delegate;
-    MainWindow *window = nullptr;
-    std::unique_ptr<AlertReader> alerts;
-};
 
 } // namespace
 
@@ -196,13 +64,13 @@ private:
     QStringList savedNames();
 
     std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<Program> m_program;
+    std::unique_ptr<ProgramInProcess> m_program;
 };
 
 void tst_Quit::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
-    m_program = std::make_unique<Program>(m_folder->path());
+    m_program = std::make_unique<ProgramInProcess>(m_folder->path());
     QVERIFY(QTest::qWaitForWindowActive(m_program->window));
 }
 
@@ -245,7 +113,7 @@ void tst_Quit::changeThenBreakDisk()
 QStringList tst_Quit::savedNames()
 {
     m_program.reset();
-    Program again(m_folder->path());
+    ProgramInProcess again(m_folder->path());
     QStringList names;
     const auto teammates = again.services.coreData.viewContext().fetch<Counterpart>(
         JournalQueries::counterparts());
@@ -324,7 +192,7 @@ void tst_Quit::failedSaveCanQuitAnyway()
     QCOMPARE(m_program->alerts->messages, (QStringList{savingFailed, quitAnyway}));
     // Taken down while the disk still fails.
     m_program.reset();
-    m_program = std::make_unique<Program>(m_folder->path());
+    m_program = std::make_unique<ProgramInProcess>(m_folder->path());
 }
 
 void tst_Quit::keysOnTheQuestionCancel_data()

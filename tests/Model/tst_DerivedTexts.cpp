@@ -19,6 +19,7 @@ private Q_SLOTS:
     void countChangesAtTheMeetingsHour();
     void relativeDatesChangeAtMidnight();
     void nothingIsToldBeforeTheMoment();
+    void recordsMayGoWhileOthersAreAsked();
 };
 
 void tst_DerivedTexts::onlyTheTeammateOfAChangedSessionIsTold()
@@ -114,6 +115,16 @@ void tst_DerivedTexts::nothingIsToldBeforeTheMoment()
     journal.clock.setNow(utc(2026, 11, 20, 14, 59));
     journal.derivedTexts.checkClock();
     QCOMPARE(told.count(), 0);
+}
+
+void tst_DerivedTexts::recordsMayGoWhileOthersAreAsked()
+{
+    JournalFixture journal;
+    // Nobody holds these: they live for their unwritten edits, and the first question writes those.
+    for (int i = 0; i < 200; ++i)
+        journal.addSessionDaysAgo(journal.addCounterpart(QString::number(i)), i);
+    journal.context().processPendingChanges();
+    QCOMPARE(journal.counterparts().size(), 200);
 }
 
 QTEST_GUILESS_MAIN(tst_DerivedTexts)

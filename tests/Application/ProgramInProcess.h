@@ -1,0 +1,81 @@
+#pragma once
+
+#include "AlertReader.h"
+#include "Application/AppDelegate.h"
+#include "Application/DataFolder.h"
+#include "Application/ProgramServices.h"
+#include "Application/UnixSignals.h"
+#include "MainWindow/MainWindow.h"
+#include "Model/Counterpart.h"
+#include "Model/JournalModel.h"
+#include "Store/ManagedObjectContext.h"
+#include "Store/PersistentContainer.h"
+#include "support/FaultVfs.h"
+
+namespace tembra {
+
+/// The program from its services up, in this process, on a disk that can be told to fail.
+class ProgramInProcess
+{
+public:
+    static constexpr int goesOn = 99;
+
+    explicit ProgramInProcess(const QString &directory)
+        : m_folder(*DataFolder::forOptions({.dataDirectory = directory}))
+        , services(m_folder)
+    {
+        auto container = std::make_unique<PersistentContainer>(
+            u"Vum"_s, makeJournalModel(services.journal),
+            PersistentContainer::Options{.directory = directory,
+                                         .clock = &services.clock,
+                                         .vfs = disk.name()});
+        if (!container->loadPersistentStores())
+            qFatal("The store does not open");
+        services.coreData.setPersistentContainer(std::move(container));
+        delegate = std::make_unique<AppDelegate>(services, m_folder);
+        QObject::connect(&m_signals, &UnixSignals::terminationRequested, delegate.get(),
+                         &AppDelegate::terminate);
+        delegate->applicationDidFinishLaunching();
+        window = delegate->window();
+    }
+
+    /// Runs the program, does @p action and answers alerts. The exit status, or goesOn.
+    int run(const std::function<void()> &action, const QList<AlertReader::Answer> &answers = {})
+    {
+        alerts = std::make_unique<AlertReader>(answers, nullptr);
+        QTimer::singleShot(0, window, action);
+        QTimer calm;
+        QObject::connect(&calm, &QTimer::timeout, window, [] {
+            if (!QApplication::activeModalWidget())
+                QCoreApplication::exit(goesOn);
+        });
+        calm.start(300);
+        return QCoreApplication::exec();
+    }
+
+    void addTeammate(const QString &name)
+    {
+        services.coreData.viewContext().insert<Counterpart>()->setName(name);
+    }
+    void breakDisk() { disk.failAt(1, FaultVfs::Fault::DiskFull, FaultVfs::Lasting::ForGood); }
+    bool hasChanges() { return services.coreData.viewContext().hasChanges(); }
+    template<typename Child>
+    Child *find(const QString &name)
+    {
+        return window->findChild<Child *>(name);
+    }
+
+    FaultVfs disk;
+
+private:
+    DataFolder m_folder;
+    UnixSignals m_signals;
+
+public:
+    ProgramServices services;
+    std::unique_ptr<AppDelegate> delegate;
+    MainWindow *window = nullptr;
+    std::unique_ptr<AlertReader> alerts;
+};
+
+} // namespace tembra
