@@ -95,11 +95,11 @@ void SummaryViewItem::drawDate(QPainter *painter, const QRectF &band) const
 void SummaryViewItem::drawEmoji(QPainter *painter, const QRectF &area) const
 {
     const QStringList parts = emojiLabel.text.split(u' ');
-    const double rowHeight = area.height() / double(parts.size());
-    QRectF row(area.left() + sideMargin, area.top(), area.width() - 2 * sideMargin, rowHeight);
+    const double partHeight = area.height() / double(parts.size());
+    QRectF row(area.left() + sideMargin, area.top(), area.width() - 2 * sideMargin, partHeight);
     for (const QString &part : parts) {
         drawEmojiText(painter, row, part, emojiLabel.font, emojiLabel.color, Qt::AlignCenter);
-        row.translate(0, rowHeight);
+        row.translate(0, partHeight);
     }
 }
 
