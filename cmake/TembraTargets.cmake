@@ -13,6 +13,7 @@ endfunction()
 # that no test reads or writes the journal or the settings of whoever runs it.
 set(TEMBRA_TEST_ENVIRONMENT
     "LANG=en_US.UTF-8" "LC_CTYPE=C.UTF-8"
+    "XDG_CACHE_HOME=${CMAKE_BINARY_DIR}/tests/home/cache"
     "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/tests/home/config"
     "XDG_DATA_HOME=${CMAKE_BINARY_DIR}/tests/home/data"
     "XDG_STATE_HOME=${CMAKE_BINARY_DIR}/tests/home/state"

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QStandardPaths>
 #include <QTest>
 
 #include <csignal>
@@ -19,9 +20,11 @@ FreshAccount::FreshAccount()
 QProcessEnvironment FreshAccount::environment() const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const QString &name :
-         {u"XDG_DATA_HOME"_s, u"XDG_CONFIG_HOME"_s, u"XDG_STATE_HOME"_s, u"XDG_CACHE_HOME"_s})
+    for (const QString &name : {u"XDG_DATA_HOME"_s, u"XDG_CONFIG_HOME"_s, u"XDG_STATE_HOME"_s})
         environment.remove(name);
+    // Where the system's cache of fonts is stale, any program that shows text writes one for its user.
+    environment.insert(u"XDG_CACHE_HOME"_s,
+                       QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation));
     environment.insert(u"HOME"_s, path(u"home"_s));
     environment.insert(u"TMPDIR"_s, path(u"tmp"_s));
     return environment;
