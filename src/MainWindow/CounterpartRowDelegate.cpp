@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tembra {
 
@@ -121,17 +122,20 @@ void drawFocusRing(QPainter *painter, const RowLayout &layout, const RowColors &
 }
 
 void drawTexts(QPainter *painter, const CounterpartRowViewModel &row, const RowLayout &layout,
-               const RowColors &colors)
+               const RowColors &colors, bool withEmoji)
 {
-    drawEmojiText(painter, layout.name, row.title, layout.nameFont,
-                  row.isUnnamed ? colors.secondary : colors.title);
-    if (!row.tagEmoji.isEmpty())
+    const auto isDrawn = [&](const QString &text) { return withEmoji || !mayHoldEmoji(text); };
+    if (isDrawn(row.title))
+        drawEmojiText(painter, layout.name, row.title, layout.nameFont,
+                      row.isUnnamed ? colors.secondary : colors.title);
+    if (!row.tagEmoji.isEmpty() && isDrawn(row.tagEmoji))
         drawEmojiText(painter, layout.tagEmoji, row.tagEmoji, layout.nameFont, colors.title,
                       Qt::AlignTrailing | Qt::AlignVCenter);
     const QFont meetingFont = row.isOverdue ? theme::mediumFont(layout.meetingFont)
                                             : layout.meetingFont;
-    drawEmojiText(painter, layout.meeting, row.meetingLine, meetingFont,
-                  row.isOverdue ? colors.title : colors.secondary);
+    if (isDrawn(row.meetingLine))
+        drawEmojiText(painter, layout.meeting, row.meetingLine, meetingFont,
+                      row.isOverdue ? colors.title : colors.secondary);
 }
 
 bool isCutShort(const QString &text, const QFont &font, const QRect &place)
@@ -164,8 +168,28 @@ void CounterpartRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem
     }
     if (option.state & QStyle::State_HasFocus)
         drawFocusRing(painter, layout, colors);
-    drawTexts(painter, row, layout, colors);
+    drawTexts(painter, row, layout, colors, !m_emojiPostponed);
     painter->restore();
+    if (m_emojiPostponed)
+        showPostponedEmojiIn(option.widget);
+}
+
+void CounterpartRowDelegate::showPostponedEmojiIn(const QWidget *view) const
+{
+    const auto *rows = qobject_cast<const QAbstractItemView *>(view);
+    if (!rows || std::exchange(m_emojiAskedFor, true))
+        return;
+    // When the picture being painted stands on the screen.
+    QMetaObject::invokeMethod(
+        rows->viewport(),
+        [guard = QPointer(this), viewport = rows->viewport()] {
+            if (!guard)
+                return;
+            guard->m_emojiPostponed = false;
+            guard->m_emojiAskedFor = false;
+            viewport->update();
+        },
+        Qt::QueuedConnection);
 }
 
 QSize CounterpartRowDelegate::sizeHint(const QStyleOptionViewItem &option,

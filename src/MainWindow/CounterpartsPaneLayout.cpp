@@ -100,6 +100,7 @@ void CounterpartsPaneViewController::buildList()
     m_tableView->setAccessibleName(tr("Teammates", "Title of the list of teammates"));
     m_tableView->setModel(m_counterpartsArrayController);
     m_rowDelegate = new CounterpartRowDelegate(m_tableView);
+    m_rowDelegate->postponeEmoji();
     m_tableView->setItemDelegate(m_rowDelegate);
 }
 

@@ -54,9 +54,9 @@ DetailPaneViewController::DetailPaneViewController(ViewCoordinator &viewCoordina
     , daysSinceLastMeetingLabel(new EmojiLabel)
     , searchField(new QLineEdit)
     , summaryCollectionView(new SummaryCollectionView(services.dates))
-    , m_sessionDetailViewController(new SessionDetailViewController(services, notifications))
     , m_coreData(coreData)
     , m_services(services)
+    , m_notifications(notifications)
     , m_timeline(new SessionTimelineModel(this))
     , m_stripButtons(new QWidget)
     , m_deleteButton(new QPushButton)
@@ -66,7 +66,7 @@ DetailPaneViewController::DetailPaneViewController(ViewCoordinator &viewCoordina
 {
     buildEmptyStates();
     buildLayout();
-    connectSignals(notifications);
+    connectSignals();
     viewDidLoad();
 }
 
@@ -75,12 +75,11 @@ void DetailPaneViewController::viewDidLoad()
     summaryCollectionView->setTimeline(m_timeline);
     addButton->setEnabled(false);
     m_deleteButton->setEnabled(false);
-    m_sessionDetailViewController->setEnabled(false);
     refreshLabels();
     showWhatThereIs();
 }
 
-void DetailPaneViewController::connectSignals(NotificationCenter &notifications)
+void DetailPaneViewController::connectSignals()
 {
     connect(addButton, &QPushButton::clicked, this, &DetailPaneViewController::addSession);
     connect(m_deleteButton, &QPushButton::clicked, this, &DetailPaneViewController::handleDelete);
@@ -91,8 +90,8 @@ void DetailPaneViewController::connectSignals(NotificationCenter &notifications)
             &DetailPaneViewController::stripSelectionChanged);
     connect(summaryCollectionView, &SummaryCollectionView::deleteRequested, this,
             &DetailPaneViewController::handleDelete);
-    connect(summaryCollectionView, &SummaryCollectionView::editRequested,
-            m_sessionDetailViewController, &SessionDetailViewController::focusNoteInput);
+    connect(summaryCollectionView, &SummaryCollectionView::editRequested, this,
+            [this] { sessionDetailViewController().focusNoteInput(); });
     connect(m_noTilesState, &EmptyState::triggered, this, [this] {
         if (searchInput)
             searchField->clear();
@@ -100,10 +99,10 @@ void DetailPaneViewController::connectSignals(NotificationCenter &notifications)
             addSession();
     });
     connect(this, &DetailPaneViewController::controlsEnabledChanged, this, [this] {
-        m_sessionDetailViewController->setEnabled(m_controlsEnabled);
+        sessionDetailViewController().setEnabled(m_controlsEnabled);
         m_deleteButton->setEnabled(m_controlsEnabled);
     });
-    connect(&notifications, &NotificationCenter::didChangeEmoji, this,
+    connect(&m_notifications, &NotificationCenter::didChangeEmoji, this,
             &DetailPaneViewController::reload);
 }
 
@@ -125,7 +124,6 @@ void DetailPaneViewController::buildLayout()
     detailContainerView->setObjectName(u"detailContainerView"_s);
     auto *container = new QVBoxLayout(detailContainerView);
     container->setContentsMargins({});
-    container->addWidget(m_sessionDetailViewController);
 
     auto *content = new QWidget;
     auto *column = new QVBoxLayout(content);

@@ -17,6 +17,7 @@
 #include "Toolkit/PropertyObservation.h"
 
 #include <QGuiApplication>
+#include <QLayout>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScopedValueRollback>
@@ -37,7 +38,18 @@ DetailPaneViewController::~DetailPaneViewController() = default;
 
 bool DetailPaneViewController::commitEditing()
 {
-    return m_sessionDetailViewController->commitEditing();
+    return !m_sessionDetailViewController || m_sessionDetailViewController->commitEditing();
+}
+
+SessionDetailViewController &DetailPaneViewController::sessionDetailViewController()
+{
+    if (!m_sessionDetailViewController) {
+        m_sessionDetailViewController = new SessionDetailViewController(m_services,
+                                                                        m_notifications);
+        m_sessionDetailViewController->setEnabled(m_controlsEnabled);
+        detailContainerView->layout()->addWidget(m_sessionDetailViewController);
+    }
+    return *m_sessionDetailViewController;
 }
 
 // What is shown
@@ -87,7 +99,7 @@ void DetailPaneViewController::setSelectedSession(const std::shared_ptr<Session>
         connect(m_selectedSession.get(), &Session::derivedChanged, this,
                 [this] { m_timeline->refresh(selectedRow()); });
     }
-    m_sessionDetailViewController->setProperty("session", QVariant::fromValue(m_selectedSession));
+    sessionDetailViewController().setProperty("session", QVariant::fromValue(m_selectedSession));
     setControlsEnabled(m_selectedSession != nullptr);
     summaryCollectionView->deselectAll();
     selectAndShow();

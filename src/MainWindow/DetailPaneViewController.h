@@ -55,10 +55,8 @@ public:
     /// True exactly when a meeting is selected.
     bool controlsEnabled() const { return m_controlsEnabled; }
 
-    SessionDetailViewController &sessionDetailViewController() const
-    {
-        return *m_sessionDetailViewController;
-    }
+    /// Made when it is first asked for; a window that opens does without.
+    SessionDetailViewController &sessionDetailViewController();
 
     /// Edits in progress in the pane's controls go into the records they belong to, without ending
     /// the edit, moving the caret or breaking a composition. False when one refuses.
@@ -89,7 +87,7 @@ private:
     std::shared_ptr<Session> m_selectedSession;
     bool m_controlsEnabled = false;
     SummaryCollectionView *summaryCollectionView;
-    SessionDetailViewController *m_sessionDetailViewController;
+    SessionDetailViewController *m_sessionDetailViewController = nullptr;
     std::unique_ptr<FetchedResultsController> resultsController;
     std::shared_ptr<Counterpart> m_selectedCounterpart;
     std::optional<QString> searchInput;
@@ -99,7 +97,7 @@ private:
     QWidget *buildStripRow();
     void buildSearchField();
     void buildEmptyStates();
-    void connectSignals(NotificationCenter &notifications);
+    void connectSignals();
     void viewDidLoad();
 
     void searchTextChanged();
@@ -126,6 +124,7 @@ private:
 
     CoreDataInterface &m_coreData;
     const JournalServices &m_services;
+    NotificationCenter &m_notifications;
     SessionTimelineModel *m_timeline;
     QWidget *m_stripButtons = nullptr;
     QPushButton *m_deleteButton = nullptr;

@@ -85,14 +85,14 @@ void MainWindow::createEditMenu()
 void MainWindow::createGoMenu()
 {
     QMenu &menu = *menuBar()->addMenu(tr("&Go", "Menu"));
-    SessionDetailViewController *editor = &m_detailPane->sessionDetailViewController();
-    QAction *next = addCommand(menu, tr("&Next Note Field", "Go menu"), u"nextNoteFieldAction"_s,
-                               QKeySequence(Qt::CTRL | Qt::Key_PageDown),
-                               [editor] { editor->handleNextNoteButton(); });
-    QAction *previous = addCommand(menu, tr("&Previous Note Field", "Go menu"),
-                                   u"previousNoteFieldAction"_s,
-                                   QKeySequence(Qt::CTRL | Qt::Key_PageUp),
-                                   [editor] { editor->handlePreviousNoteButton(); });
+    QAction *next = addCommand(
+        menu, tr("&Next Note Field", "Go menu"), u"nextNoteFieldAction"_s,
+        QKeySequence(Qt::CTRL | Qt::Key_PageDown),
+        [this] { m_detailPane->sessionDetailViewController().handleNextNoteButton(); });
+    QAction *previous = addCommand(
+        menu, tr("&Previous Note Field", "Go menu"), u"previousNoteFieldAction"_s,
+        QKeySequence(Qt::CTRL | Qt::Key_PageUp),
+        [this] { m_detailPane->sessionDetailViewController().handlePreviousNoteButton(); });
     next->setIcon(icons::icon(icons::Name::Next));
     previous->setIcon(icons::icon(icons::Name::Previous));
     menu.addSeparator();
@@ -103,8 +103,9 @@ void MainWindow::createGoMenu()
                                      u"goToMeetingsAction"_s, QKeySequence(Qt::CTRL | Qt::Key_2),
                                      [this] { m_detailPane->setFocus(Qt::ShortcutFocusReason); });
     QAction *toNotes = addCommand(menu, tr("To the N&otes", "Go menu"), u"goToNotesAction"_s,
-                                  QKeySequence(Qt::CTRL | Qt::Key_3),
-                                  [editor] { editor->focusNoteInput(); });
+                                  QKeySequence(Qt::CTRL | Qt::Key_3), [this] {
+                                      m_detailPane->sessionDetailViewController().focusNoteInput();
+                                  });
     m_meetingCommands += {next, previous, toNotes};
 }
 

@@ -57,20 +57,35 @@ bool isRecordEquality(const Comparison &comparison)
 }
 
 /// The condition through which the records are found; only an equality with a record leads anywhere.
-/// A plain one is quicker than one with ANY, which then merely tests what the plain one finds.
+/// A plain one is quicker than one with ANY, which then merely tests what the plain one finds. Two
+/// with ANY together leave so few records that going through the first of them is quicker still.
 const PredicateNode *driverAmong(const std::vector<const PredicateNode *> &parts)
 {
-    const PredicateNode *driver = nullptr;
+    const PredicateNode *plain = nullptr;
+    std::vector<const PredicateNode *> withAny;
     for (const PredicateNode *part : parts) {
         const auto *comparison = std::get_if<Comparison>(&part->content);
         if (!comparison || !isRecordEquality(*comparison))
             continue;
-        if (!comparison->any)
-            return part;
-        if (!driver)
-            driver = part;
+        if (comparison->any)
+            withAny.push_back(part);
+        else if (!plain)
+            plain = part;
     }
-    return driver;
+    if (plain && withAny.size() < 2)
+        return plain;
+    return withAny.empty() ? nullptr : withAny.front();
+}
+
+bool leadsThroughAny(const PredicateNode *driver)
+{
+    return driver && std::get<Comparison>(driver->content).any;
+}
+
+bool isPlainRecordEquality(const PredicateNode &part)
+{
+    const auto *comparison = std::get_if<Comparison>(&part.content);
+    return comparison && !comparison->any && isRecordEquality(*comparison);
 }
 
 bool isEquality(ComparisonOperator op)
@@ -121,7 +136,9 @@ Result<QByteArray> SqlEmitter::condition(const PredicateNode &root)
                                                       : emitNode(*part);
         if (!emitted)
             return emitted;
-        sql += (sql.isEmpty() ? "" : " AND ") + *emitted;
+        // The plus sign keeps the planner from taking a plain equality as the way in after all.
+        const bool merelyTests = leadsThroughAny(driver) && isPlainRecordEquality(*part);
+        sql += (sql.isEmpty() ? "" : " AND ") + QByteArray(merelyTests ? "+" : "") + *emitted;
         m_isNarrowed = m_isNarrowed || (comparison && narrows(*comparison));
     }
     return sql;

@@ -1,4 +1,5 @@
 #include "CounterpartsPaneTest.h"
+#include "MainWindow/CounterpartRowDelegate.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -70,6 +71,22 @@ private Q_SLOTS:
         QTRY_VERIFY(painted.count > 0);
     }
 
+    /// The pictures of emoji take longer than all else: the first sight of the list does not wait.
+    void aListThatOpensShowsItsNamesBeforeItsEmoji()
+    {
+        m_journal->addSessionDaysAgo(m_journal->addCounterpart(u"Ana"_s), 1);
+        CounterpartRowDelegate delegate;
+        show();
+        m_panes->view->setItemDelegate(&delegate);
+        const QImage whole = m_panes->view->grab().toImage();
+        delegate.postponeEmoji();
+        const QImage first = m_panes->view->grab().toImage();
+        QVERIFY(first != whole);
+        QCOMPARE(upperHalfOfRow(first), upperHalfOfRow(whole)); // The name.
+        QCoreApplication::processEvents();
+        QCOMPARE(m_panes->view->grab().toImage(), whole);
+    }
+
     void theWholeRowCanBeHeard()
     {
         m_journal->addSessionDaysAgo(m_journal->addCounterpart(u"Ana"_s), 1);
@@ -100,6 +117,12 @@ private Q_SLOTS:
     }
 
 private:
+    QImage upperHalfOfRow(const QImage &picture) const
+    {
+        const QRect row = m_panes->view->visualRect(m_panes->view->model()->index(0, 0));
+        return picture.copy(QRect(row.topLeft(), QSize(row.width(), row.height() / 2)));
+    }
+
     QString tooltipOfRow(int row) const
     {
         const QPoint place = m_panes->middleOf(row);

@@ -77,6 +77,14 @@ void tst_SqlEmitter::writesSql_data()
                R"(SELECT t0."id" FROM "session" AS t0 WHERE t0."counterpart" = ? AND )"
                R"(EXISTS (SELECT 1 FROM "session_tag" AS t1 WHERE t1."session" = t0."id" AND t1."tag" = ?) )"
                R"(ORDER BY t0."date" DESC, t0."id")");
+    QTest::newRow("two ANYs: the first is the way in, and the plain one a test")
+        << ask("Session", u"counterpart == %@ AND ANY tags == %@ AND ANY tags == %@",
+               {counterpart, tag, tag}, {newestFirst})
+        << QByteArray(
+               R"(SELECT t0."id" FROM "session" AS t0 WHERE +t0."counterpart" = ? AND )"
+               R"(t0."id" IN (SELECT t1."session" FROM "session_tag" AS t1 WHERE t1."tag" = ?) AND )"
+               R"(EXISTS (SELECT 1 FROM "session_tag" AS t2 WHERE t2."session" = t0."id" AND t2."tag" = ?) )"
+               R"(ORDER BY t0."date" DESC, t0."id")");
     QTest::newRow("ANY as the way in")
         << ask("Session", u"ANY tags == %@", {tag}, {newestFirst})
         << QByteArray(
@@ -190,6 +198,14 @@ void tst_SqlEmitter::usesIndexes_data()
     QTest::newRow("with a tag") << ask("Session", u"counterpart == %@ AND ANY tags == %@",
                                        {counterpart, tag}, {newestFirst})
                                 << QByteArray(byCounterpart + byTag);
+    QTest::newRow("with two tags")
+        << ask("Session", u"counterpart == %@ AND ANY tags == %@ AND ANY tags == %@",
+               {counterpart, tag, tag}, {newestFirst})
+        << QByteArray("SEARCH t0 USING INTEGER PRIMARY KEY (rowid=?)\nLIST SUBQUERY 1\n"
+                      "SEARCH t1 USING COVERING INDEX session_tag_tag (tag=?)\n"
+                      "CORRELATED SCALAR SUBQUERY 2\nSEARCH t2 USING PRIMARY KEY (session=? AND "
+                      "tag=?)\n"
+                      + sorted);
     QTest::newRow("found")
         << ask("Session", u"counterpart == %@ AND ANY notes.contentString CONTAINS[cd] %@",
                {counterpart, u"x"_s}, {newestFirst})
