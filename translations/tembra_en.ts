@@ -10,6 +10,117 @@
     </message>
 </context>
 <context>
+    <name>JsonDecoder</name>
+    <message>
+        <source>expected a list</source>
+        <comment>Why a file cannot be read</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>expected a record</source>
+        <comment>Why a file cannot be read</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>expected a text</source>
+        <comment>Why a file cannot be read</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>expected a number</source>
+        <comment>Why a file cannot be read</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>expected a whole number between -32768 and 32767</source>
+        <comment>Why a file cannot be read</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a number is too large</source>
+        <comment>Why a file cannot be read</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>lists and records are nested too deeply</source>
+        <comment>Why a file cannot be read</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the file is empty</source>
+        <comment>Why a file cannot be read</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it ends too early</source>
+        <comment>What is wrong with a JSON file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the file is too large</source>
+        <comment>Why a file cannot be read</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>something follows after its end</source>
+        <comment>What is wrong with a JSON file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the name of a value is missing</source>
+        <comment>What is wrong with a JSON file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a colon is missing</source>
+        <comment>What is wrong with a JSON file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a comma or closing bracket is missing</source>
+        <comment>What is wrong with a JSON file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a text holds a control character, or a backslash that means nothing</source>
+        <comment>What is wrong with a JSON file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a text is not encoded in UTF-8</source>
+        <comment>What is wrong with a JSON file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a number lacks digits</source>
+        <comment>What is wrong with a JSON file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a value is missing or makes no sense</source>
+        <comment>What is wrong with a JSON file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <comment>Place in a file (&quot;session 12, date&quot;), then what is wrong there</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the file is not valid JSON: %1</source>
+        <comment>Why a file cannot be read, with the details</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>JsonEncoder</name>
+    <message>
+        <source>A number is infinite or undefined, so it cannot be written.</source>
+        <comment>Why a backup cannot be made</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>NoteField</name>
     <message>
         <source>Action items for me</source>
@@ -681,6 +792,24 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     </message>
     <message>
         <source>Next note field</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::StatusLine</name>
+    <message>
+        <source>Dismiss message</source>
+        <comment>Button with an icon that takes the message in the status line away</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <comment>Button that ends the task in progress</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancelling…</source>
+        <comment>Said of the task in progress once it is to end early</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -9,5 +9,8 @@ Q_DECLARE_LOGGING_CATEGORY(storeLog)
 Q_DECLARE_LOGGING_CATEGORY(modelLog)
 Q_DECLARE_LOGGING_CATEGORY(windowLog)
 Q_DECLARE_LOGGING_CATEGORY(applicationLog)
+Q_DECLARE_LOGGING_CATEGORY(backupLog)
+/// The one that names what it reads, at the debug level, which is off unless somebody asks for it.
+Q_DECLARE_LOGGING_CATEGORY(importLog)
 
 } // namespace tembra

@@ -125,7 +125,7 @@ void CounterpartsPaneViewController::followStore(const ChangeSet &changes)
 
     const ArrayController::ObjectList unlisted = unlistedInsertions(changes);
     const QSet<ObjectID> awaited = std::exchange(m_awaited, {});
-    if (unlisted.isEmpty())
+    if (unlisted.isEmpty() && !changes.isWholesale(counterpartEntity()))
         return;
     fetchCounterparts();
     ArrayController::ObjectList revealed = unlisted;
@@ -138,11 +138,16 @@ void CounterpartsPaneViewController::followStore(const ChangeSet &changes)
         m_counterpartsArrayController->index(m_counterpartsArrayController->selectionIndex(), 0));
 }
 
+int CounterpartsPaneViewController::counterpartEntity() const
+{
+    return m_coreData.viewContext().container().model().entityIndex(Counterpart::entityName());
+}
+
 ArrayController::ObjectList CounterpartsPaneViewController::unlistedInsertions(
     const ChangeSet &changes) const
 {
     ManagedObjectContext &context = m_coreData.viewContext();
-    const int entity = context.container().model().entityIndex(Counterpart::entityName());
+    const int entity = counterpartEntity();
     ArrayController::ObjectList unlisted;
     for (const ObjectChange &change : changes.inserted) {
         if (change.id.entity != entity)

@@ -72,6 +72,7 @@ private:
     void fetchCounterparts();
     void followStore(const ChangeSet &changes);
     /// Teammates that came in otherwise than by the list.
+    int counterpartEntity() const;
     ArrayController::ObjectList unlistedInsertions(const ChangeSet &changes) const;
     void showWhatThereIs();
     void tableViewSelectionDidChange();

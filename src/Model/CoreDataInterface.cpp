@@ -14,6 +14,7 @@
 #include <QScopedValueRollback>
 
 #include <chrono>
+#include <utility>
 
 namespace tembra {
 
@@ -101,6 +102,10 @@ void CoreDataInterface::save(Reporting reporting)
 {
     if (!commitEditing())
         qCWarning(modelLog, "CoreDataInterface unable to commit editing before saving");
+    if (m_savesHeld) {
+        m_saveAwaited = true;
+        return;
+    }
     if (!viewContext().hasChanges())
         return;
     const bool alreadyKnown = m_saveFailing && reporting == Reporting::FirstFailure;
@@ -114,6 +119,18 @@ Result<void> CoreDataInterface::saveChanges()
     const auto saved = viewContext().save();
     setSaveFailing(!saved);
     return saved;
+}
+
+void CoreDataInterface::holdSaves()
+{
+    m_savesHeld = true;
+}
+
+void CoreDataInterface::releaseSaves()
+{
+    m_savesHeld = false;
+    if (std::exchange(m_saveAwaited, false))
+        save();
 }
 
 void CoreDataInterface::reportFailure(const Error &error)

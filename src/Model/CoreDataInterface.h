@@ -58,6 +58,10 @@ public:
     Result<void> saveChanges();
     /// The autosave: saves when there are changes. A failure that goes on is not shown again.
     void handleTimer();
+    /// From now on nothing is saved: another context holds the store, and a save would only fail. Asked
+    /// for meanwhile, it is made up for by releaseSaves(). Drafts are written as soon as they can be.
+    void holdSaves();
+    void releaseSaves();
     /// Merges what another context has saved into the main context.
     void handleSave(ManagedObjectContext *savedContext, const ChangeSet &changes);
     /// Turns the flags of old journals into tags, then saves. Does nothing where none is left.
@@ -84,6 +88,8 @@ private:
     std::function<void(const QString &)> m_stopProgram;
     QTimer m_timer;
     std::unique_ptr<PersistentContainer> m_container;
+    bool m_savesHeld = false;
+    bool m_saveAwaited = false; ///< Was asked for while saves were held.
     bool m_saveFailing = false;
     bool m_presentingError = false;
 };

@@ -1,16 +1,21 @@
 #pragma once
 
+#include "Foundation/Result.h"
 #include "Store/ManagedObject.h"
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
 namespace tembra {
 
 class FetchedResultsController;
+class JsonDecoder;
+class JsonEncoder;
 class Session;
+class SessionScan;
 class Tag;
 struct JournalServices;
 
@@ -45,6 +50,13 @@ public:
 
     /// Names the teammate in the backup it was read from; kept in memory only.
     QString importID;
+
+    /// Writes the teammate with all meetings as it stands in a backup.
+    Result<void> encode(JsonEncoder &encoder, SessionScan &scan) const;
+    /// Makes a teammate of the one in a backup, with all meetings. @p didDecodeSession is called
+    /// after each of them, and may stop the decoder.
+    static std::shared_ptr<Counterpart> decode(JsonDecoder &decoder,
+                                               const std::function<void()> &didDecodeSession = {});
 
     /// The meeting with the latest date; null when no meeting has one.
     std::shared_ptr<Session> mostRecentSession() const;

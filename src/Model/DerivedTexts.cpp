@@ -140,6 +140,10 @@ void DerivedTexts::invalidateAll()
 
 void DerivedTexts::takeChanges(const ChangeSet &changes)
 {
+    if (changes.wholesale != 0) {
+        invalidateAll();
+        return;
+    }
     const ObjectModel &model = m_context->container().model();
     bool tagsLookDifferent = false;
     bool notesDateDifferently = false;

@@ -10,6 +10,8 @@
 
 namespace tembra {
 
+class JsonDecoder;
+class JsonEncoder;
 class Session;
 struct JournalServices;
 
@@ -48,6 +50,11 @@ public:
     /// "Never", or "Failed" when the store could not be asked.
     QString lastDateString() const;
     QString fullLastDateLabel() const;
+
+    /// Writes the note as it stands in a backup.
+    void encode(JsonEncoder &encoder) const;
+    /// Makes a note, of no meeting, of the one in a backup.
+    static std::shared_ptr<Note> decode(JsonDecoder &decoder);
 
     /// Forgets lastDateString(), and says so.
     void invalidateDerived();

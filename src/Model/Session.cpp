@@ -23,20 +23,9 @@ QString emojiOnScale(const SentimentScale &scale, qint16 value, const DefaultsMa
     return scale.contains(value) ? scale.emoji(value, defaults) : QString();
 }
 
-/// Code-point order, a missing text before every other.
-int compareTexts(const QString &left, const QString &right)
+bool isEarlierTag(const std::shared_ptr<Tag> &left, const std::shared_ptr<Tag> &right)
 {
-    if (left.isNull() || right.isNull())
-        return int(right.isNull()) - int(left.isNull());
-    // QString compares UTF-16 units, which puts surrogates before U+E000: UTF-8 keeps the order.
-    return left.toUtf8().compare(right.toUtf8());
-}
-
-bool tagComesBefore(const std::shared_ptr<Tag> &left, const std::shared_ptr<Tag> &right)
-{
-    if (const int byName = compareTexts(left->name(), right->name()))
-        return byName < 0;
-    return compareTexts(left->emoji(), right->emoji()) < 0;
+    return Tag::comesBefore(left->name(), left->emoji(), right->name(), right->emoji());
 }
 
 } // namespace
@@ -148,7 +137,7 @@ QList<std::shared_ptr<Note>> Session::sortedNotes() const
 QList<std::shared_ptr<Tag>> Session::sortedTags() const
 {
     QList<std::shared_ptr<Tag>> sorted = tags();
-    std::stable_sort(sorted.begin(), sorted.end(), tagComesBefore);
+    std::stable_sort(sorted.begin(), sorted.end(), isEarlierTag);
     return sorted;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Result.h"
 #include "Store/ManagedObject.h"
 
 #include <QString>
@@ -10,6 +11,8 @@
 namespace tembra {
 
 class Counterpart;
+class JsonDecoder;
+class JsonEncoder;
 class Note;
 class Tag;
 struct JournalServices;
@@ -77,6 +80,11 @@ public:
 
     /// Names the meeting in the backup it was read from; kept in memory only.
     QString importID;
+
+    /// Writes the meeting with its notes and tags as it stands in a backup.
+    Result<void> encode(JsonEncoder &encoder) const;
+    /// Makes a meeting, of no teammate, of the one in a backup, with its notes and tags.
+    static std::shared_ptr<Session> decode(JsonDecoder &decoder);
 
     /// Called when the meeting is about to be deleted. While one is set the object stays in memory.
     const std::function<void()> &onDeletion() const { return m_onDeletion; }

@@ -21,13 +21,35 @@ bool sameText(const QString &left, const QString &right)
     return left.isNull() == right.isNull() && left == right;
 }
 
+/// Code-point order, a missing text before every other.
+int compareTexts(const QString &left, const QString &right)
+{
+    if (left.isNull() || right.isNull())
+        return int(right.isNull()) - int(left.isNull());
+    // QString compares UTF-16 units, which puts surrogates before U+E000: UTF-8 keeps the order.
+    return left.toUtf8().compare(right.toUtf8());
+}
+
 } // namespace
 
 Tag::Tag(const JournalServices &) {}
 
 void Tag::awakeFromInsert()
 {
-    setEmoji(u"🏷"_s);
+    setEmoji(defaultEmoji());
+}
+
+QString Tag::defaultEmoji()
+{
+    return u"🏷"_s;
+}
+
+bool Tag::comesBefore(const QString &name, const QString &emoji, const QString &otherName,
+                      const QString &otherEmoji)
+{
+    if (const int byName = compareTexts(name, otherName))
+        return byName < 0;
+    return compareTexts(emoji, otherEmoji) < 0;
 }
 
 void Tag::awake()

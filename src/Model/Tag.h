@@ -9,6 +9,8 @@
 namespace tembra {
 
 class FetchedResultsController;
+class JsonDecoder;
+class JsonEncoder;
 class Session;
 struct JournalServices;
 
@@ -40,6 +42,16 @@ public:
 
     /// Name, one blank, emoji; kept current with both.
     QString titleString() const { return m_titleString; }
+
+    /// Writes the tag as it stands in a backup.
+    void encode(JsonEncoder &encoder) const;
+    /// Makes a tag of the one in a backup; it is not merged with others.
+    static std::shared_ptr<Tag> decode(JsonDecoder &decoder);
+    /// What a new tag has until it is told otherwise.
+    static QString defaultEmoji();
+    /// The order of tags: by name, then emoji, in code-point order, missing before all else.
+    static bool comesBefore(const QString &name, const QString &emoji, const QString &otherName,
+                            const QString &otherEmoji);
 
     /// All meetings that carry the tag, live, newest first. Not yet fetched.
     std::unique_ptr<FetchedResultsController> sessionsResultController() const;

@@ -18,6 +18,14 @@ constexpr PropertyMask propertyBit(int property)
 }
 constexpr PropertyMask allProperties = ~PropertyMask(0);
 
+/// One bit per entity of an ObjectModel.
+using EntityMask = quint64;
+
+constexpr EntityMask entityBit(int entity)
+{
+    return EntityMask(1) << entity;
+}
+
 /// Where a to-one relationship pointed before and after; key 0 is none.
 struct ToOneChange
 {
@@ -38,13 +46,21 @@ struct ObjectChange
 
 /// Everything that changed in one turn of the event loop (or in one save): the only source that
 /// live results, undo, models and derived texts learn from. A record is in one list at most.
+///
+/// Another context may change more records than anyone wants to hear of one by one: then it tells
+/// only the entities in which any record may have come, gone or changed.
 struct ChangeSet
 {
     std::vector<ObjectChange> inserted;
     std::vector<ObjectChange> updated;
     std::vector<ObjectChange> deleted;
+    EntityMask wholesale = 0; ///< What is told so is in none of the lists.
 
-    bool isEmpty() const { return inserted.empty() && updated.empty() && deleted.empty(); }
+    bool isWholesale(int entity) const { return (wholesale & entityBit(entity)) != 0; }
+    bool isEmpty() const
+    {
+        return inserted.empty() && updated.empty() && deleted.empty() && wholesale == 0;
+    }
 };
 
 } // namespace tembra

@@ -178,6 +178,11 @@ Result<void> Connection::checkpoint()
     return {};
 }
 
+void Connection::checkpointAsFarAsPossible()
+{
+    (void)sqlite3_wal_checkpoint_v2(handle(), nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+}
+
 void Connection::setCheckpointsOnClose(bool checkpoints)
 {
     sqlite3_db_config(handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, checkpoints ? 0 : 1, nullptr);

@@ -76,6 +76,9 @@ public:
     /// Copies everything committed into the file and empties the write-ahead log. Fails (Busy)
     /// while another connection reads or writes.
     Result<void> checkpoint();
+    /// Copies as much of what is committed into the file as can be done without waiting for anybody
+    /// or making anybody wait.
+    void checkpointAsFarAsPossible();
     /// Whether closing the last connection of the file does a checkpoint too. It does, unless told not to.
     void setCheckpointsOnClose(bool checkpoints);
 

@@ -51,6 +51,8 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::Private::insert(int entity)
     for (const ToManyLink &link : schema.table(entity).toManys)
         object->m_related.push_back({link.property, {}});
     object->m_isNew = true;
+    if (setup.isBackground)
+        inserted.add(id.key);
     unwritten.objects.push_back(object);
     startDraftTimer();
     note([&](PendingChanges &changes) { changes.noteInserted({id, allProperties, {}}); });

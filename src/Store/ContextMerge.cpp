@@ -49,6 +49,8 @@ void ManagedObjectContext::Private::merge(const ChangeSet &changes)
         if (auto object = becomeDeleted(change.id))
             gone.push_back(std::move(object));
     }
+    if (changes.wholesale != 0)
+        mergeWholesale(changes.wholesale, announcements, gone);
     turn.note(changes);
     for (const auto &[owner, property] : touched) {
         if (auto live = registry.find(owner)) {
@@ -60,6 +62,41 @@ void ManagedObjectContext::Private::merge(const ChangeSet &changes)
     scheduleTurnEnd();
     announceDeleted(gone);
     announce(announcements);
+}
+
+/// Whether the live records of these entities still are there, and what is related to them, has to
+/// be asked anew.
+void ManagedObjectContext::Private::mergeWholesale(EntityMask entities,
+                                                   Announcements &announcements, ObjectList &gone)
+{
+    ObjectList live;
+    registry.forEach([&](ManagedObject &object) {
+        if (auto held = registry.find(object.m_id))
+            live.push_back(std::move(held));
+    });
+    for (std::shared_ptr<ManagedObject> &object : live) {
+        const int entity = object->m_id.entity;
+        if ((entities & entityBit(entity)) && !object->m_isNew && hasVanished(object->m_id)) {
+            if (auto vanished = becomeDeleted(object->m_id))
+                gone.push_back(std::move(vanished));
+            continue;
+        }
+        for (const ToManyLink &link : schema.table(entity).toManys) {
+            if (!(entities & entityBit(link.destination)))
+                continue;
+            const auto forgotten = std::erase_if(object->m_related, [&](const auto &related) {
+                return related.property == link.property;
+            });
+            if (forgotten > 0)
+                announcements.emplace_back(object, link.property);
+        }
+    }
+}
+
+bool ManagedObjectContext::Private::hasVanished(ObjectID id)
+{
+    const Result<bool> found = reader.exists(id);
+    return found && !*found;
 }
 
 /// Edits that the store does not have yet stay as they are: the later one wins.

@@ -12,6 +12,10 @@ namespace tembra {
 
 using namespace std::chrono_literals;
 
+/// What a background context changed beyond that is told wholesale; nobody waits for each of a
+/// hundred thousand records, and neither memory nor the main thread has room for them.
+constexpr size_t mostRecordsToldSingly = 5000;
+
 ManagedObjectContext::Private::Private(ManagedObjectContext &context, PersistentContainer &owner,
                                        ContextSetup given)
     : q(context)
@@ -23,6 +27,8 @@ ManagedObjectContext::Private::Private(ManagedObjectContext &context, Persistent
     , writer(schema, connection)
     , notifySignals(schema)
 {
+    if (setup.isBackground)
+        sinceSave.setMostRecords(mostRecordsToldSingly);
     draftTimer.setSingleShot(true);
     QObject::connect(&draftTimer, &QTimer::timeout, &q, [this] { (void)writeDrafts(); });
 }

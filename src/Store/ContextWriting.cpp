@@ -231,6 +231,8 @@ Result<ObjectList> ManagedObjectContext::Private::saveLongTransaction()
     if (const Result<void> committed = longTransaction->commit(); !committed)
         return lose(committed.error());
     longTransaction.reset();
+    // On this thread, where nobody waits for it.
+    connection.checkpointAsFarAsPossible();
     return ObjectList();
 }
 

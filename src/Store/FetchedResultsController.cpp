@@ -108,6 +108,12 @@ void FetchedResultsController::Private::follow(const ChangeSet &changes)
     }
     std::vector<qint64> after = runsAgain ? keysAfter(changes) : keys;
     const std::vector<RowChange> steps = stepsTo(after, updated);
+    if (changes.isWholesale(entity)) {
+        for (const RowChange &step : steps) {
+            if (step.type == RowChange::Type::Delete)
+                objects->forget(step.key);
+        }
+    }
     if (!steps.empty())
         tell(std::move(after), steps);
 }

@@ -7,12 +7,14 @@
 
 #include <QObject>
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <vector>
 
 namespace tembra {
 
+class KeyRanges;
 class PersistentContainer;
 class UndoManager;
 struct ContextSetup;
@@ -93,6 +95,14 @@ public:
     /// emitted. On failure all edits stay. Does nothing when there are no changes.
     Result<void> save();
 
+    /// The keys of the records that a background context has inserted, of whatever entity.
+    const KeyRanges &insertedKeys() const;
+    /// Takes back what another context inserted: deletes the records with these keys, of whatever
+    /// entity, with all their relationships; but not those that other records still refer to (as the
+    /// owner of one, or by a link from an entity listed later). For a background context; asks
+    /// @p mayGoOn now and then, with the part that is done, and fails when the answer is no.
+    Result<void> deleteInserted(const KeyRanges &keys, const std::function<bool(double)> &mayGoOn);
+
     /// Tells what changed so far in this turn now instead of at its end.
     void processPendingChanges();
 
@@ -110,6 +120,7 @@ Q_SIGNALS:
 private:
     friend class ManagedObject;
     friend class PersistentContainer;
+    friend class RecordScan;
     friend class UndoManager;
 
     struct Private;

@@ -3,6 +3,7 @@
 #include "Store/Connection.h"
 #include "Store/ContextSetup.h"
 #include "Store/DeletionEffects.h"
+#include "Store/KeyRanges.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/NotifySignals.h"
 #include "Store/ObjectRegistry.h"
@@ -100,6 +101,8 @@ struct ManagedObjectContext::Private
     Result<void> beginLongTransaction();
     Result<ObjectList> saveLongTransaction();
     Result<void> dropVanishedToOnes();
+    /// Deletes what it may of one entity's records with these keys.
+    Result<void> deleteUnreferenced(Transaction &transaction, int entity, KeyRange keys);
     tl::unexpected<Error> lose(const Error &reason);
 
     // Deleting and bringing back
@@ -128,6 +131,8 @@ struct ManagedObjectContext::Private
 
     // Merging
     void merge(const ChangeSet &changes);
+    void mergeWholesale(EntityMask entities, Announcements &announcements, ObjectList &gone);
+    bool hasVanished(ObjectID id);
     void refresh(ManagedObject &object, PropertyMask properties, Announcements &announcements);
 
     UndoHistory *recorder() const; ///< Null when nothing is to be recorded.
@@ -157,6 +162,7 @@ struct ManagedObjectContext::Private
     /// Told while drafts failed, when queries did not see it yet: told once more when they do.
     PendingChanges unseenByQueries;
     std::optional<Transaction> longTransaction; ///< Of a background context.
+    KeyRanges inserted; ///< By a background context.
     std::optional<Error> lost; ///< Why a background context cannot be saved any more.
 
     std::unique_ptr<UndoManager> undoManager;

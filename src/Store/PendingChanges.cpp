@@ -1,6 +1,7 @@
 #include "Store/PendingChanges.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tembra {
 
@@ -43,9 +44,26 @@ PendingChanges::Entry &PendingChanges::entry(ObjectID id)
     const auto known = m_indexes.constFind(id);
     if (known != m_indexes.cend())
         return m_entries[*known];
+    if (m_entries.size() >= m_mostRecords)
+        becomeWholesale();
     m_indexes.insert(id, m_entries.size());
     m_entries.push_back({Kind::None, {id, 0, {}}});
     return m_entries.back();
+}
+
+void PendingChanges::becomeWholesale()
+{
+    EntityMask entities = 0;
+    for (const Entry &known : m_entries)
+        entities |= entityBit(known.change.id.entity);
+    noteWholesale(entities);
+    m_entries.clear();
+    m_indexes.clear();
+}
+
+void PendingChanges::noteWholesale(EntityMask entities)
+{
+    m_wholesale |= entities;
 }
 
 void PendingChanges::noteInserted(ObjectChange change)
@@ -96,6 +114,7 @@ void PendingChanges::noteDeleted(ObjectChange change)
 
 void PendingChanges::note(const ChangeSet &changes)
 {
+    noteWholesale(changes.wholesale);
     reserve(changes.inserted.size() + changes.updated.size() + changes.deleted.size());
     for (const ObjectChange &change : changes.inserted)
         noteInserted(change);
@@ -109,7 +128,7 @@ void PendingChanges::noteAsUpdates(const ChangeSet &changes)
 {
     for (const ObjectChange &change : changes.inserted)
         noteUpdate(change);
-    note({{}, changes.updated, changes.deleted});
+    note({{}, changes.updated, changes.deleted, changes.wholesale});
 }
 
 void PendingChanges::noteUpdate(const ObjectChange &change)
@@ -122,6 +141,7 @@ void PendingChanges::noteUpdate(const ObjectChange &change)
 ChangeSet PendingChanges::take()
 {
     ChangeSet changes;
+    changes.wholesale = std::exchange(m_wholesale, 0);
     const auto countOf = [&](Kind kind) {
         return size_t(std::count_if(m_entries.begin(), m_entries.end(),
                                     [&](const Entry &known) { return known.kind == kind; }));
@@ -130,6 +150,8 @@ ChangeSet PendingChanges::take()
     changes.updated.reserve(countOf(Kind::Updated));
     changes.deleted.reserve(countOf(Kind::Deleted));
     for (Entry &known : m_entries) {
+        if (changes.isWholesale(known.change.id.entity))
+            continue;
         switch (known.kind) {
         case Kind::None:
             break;

@@ -4,6 +4,7 @@
 
 #include <QHash>
 
+#include <limits>
 #include <vector>
 
 namespace tembra {
@@ -14,7 +15,10 @@ namespace tembra {
 class PendingChanges
 {
 public:
-    bool isEmpty() const { return m_entries.empty(); }
+    bool isEmpty() const { return m_entries.empty() && m_wholesale == 0; }
+    /// With more records than that the changes become wholesale, so that they stay small.
+    void setMostRecords(size_t count) { m_mostRecords = count; }
+    void noteWholesale(EntityMask entities);
     /// Makes room for @p count records more.
     void reserve(size_t count);
 
@@ -37,9 +41,12 @@ private:
     };
 
     Entry &entry(ObjectID id);
+    void becomeWholesale();
     void noteUpdate(const ObjectChange &change);
 
     std::vector<Entry> m_entries;
+    EntityMask m_wholesale = 0;
+    size_t m_mostRecords = std::numeric_limits<size_t>::max();
     QHash<ObjectID, size_t> m_indexes;
 };
 

@@ -97,7 +97,8 @@ Region &Region::unite(const Region &other)
 
 bool Region::touches(const ChangeSet &changes) const
 {
-    if (touchesRecords(changes.inserted) || touchesRecords(changes.deleted))
+    if (touchesAnyOf(changes.wholesale) || touchesRecords(changes.inserted)
+        || touchesRecords(changes.deleted))
         return true;
     return std::any_of(changes.updated.begin(), changes.updated.end(),
                        [this](const ObjectChange &change) {
@@ -105,6 +106,12 @@ bool Region::touches(const ChangeSet &changes) const
                            return part != m_parts.cend()
                                   && (part->properties & change.properties) != 0;
                        });
+}
+
+bool Region::touchesAnyOf(EntityMask entities) const
+{
+    return std::any_of(m_parts.keyBegin(), m_parts.keyEnd(),
+                       [entities](int entity) { return (entities & entityBit(entity)) != 0; });
 }
 
 bool Region::touchesRecords(const std::vector<ObjectChange> &changes) const

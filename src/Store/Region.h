@@ -41,6 +41,7 @@ private:
         friend bool operator==(const Part &, const Part &) = default;
     };
 
+    bool touchesAnyOf(EntityMask entities) const;
     bool touchesRecords(const std::vector<ObjectChange> &changes) const;
 
     QMap<int, Part> m_parts; ///< By entity.

@@ -50,9 +50,23 @@ Result<std::optional<RowReader::Row>> RowReader::row(ObjectID id)
 
 Result<void> RowReader::rows(int entity, std::span<const qint64> keys, const RowVisitor &visit)
 {
+    return rowsOf(entity, QByteArrayLiteral("id"), keys, visit);
+}
+
+Result<void> RowReader::referringRows(const ToOneColumn &column,
+                                      std::span<const qint64> destinations, const RowVisitor &visit)
+{
+    return rowsOf(column.entity,
+                  quoted(m_schema.table(column.entity).columns[size_t(column.property)]),
+                  destinations, visit);
+}
+
+Result<void> RowReader::rowsOf(int entity, const QByteArray &column, std::span<const qint64> keys,
+                               const RowVisitor &visit)
+{
     const QByteArray table = quoted(m_schema.table(entity).table);
     const QByteArray sql = "SELECT id," + m_statements[size_t(entity)].columns + " FROM " + table
-                           + " WHERE id IN ";
+                           + " WHERE " + column + " IN ";
     return KeyChunks::forEach(m_connection, sql, keys, {},
                               [&](Statement &statement) -> Result<void> {
                                   Result<bool> found = statement.step();

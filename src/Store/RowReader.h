@@ -40,6 +40,9 @@ public:
     /// Visits (owner, other) for every record that a to-many relationship of @p owners reaches.
     Result<void> related(const ToManyLink &link, std::span<const qint64> owners,
                          const PairVisitor &visit);
+    /// Visits the records whose to-one points to one of @p destinations.
+    Result<void> referringRows(const ToOneColumn &column, std::span<const qint64> destinations,
+                               const RowVisitor &visit);
     /// Visits (record, destination) for every record whose to-one points to one of @p destinations.
     Result<void> referrers(const ToOneColumn &column, std::span<const qint64> destinations,
                            const PairVisitor &visit);
@@ -52,6 +55,8 @@ private:
         Statement *exists = nullptr;
     };
 
+    Result<void> rowsOf(int entity, const QByteArray &column, std::span<const qint64> keys,
+                        const RowVisitor &visit);
     Result<void> pairs(const QByteArray &sql, std::span<const qint64> keys,
                        const PairVisitor &visit);
     Row readRow(const Statement &statement, int entity, int firstColumn) const;

@@ -2,54 +2,46 @@
 
 #include <sqlite3.h>
 
-#include <cerrno>
-#include <cstring>
-
 namespace tembra {
 
 namespace {
 
 StoreFault faultOfSystemError(int systemError)
 {
-    switch (systemError) {
-    case ENOSPC:
-    case EDQUOT:
+    switch (fileFaultOf(systemError)) {
+    case FileFault::DiskFull:
+    case FileFault::QuotaReached:
         return StoreFault::DiskFull;
-    case EACCES:
-    case EPERM:
-    case EROFS:
+    case FileFault::NoPermission:
+    case FileFault::ReadOnly:
         return StoreFault::NoPermission;
-    case EIO:
+    case FileFault::InputOutput:
         return StoreFault::InputOutput;
     default:
         return StoreFault::Other;
     }
 }
 
-QString sentenceFor(StoreFault fault)
+QString sentenceFor(StoreFault fault, const QString &file)
 {
     switch (fault) {
     case StoreFault::Busy:
-        return QStringLiteral(
-            "“%1” is in use by another program. Close that program and try again.");
+        return sentenceFor(FileFault::Busy, file);
     case StoreFault::DiskFull:
-        return QStringLiteral("The disk is full, so “%1” cannot be written. Free some space on the "
-                              "disk and try again.");
+        return sentenceFor(FileFault::DiskFull, file);
     case StoreFault::NoPermission:
-        return QStringLiteral(
-            "You may not read or change “%1”. Give yourself the permission to and try again.");
+        return sentenceFor(FileFault::NoPermission, file);
     case StoreFault::InputOutput:
-        return QStringLiteral(
-            "The disk failed while “%1” was being read or written. Check the disk and try again.");
+        return sentenceFor(FileFault::InputOutput, file);
     case StoreFault::Damaged:
-        return QStringLiteral("“%1” is damaged. Put an undamaged copy of it in its place.");
+        return QStringLiteral("“%1” is damaged. Put an undamaged copy of it in its place.")
+            .arg(file);
     case StoreFault::None:
     case StoreFault::Constraint:
     case StoreFault::Other:
         break;
     }
-    return QStringLiteral(
-        "“%1” could not be read or changed. Check the disk and the permissions of its folder.");
+    return sentenceFor(FileFault::Other, file);
 }
 
 } // namespace
@@ -86,13 +78,7 @@ StoreFault storeFaultOf(int sqliteCode, int systemError)
 
 Error storeError(StoreFault fault, const QString &file, const QString &detail)
 {
-    return {sentenceFor(fault).arg(file), detail};
-}
-
-Error fileError(const QString &file, int systemError)
-{
-    return storeError(faultOfSystemError(systemError), file,
-                      QString::fromLocal8Bit(std::strerror(systemError)));
+    return {sentenceFor(fault, file), detail};
 }
 
 } // namespace tembra

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Foundation/Result.h"
+#include "Foundation/FileFault.h"
 
 namespace tembra {
 
@@ -21,8 +21,5 @@ StoreFault storeFaultOf(int sqliteCode, int systemError = 0);
 
 /// The user's sentence for a fault met while using @p file, with the system's own words as detail.
 Error storeError(StoreFault fault, const QString &file, const QString &detail);
-
-/// The same for a system call that failed with @p systemError.
-Error fileError(const QString &file, int systemError);
 
 } // namespace tembra

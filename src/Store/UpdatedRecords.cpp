@@ -3,6 +3,8 @@
 #include "Foundation/Logging.h"
 #include "Store/ManagedObjectContext.h"
 
+#include <algorithm>
+
 namespace tembra {
 
 using namespace Qt::StringLiterals;
@@ -48,6 +50,10 @@ UpdatedRecords::Keys UpdatedRecords::among(const ChangeSet &changes,
                                            ManagedObjectContext &context) const
 {
     Keys found;
+    found.all = changes.isWholesale(m_entity)
+                || std::ranges::any_of(m_prefetched, [&](const Prefetched &relationship) {
+                       return changes.isWholesale(relationship.destination);
+                   });
     addOwn(changes, found);
     addRelinked(changes.inserted, found);
     addRelinked(changes.updated, found);

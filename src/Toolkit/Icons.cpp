@@ -36,9 +36,11 @@ QString themeName(Name name)
     case Name::Undo:
         return u"edit-undo"_s;
     case Name::Redo:
+        return u"edit-redo"_s;
+    case Name::Close:
         break;
     }
-    return u"edit-redo"_s;
+    return u"window-close"_s;
 }
 
 QString themeName(AlertIcon kind)
@@ -59,6 +61,12 @@ QString fileOf(const QString &name)
     return u":/toolkit/icons/%1.svg"_s.arg(name);
 }
 
+QIcon colored(const QString &name)
+{
+    initializeToolkitResources();
+    return QIcon::hasThemeIcon(name) ? QIcon::fromTheme(name) : QIcon(fileOf(name));
+}
+
 } // namespace
 
 QIcon icon(Name name)
@@ -70,9 +78,12 @@ QIcon icon(Name name)
 
 QIcon alert(AlertIcon kind)
 {
-    initializeToolkitResources();
-    const QString theme = themeName(kind);
-    return QIcon::hasThemeIcon(theme) ? QIcon::fromTheme(theme) : QIcon(fileOf(theme));
+    return colored(themeName(kind));
+}
+
+QIcon package()
+{
+    return colored(u"package-x-generic"_s);
 }
 
 QIcon application()

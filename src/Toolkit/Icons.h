@@ -6,7 +6,7 @@
 /// the program. One-coloured icons follow the text colour, live, also when disabled or selected.
 namespace tembra::icons {
 
-enum class Name { Add, Remove, Previous, Next, Help, Search, Save, Undo, Redo };
+enum class Name { Add, Remove, Previous, Next, Help, Search, Save, Undo, Redo, Close };
 
 QIcon icon(Name name);
 
@@ -14,6 +14,9 @@ enum class AlertIcon { Information, Warning, Error };
 
 /// The coloured icon at the side of an alert.
 QIcon alert(AlertIcon kind);
+
+/// The coloured icon of a package: a folder that is shown as one file.
+QIcon package();
 
 /// The icon of the program and of its windows.
 QIcon application();

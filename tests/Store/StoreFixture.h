@@ -3,23 +3,17 @@
 #include "Store/Connection.h"
 #include "Store/ObjectModel.h"
 #include "Store/StoreOpening.h"
+#include "support/FolderContents.h"
 
 #include <QByteArray>
-#include <QMap>
 #include <QString>
 #include <QTemporaryDir>
-
-#include <functional>
 
 namespace tembra {
 
 /// A small model whose schema went through up to three versions: 1 has items with a title, 2 gives
 /// them a rating, 3 rebuilds their table and adds parts that refer to them.
 ObjectModel itemModel(int version);
-
-/// Where tests make their folders: in memory where the system offers that, as waiting thousands of
-/// times for a disk would prove nothing more.
-QString temporaryTemplate();
 
 /// A folder for one test, with a store's place in it.
 struct StoreFolder
@@ -41,16 +35,6 @@ void makeStore(const StoreFolder &folder, int items = 40);
 void makeKilledStore(const StoreFolder &folder, const QByteArray &lastStatements = "SELECT 1");
 /// Overwrites some bytes of the store's file.
 void patch(const StoreFolder &folder, int offset, const QByteArray &bytes);
-
-/// Every entry below a folder: kind, mode and content by relative path. Links are not followed.
-QMap<QString, QByteArray> snapshot(const QString &folder);
-
-void writeFile(const QString &path, const QByteArray &content);
-QByteArray readFile(const QString &path);
-
-/// Runs @p work in a process of its own that then ends at once, as if it was killed: nothing is
-/// closed or tidied. Returns its exit status: 0 unless @p work returned false.
-int runAndDie(const std::function<bool()> &work);
 
 /// The first column of the first row; nothing when there is no row or an error.
 Value queryValue(Connection &connection, const QByteArray &sql);

@@ -47,6 +47,7 @@ private Q_SLOTS:
     void startsAnewAfterTaking();
     void keepsTheOrderOfFirstMention();
     void tellsInsertionsAgainAsUpdates();
+    void tellsTooManyWholesale();
 };
 
 using Notes = std::function<void(PendingChanges &)>;
@@ -179,6 +180,26 @@ void tst_PendingChanges::tellsInsertionsAgainAsUpdates()
     PendingChanges pending;
     pending.noteAsUpdates({{change(3, {{0, 0, 5}})}, {}, {}});
     QCOMPARE(describe(pending.take()), QStringLiteral("updated 3 [0:0>5]"));
+}
+
+void tst_PendingChanges::tellsTooManyWholesale()
+{
+    PendingChanges pending;
+    pending.setMostRecords(3);
+    for (qint64 key = 1; key <= 3; ++key)
+        pending.noteInserted({{2, key}, allProperties, {}});
+    pending.noteUpdated({2, 1}, 1); // Known already.
+    pending.noteUpdated({1, 1}, 1); // One too many.
+    pending.noteInserted({{2, 4}, allProperties, {}});
+    const ChangeSet changes = pending.take();
+    QVERIFY(changes.isWholesale(2));
+    QVERIFY(!changes.isWholesale(1));
+    QVERIFY(changes.inserted.empty());
+    QCOMPARE(changes.updated.size(), size_t(1));
+    QVERIFY(pending.isEmpty());
+    // The next gathering starts anew.
+    pending.noteInserted({{2, 5}, allProperties, {}});
+    QCOMPARE(pending.take().wholesale, EntityMask(0));
 }
 
 QTEST_APPLESS_MAIN(tst_PendingChanges)

@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::array allNames = {icons::Name::Add,  icons::Name::Remove, icons::Name::Previous,
                                  icons::Name::Next, icons::Name::Help,   icons::Name::Search,
-                                 icons::Name::Save, icons::Name::Undo,   icons::Name::Redo};
+                                 icons::Name::Save, icons::Name::Undo,   icons::Name::Redo,
+                                 icons::Name::Close};
 
 QImage image(const QIcon &icon, QIcon::Mode mode = QIcon::Normal, int size = 32)
 {
@@ -61,6 +62,7 @@ void TestIcons::everyIconIsDrawn()
     for (const auto kind :
          {icons::AlertIcon::Information, icons::AlertIcon::Warning, icons::AlertIcon::Error})
         QVERIFY(opaquePixels(image(icons::alert(kind))) > 100);
+    QVERIFY(opaquePixels(image(icons::package())) > 100);
 }
 
 void TestIcons::iconsDiffer()

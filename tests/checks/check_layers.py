@@ -17,14 +17,15 @@ from pathlib import Path
 CORE = {"QtCore", "expected"}
 SCREEN = CORE | {"QtGui", "QtWidgets"}
 LAYERS = {
-    "Foundation": CORE | {"icu"},
+    "Foundation": CORE | {"icu", "rapidjson"},
     "Store": CORE | {"sqlite", "Foundation"},
     "Model": CORE | {"Foundation", "Store"},
     "Toolkit": SCREEN | {"QtSvg", "Foundation"},
     "Preferences": SCREEN | {"Foundation", "Toolkit"},
-    "MainWindow": SCREEN | {"Foundation", "Store", "Model", "Toolkit", "Preferences"},
+    "Backup": SCREEN | {"Foundation", "Store", "Model", "Toolkit"},
+    "MainWindow": SCREEN | {"Foundation", "Store", "Model", "Toolkit", "Preferences", "Backup"},
     "Application": SCREEN
-    | {"QtNetwork", "Foundation", "Store", "Model", "Toolkit", "Preferences", "MainWindow"},
+    | {"QtNetwork", "Foundation", "Store", "Model", "Toolkit", "Preferences", "Backup", "MainWindow"},
 }
 ALONE_IN_SRC = {"main.cpp": SCREEN | {"Application"}}
 
@@ -32,6 +33,7 @@ SYSTEM_HEADERS = {
     re.compile(r"sqlite3(ext)?\.h|SQLiteCpp/.*"): "sqlite",
     re.compile(r"unicode/.*"): "icu",
     re.compile(r"tl/expected\.hpp"): "expected",
+    re.compile(r"rapidjson/.*"): "rapidjson",
     re.compile(r"(Qt[A-Z]\w*)/.*"): None,  # the module is the folder's name
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')

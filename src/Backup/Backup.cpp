@@ -1,0 +1,90 @@
+#include "Backup/Backup.h"
+
+#include "Backup/DetachedTask.h"
+#include "Foundation/Logging.h"
+#include "Model/DefaultsManager.h"
+#include "Model/JournalEncoding.h"
+
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+#include <chrono>
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::chrono::seconds patience(10);
+
+void logFailure(const Error &error)
+{
+    qCWarning(backupLog, "Could not write backup: %s", qUtf8Printable(error.description()));
+}
+
+Error noAnswer(const QString &path)
+{
+    return {u"The folder of “%1” did not answer for %2 seconds."_s.arg(path).arg(patience.count()),
+            {}};
+}
+
+} // namespace
+
+Backup::Backup(ManagedObjectContext &context, const DefaultsManager &defaults, QString programName,
+               FileSystem &fileSystem)
+    : m_context(context)
+    , m_defaults(defaults)
+    , m_programName(std::move(programName))
+    , m_fileSystem(fileSystem)
+{
+}
+
+QString Backup::automaticFileName() const
+{
+    const QString prefix = m_programName.contains("Nightly"_L1) ? u"Nightly"_s : QString();
+    return prefix + "TembraData."_L1 + BackupDocument::tembrabackup;
+}
+
+QString Backup::suggestedFileName(Date now, const QTimeZone &timeZone)
+{
+    const QDate today = QDateTime::fromMSecsSinceEpoch(qint64(now.toUnixMilliseconds()), timeZone)
+                            .date();
+    return "Tembra_Backup_"_L1 + today.toString(Qt::ISODate) + u'.' + BackupDocument::tembrabackup;
+}
+
+void Backup::backUp(const QList<std::shared_ptr<Counterpart>> &teammates,
+                    const std::function<void()> &whileWaiting) const
+{
+    const std::optional<QUrl> folder = m_defaults.backupFolder();
+    if (!m_defaults.shouldBackUpData() || !folder)
+        return;
+    QElapsedTimer waiting;
+    waiting.start();
+    const auto keepWaiting = [&] {
+        whileWaiting();
+        return !waiting.hasExpired(std::chrono::milliseconds(patience).count());
+    };
+    const QString path = folder->toLocalFile() + u'/' + automaticFileName();
+    const auto isFolder = runDetached<bool>(
+        [path = folder->toLocalFile()] { return QFileInfo(path).isDir(); }, keepWaiting);
+    if (!isFolder)
+        return logFailure(noAnswer(path));
+    if (!*isFolder)
+        return;
+    Result<QByteArray> json = encodeJournal(m_context, teammates);
+    if (!json)
+        return logFailure(json.error());
+    const auto written = runDetached<Result<void>>(
+        [document = BackupDocument{std::move(*json)}, path, &fileSystem = m_fileSystem] {
+            return document.write(path, fileSystem);
+        },
+        keepWaiting);
+    if (!written)
+        logFailure(noAnswer(path));
+    else if (!*written)
+        logFailure(written->error());
+}
+
+} // namespace tembra

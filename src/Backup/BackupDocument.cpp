@@ -1,0 +1,21 @@
+#include "Backup/BackupDocument.h"
+
+#include "Foundation/PackageFile.h"
+#include "Foundation/PackageWriter.h"
+
+namespace tembra {
+
+Result<BackupDocument> BackupDocument::read(const QString &packagePath, FileSystem &fileSystem)
+{
+    return readPackageFile(packagePath, teammatesFilename, fileSystem)
+        .map(
+            [](std::optional<QByteArray> contents) { return BackupDocument{std::move(contents)}; });
+}
+
+Result<void> BackupDocument::write(const QString &packagePath, FileSystem &fileSystem) const
+{
+    return PackageWriter(fileSystem)
+        .write(packagePath, teammatesFilename, teammatesJsonData.value_or(QByteArray()));
+}
+
+} // namespace tembra

@@ -1,0 +1,122 @@
+#include "Backup/BackupPanel.h"
+
+#include "Backup/Backup.h"
+#include "Backup/DetachedTask.h"
+#include "Backup/ImportTexts.h"
+#include "Foundation/Clock.h"
+#include "Foundation/Logging.h"
+#include "Model/CoreDataInterface.h"
+#include "Model/JournalEncoding.h"
+#include "Store/ManagedObjectContext.h"
+#include "Store/PersistentContainer.h"
+#include "Toolkit/PackageDialog.h"
+
+#include <QStandardPaths>
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Result<QByteArray> encode(ManagedObjectContext &context, const std::vector<qint64> &keys)
+{
+    const int entity = context.container().model().entityIndex(Counterpart::entityName());
+    const auto objects = context.objects(entity, keys);
+    if (!objects)
+        return failure(objects.error());
+    QList<std::shared_ptr<Counterpart>> teammates;
+    for (const auto &object : *objects)
+        teammates.append(std::static_pointer_cast<Counterpart>(object));
+    return encodeJournal(context, teammates);
+}
+
+/// The folder may be one that does not answer: then it is left alone once the user has cancelled.
+Result<void> writePackage(BackupDocument document, const QString &packagePath,
+                          const JournalWork::MayGoOn &mayGoOn)
+{
+    const auto written = runDetached<Result<void>>(
+        [document = std::move(document), packagePath] { return document.write(packagePath); },
+        [&] { return mayGoOn(0); });
+    return written ? *written : failure(u"It was cancelled."_s);
+}
+
+} // namespace
+
+BackupPanel::BackupPanel(CoreDataInterface &coreData, const Clock &clock, QWidget *window,
+                         QObject *parent)
+    : QObject(parent)
+    , m_coreData(coreData)
+    , m_clock(clock)
+    , m_window(window)
+{
+}
+
+BackupPanel::~BackupPanel() = default;
+
+void BackupPanel::createBackup(const QList<ObjectID> &teammates)
+{
+    if (m_work)
+        return;
+    m_coreData.save();
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const QString name = Backup::suggestedFileName(m_clock.now(), QTimeZone::systemTimeZone());
+    const auto path = PackageDialog::getSavePackage(
+        m_window, tr("Create Backup", "Title of the panel that asks where to put a backup"),
+        importTexts::backupType(), folder + u'/' + name);
+    if (path)
+        writeBackup(teammates, *path);
+}
+
+void BackupPanel::writeBackup(const QList<ObjectID> &teammates, const QString &packagePath)
+{
+    std::vector<qint64> keys;
+    for (const ObjectID id : teammates)
+        keys.push_back(id.key);
+    const auto size = std::make_shared<qint64>(0);
+    // The other context reads what is written: edits made since the panel opened as well.
+    Result<void> ready = m_coreData.viewContext().writeDrafts();
+    auto started = JournalWork::start(m_coreData.persistentContainer(),
+                                      [keys, packagePath, size,
+                                       ready](ManagedObjectContext &context,
+                                              const JournalWork::MayGoOn &mayGoOn) -> Result<void> {
+                                          if (!ready)
+                                              return ready;
+                                          Result<QByteArray> json = encode(context, keys);
+                                          if (!json)
+                                              return failure(json.error());
+                                          *size = json->size();
+                                          return writePackage({std::move(*json)}, packagePath,
+                                                              mayGoOn);
+                                      });
+    if (!started) {
+        qCWarning(backupLog, "Could not write backup: %s",
+                  qUtf8Printable(started.error().description()));
+        return;
+    }
+    m_work = std::move(*started);
+    connect(m_work.get(), &JournalWork::finished, this,
+            [this, packagePath, size] { finish(packagePath, *size); });
+    Q_EMIT began(tr("Writing the backup “%1” …", "Says what is going on")
+                     .arg(importTexts::nameOf(packagePath)));
+}
+
+void BackupPanel::finish(const QString &packagePath, qint64 size)
+{
+    const std::unique_ptr<JournalWork> work = std::move(m_work);
+    const Result<void> outcome = work->outcome();
+    Q_EMIT ended();
+    if (outcome)
+        Q_EMIT wrote(packagePath, size);
+    else
+        qCWarning(backupLog, "Could not write backup: %s",
+                  qUtf8Printable(outcome.error().description()));
+}
+
+void BackupPanel::cancel()
+{
+    if (m_work)
+        m_work->cancel();
+}
+
+} // namespace tembra

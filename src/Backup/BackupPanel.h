@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Backup/JournalWork.h"
+#include "Store/ObjectID.h"
+
+#include <QList>
+
+class QWidget;
+
+namespace tembra {
+
+class Clock;
+class CoreDataInterface;
+
+/// Backups that the user asks for: asks where, and writes the journal there beside everything else
+/// that goes on. A failure is but logged.
+class BackupPanel final : public QObject
+{
+    Q_OBJECT
+
+public:
+    BackupPanel(CoreDataInterface &coreData, const Clock &clock, QWidget *window,
+                QObject *parent = nullptr);
+    ~BackupPanel() override;
+
+    /// Of these teammates, in this order. Without effect while one is being written.
+    void createBackup(const QList<ObjectID> &teammates);
+    void writeBackup(const QList<ObjectID> &teammates, const QString &packagePath);
+
+    bool isRunning() const { return m_work != nullptr; }
+    void cancel();
+
+Q_SIGNALS:
+    void began(const QString &activity);
+    void ended();
+    /// After ended(): the backup is on the disk, was read back and is complete.
+    void wrote(const QString &packagePath, qint64 size);
+
+private:
+    void finish(const QString &packagePath, qint64 size);
+
+    CoreDataInterface &m_coreData;
+    const Clock &m_clock;
+    QWidget *m_window;
+    std::unique_ptr<JournalWork> m_work;
+};
+
+} // namespace tembra

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Foundation/Result.h"
+
+#include <QString>
+
+namespace tembra {
+
+/// Where a package lies: a name in a folder.
+struct PackagePlace
+{
+    QString path; ///< As given, but for slashes at its end.
+    QString folder; ///< May be reached through links.
+    QString name; ///< One name, never empty, "." or "..".
+
+    /// Fails when the path names nothing that could be made.
+    static Result<PackagePlace> of(const QString &path);
+};
+
+/// Whether that is one name for a file in a folder.
+bool isPlainName(const QString &name);
+
+} // namespace tembra
