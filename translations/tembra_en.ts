@@ -10,6 +10,39 @@
     </message>
 </context>
 <context>
+    <name>ImportTexts</name>
+    <message>
+        <source>Tembra backup</source>
+        <comment>What a backup package is called</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 teammate</source>
+        <comment>How much a backup holds</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 teammates</source>
+        <comment>How much a backup holds</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 meeting</source>
+        <comment>How much a backup holds</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 meetings</source>
+        <comment>How much a backup holds</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <comment>%1 is a number of teammates, %2 one of meetings</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>JsonDecoder</name>
     <message>
         <source>expected a list</source>
@@ -109,6 +142,11 @@
     <message>
         <source>the file is not valid JSON: %1</source>
         <comment>Why a file cannot be read, with the details</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 %2</source>
+        <comment>Place in a file: a word (&quot;session&quot;) and its number</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -218,6 +256,29 @@
     <message>
         <source>Quit</source>
         <comment>Closes the program</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>RecordValues</name>
+    <message>
+        <source>teammate</source>
+        <comment>Names a place in a backup: &quot;teammate 3, session 12&quot;</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>session</source>
+        <comment>Names a place in a backup: &quot;teammate 3, session 12&quot;</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>tag</source>
+        <comment>Names a place in a backup: &quot;session 12, tag 3&quot;</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>note</source>
+        <comment>Names a place in a backup: &quot;session 12, note 3&quot;</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -336,6 +397,77 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>Cancel</source>
         <comment>Cancel button title</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Your specified backup location is not available. Update your preferences to continue making backups.</source>
+        <comment>Alert when backup directory unavailable.</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Continue</source>
+        <comment>Ignore warning for missing backup directory</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Writing the backup before quitting …</source>
+        <comment>Says what is going on</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::BackupCommands</name>
+    <message>
+        <source>Cancelled; nothing was changed.</source>
+        <comment>After an import</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The import of “%1” was undone.</source>
+        <comment>%1 is a backup&apos;s name</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Create &amp;Backup…</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Import Backup…</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” holds no teammates.</source>
+        <comment>After an import; %1 is a backup&apos;s name</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” is imported: %2.</source>
+        <comment>%1 is a backup&apos;s name, %2 how many teammates and meetings</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Undo Import…</source>
+        <comment>Button: asks, then undoes an import</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The backup “%1” is complete: read back and found whole at %2, %3.</source>
+        <comment>%1 is a backup&apos;s name, %2 the time of day, %3 its size</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::BackupPanel</name>
+    <message>
+        <source>Create Backup</source>
+        <comment>Title of the panel that asks where to put a backup</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Writing the backup “%1” …</source>
+        <comment>Says what is going on</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -571,6 +703,92 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     </message>
 </context>
 <context>
+    <name>tembra::Import</name>
+    <message>
+        <source>No teammate data found.</source>
+        <comment>Additional info for import error.</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import Backup</source>
+        <comment>Title of the panel that asks for a backup</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Importing “%1” …</source>
+        <comment>Says what is going on</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Do you want to undo this import?</source>
+        <comment>Asks before an import is undone</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 that came with “%2” are removed, with everything you have changed in them since. A teammate to whom you have added meetings stays, with those.</source>
+        <comment>%1 is like &quot;8 teammates and 412 meetings&quot;, %2 the name of a backup</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Undo Import</source>
+        <comment>Button that undoes an import</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <comment>Button that leaves things as they are</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Undoing the import …</source>
+        <comment>Says what is going on</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Could not load backup file</source>
+        <comment>Alert when import fails</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Okay</source>
+        <comment>Closes the alert about a failed import</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The import could not be undone.</source>
+        <comment>Alert when undoing an import fails</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Okay</source>
+        <comment>Closes the alert about an import that stays</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::ImportPrompts</name>
+    <message>
+        <source>Do you want to import this backup file?</source>
+        <comment>Prompt for import dialog</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <comment>Import button</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <comment>Cancel button</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Last modified</source>
+        <comment>Label for informative text on import</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>tembra::MainWindow</name>
     <message>
         <source>&amp;File</source>
@@ -686,6 +904,81 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>%1, filled in</source>
         <comment>A note field that holds text, read aloud</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::PackageChoice</name>
+    <message>
+        <source>%1 counts as one file. Nothing inside of it can be chosen.</source>
+        <comment>%1 is the quoted name of a package</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <comment>A name in quotation marks</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is named like the kind “%2”, but is a plain file and cannot be opened.</source>
+        <comment>%1 is the quoted name of a file, %2 the name of a kind of file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is not of the kind “%2” and cannot be opened here.</source>
+        <comment>%1 is the quoted name of a file, %2 the name of a kind of file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 was not found. Check the name and the folder.</source>
+        <comment>%1 is the quoted name of a file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no folder %1. Choose another one.</source>
+        <comment>%1 is the quoted name of a folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This name is too long. Choose a shorter one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is a plain file that would be in the way. Choose another name.</source>
+        <comment>%1 is the quoted name of a file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::PackageDialog</name>
+    <message>
+        <source>&amp;Open</source>
+        <comment>Button of the open panel</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <comment>Button of the save panel</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 already exists. Do you want to replace it?</source>
+        <comment>%1 is the quoted name of a package</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What it holds will be overwritten.</source>
+        <comment>Said of a package that is to be replaced</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <comment>Button that overwrites a package</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <comment>Button that leaves things as they are</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>

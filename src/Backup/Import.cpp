@@ -128,7 +128,9 @@ void Import::finish(const std::function<void(const Error &)> &whenFailed,
     const Result<void> outcome = work->outcome();
     if (outcome)
         whenDone();
-    else if (!work->isCancelled())
+    else if (work->isCancelled())
+        Q_EMIT cancelled();
+    else
         whenFailed(outcome.error());
     Q_EMIT settled();
 }

@@ -57,6 +57,8 @@ Q_SIGNALS:
     /// After ended(), when all went well.
     void imported(const tembra::ImportOutcome &outcome);
     void undone(const tembra::ImportOutcome &outcome);
+    /// After ended(), when the user wanted no more of it.
+    void cancelled();
     /// After all of these, and after an alert about what went wrong was read.
     void settled();
 

@@ -16,12 +16,18 @@ PackageType backupType()
 
 QString amount(const BackupCounts &counts)
 {
-    const QString teammates = QCoreApplication::translate("ImportTexts", "%n teammate(s)",
-                                                          "How much a backup holds",
-                                                          int(counts.teammates));
-    const QString meetings = QCoreApplication::translate("ImportTexts", "%n meeting(s)",
-                                                         "How much a backup holds",
-                                                         int(counts.sessions));
+    const QString teammates = counts.teammates == 1
+                                  ? QCoreApplication::translate("ImportTexts", "1 teammate",
+                                                                "How much a backup holds")
+                                  : QCoreApplication::translate("ImportTexts", "%1 teammates",
+                                                                "How much a backup holds")
+                                        .arg(counts.teammates);
+    const QString meetings = counts.sessions == 1
+                                 ? QCoreApplication::translate("ImportTexts", "1 meeting",
+                                                               "How much a backup holds")
+                                 : QCoreApplication::translate("ImportTexts", "%1 meetings",
+                                                               "How much a backup holds")
+                                       .arg(counts.sessions);
     return QCoreApplication::translate("ImportTexts", "%1 and %2",
                                        "%1 is a number of teammates, %2 one of meetings")
         .arg(teammates, meetings);

@@ -237,7 +237,7 @@ bool JsonCursor::takeKey()
 
 bool JsonCursor::consume(char byte)
 {
-    if (atEnd() || m_stream.Peek() != byte)
+    if (m_stream.Peek() != byte)
         return false;
     m_stream.Take();
     return true;

@@ -67,6 +67,19 @@ QList<std::shared_ptr<Counterpart>> CounterpartsPaneViewController::counterparts
     return listed;
 }
 
+void CounterpartsPaneViewController::handleCreateBackup()
+{
+    QList<ObjectID> teammates;
+    for (const std::shared_ptr<Counterpart> &counterpart : counterparts())
+        teammates.append(counterpart->objectID());
+    Q_EMIT backupRequested(teammates);
+}
+
+void CounterpartsPaneViewController::handleImportBackup()
+{
+    Q_EMIT importRequested();
+}
+
 bool CounterpartsPaneViewController::hasSelection() const
 {
     return m_counterpartsArrayController->selectionIndex() >= 0;

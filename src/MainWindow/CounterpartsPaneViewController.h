@@ -55,9 +55,14 @@ public Q_SLOTS:
     void handleTeammateAddDelete(int segment);
     void handleDeleteFromMenu();
     void renameSelected();
+    /// A backup of all teammates, in the order of the list.
+    void handleCreateBackup();
+    void handleImportBackup();
 
 Q_SIGNALS:
     void selectionChanged();
+    void backupRequested(const QList<tembra::ObjectID> &teammates);
+    void importRequested();
 
 private:
     void buildLayout();

@@ -1,10 +1,12 @@
 #include "MainWindow/MainWindow.h"
 
+#include "MainWindow/BackupCommands.h"
 #include "MainWindow/CounterpartsPaneViewController.h"
 #include "MainWindow/DetailPaneViewController.h"
 #include "MainWindow/HairlineSplitter.h"
 #include "MainWindow/SaveFailureBanner.h"
 #include "MainWindow/SessionDetailViewController.h"
+#include "MainWindow/StatusLine.h"
 #include "Model/CoreDataInterface.h"
 #include "Model/Note.h"
 #include "Preferences/InputControls/AutoEditArrayController.h"
@@ -14,6 +16,8 @@
 #include "Toolkit/Icons.h"
 
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QMimeData>
 #include <QVBoxLayout>
 
 namespace tembra {
@@ -48,6 +52,7 @@ MainWindow::MainWindow(CoreDataInterface &coreData, const JournalServices &servi
     m_viewCoordinator.masterViewController = m_counterpartsPane;
     m_viewCoordinator.awakeFromNib();
     buildLayout();
+    m_backupCommands = new BackupCommands(coreData, services, *m_statusLine, this);
     createMenus();
     connectSignals();
     restoreState();
@@ -58,6 +63,8 @@ MainWindow::~MainWindow()
 {
     m_windowState.saveWindow(stateName, *this);
     m_windowState.saveSplit(stateName, *m_splitter);
+    // An import is over before what it tells about goes.
+    delete m_backupCommands;
     // They use the coordinator to their end, and it goes before children do.
     delete centralWidget();
 }
@@ -68,17 +75,20 @@ void MainWindow::buildLayout()
     setWindowTitle(u"Tembra"_s);
     setWindowIcon(icons::application());
     setMinimumSize(smallestSize);
+    setAcceptDrops(true);
     m_splitter = new HairlineSplitter(Qt::Horizontal);
     m_splitter->setObjectName(u"splitter"_s);
     m_splitter->addWidget(m_counterpartsPane);
     m_splitter->addWidget(m_detailPane);
     m_splitter->setStretchFactor(1, 1);
     m_saveFailureBanner = new SaveFailureBanner;
+    m_statusLine = new StatusLine;
     auto *content = new QWidget;
     auto *layout = new QVBoxLayout(content);
     layout->setContentsMargins({});
     layout->setSpacing(0);
     layout->addWidget(m_splitter, 1);
+    layout->addWidget(m_statusLine);
     layout->addWidget(m_saveFailureBanner);
     setCentralWidget(content);
 }
@@ -92,6 +102,14 @@ void MainWindow::connectSignals()
     m_saveFailureBanner->setFailing(m_coreData.isSaveFailing());
     connect(m_coreData.viewContext().undoManager(), &UndoManager::willChangeObject, this,
             [this](const ObjectID &id, int) { reveal(id); });
+    connect(m_backupCommands, &BackupCommands::createBackupRequested, m_counterpartsPane,
+            &CounterpartsPaneViewController::handleCreateBackup);
+    connect(m_backupCommands, &BackupCommands::importBackupRequested, m_counterpartsPane,
+            &CounterpartsPaneViewController::handleImportBackup);
+    connect(m_counterpartsPane, &CounterpartsPaneViewController::backupRequested, m_backupCommands,
+            &BackupCommands::createBackup);
+    connect(m_counterpartsPane, &CounterpartsPaneViewController::importRequested, m_backupCommands,
+            &BackupCommands::importBackup);
     connect(m_counterpartsPane, &CounterpartsPaneViewController::selectionChanged, this,
             &MainWindow::updateCommands);
     connect(m_detailPane, &DetailPaneViewController::selectedCounterpartChanged, this,
@@ -99,6 +117,16 @@ void MainWindow::connectSignals()
     connect(m_detailPane, &DetailPaneViewController::selectedSessionChanged, this,
             &MainWindow::updateCommands);
     updateCommands();
+}
+
+void MainWindow::openPackages(const QStringList &packagePaths)
+{
+    m_backupCommands->openPackages(packagePaths);
+}
+
+void MainWindow::stopImport()
+{
+    m_backupCommands->stop();
 }
 
 void MainWindow::restoreState()
@@ -147,6 +175,24 @@ void MainWindow::revealSession(const ObjectID &id)
     m_counterpartsPane->reveal(session->toOneID(Session::counterpartProperty));
     if (m_detailPane->selectedSession() != session)
         m_detailPane->setSelectedSession(session);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!BackupCommands::packagesIn(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    event->acceptProposedAction();
+    // Whoever dragged it must not have to wait for the answer.
+    QMetaObject::invokeMethod(
+        this,
+        [this, packages = BackupCommands::packagesIn(*event->mimeData())] {
+            openPackages(packages);
+        },
+        Qt::QueuedConnection);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

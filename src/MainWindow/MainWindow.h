@@ -14,11 +14,13 @@ class QSplitter;
 
 namespace tembra {
 
+class BackupCommands;
 class CoreDataInterface;
 class CounterpartsPaneViewController;
 class DetailPaneViewController;
 class NotificationCenter;
 class SaveFailureBanner;
+class StatusLine;
 struct JournalServices;
 
 /// The window of the journal: the teammates on the left, the meetings of one of them on the right,
@@ -45,6 +47,12 @@ public:
     /// Commands for development; hidden.
     QMenu *debugMenu() const { return m_debugMenu; }
 
+    /// Asks for each of these backups whether it is to be imported.
+    void openPackages(const QStringList &packagePaths);
+    /// An import that is going on will have changed nothing.
+    void stopImport();
+    StatusLine &statusLine() const { return *m_statusLine; }
+
     /// Edits in progress go into the records they belong to, without ending. False when one refuses.
     bool commitEditing();
 
@@ -54,6 +62,8 @@ public Q_SLOTS:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     void buildLayout();
@@ -78,6 +88,8 @@ private:
     DetailPaneViewController *m_detailPane;
     QSplitter *m_splitter = nullptr;
     SaveFailureBanner *m_saveFailureBanner = nullptr;
+    StatusLine *m_statusLine = nullptr;
+    BackupCommands *m_backupCommands = nullptr;
     QMenu *m_debugMenu = nullptr;
     QAction *m_rename = nullptr;
     QList<QAction *> m_teammateCommands; ///< Need a teammate whose meetings are shown.

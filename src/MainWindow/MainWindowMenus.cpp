@@ -1,3 +1,4 @@
+#include "MainWindow/BackupCommands.h"
 #include "MainWindow/CounterpartsPaneViewController.h"
 #include "MainWindow/DetailPaneViewController.h"
 #include "MainWindow/EditCommands.h"
@@ -55,6 +56,8 @@ void MainWindow::createFileMenu()
     QAction *save = addCommand(menu, tr("&Save", "File menu"), u"saveAction"_s, QKeySequence::Save,
                                [this] { m_coreData.save(); });
     save->setIcon(icons::icon(icons::Name::Save));
+    menu.addSeparator();
+    m_backupCommands->addTo(menu);
     menu.addSeparator();
     QAction *quit = addCommand(menu, tr("&Quit", "File menu"), u"quitAction"_s,
                                QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { m_quitRequested(); });

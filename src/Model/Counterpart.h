@@ -15,7 +15,6 @@ class FetchedResultsController;
 class JsonDecoder;
 class JsonEncoder;
 class Session;
-class SessionScan;
 class Tag;
 struct JournalServices;
 
@@ -52,7 +51,7 @@ public:
     QString importID;
 
     /// Writes the teammate with all meetings as it stands in a backup.
-    Result<void> encode(JsonEncoder &encoder, SessionScan &scan) const;
+    Result<void> encode(JsonEncoder &encoder) const;
     /// Makes a teammate of the one in a backup, with all meetings. @p didDecodeSession is called
     /// after each of them, and may stop the decoder.
     static std::shared_ptr<Counterpart> decode(JsonDecoder &decoder,

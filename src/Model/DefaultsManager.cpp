@@ -51,7 +51,12 @@ std::optional<QUrl> DefaultsManager::backupFolder() const
 bool DefaultsManager::isBackupFolderAvailable() const
 {
     const std::optional<QUrl> folder = backupFolder();
-    return folder && folder->isLocalFile() && QFileInfo::exists(folder->toLocalFile());
+    return folder && isAvailable(*folder);
+}
+
+bool DefaultsManager::isAvailable(const QUrl &folder)
+{
+    return folder.isLocalFile() && QFileInfo::exists(folder.toLocalFile());
 }
 
 bool DefaultsManager::shouldBackUpData() const

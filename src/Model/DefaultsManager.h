@@ -43,6 +43,8 @@ public:
     std::optional<QUrl> backupFolder() const;
     /// True when there is a backup folder and an item exists at its path.
     bool isBackupFolderAvailable() const;
+    /// The same of any folder; may be asked in any thread, and wait for a disk far away.
+    static bool isAvailable(const QUrl &folder);
     bool shouldBackUpData() const;
 
     QString lastUsedVersion() const; ///< Null when no version has ever run.

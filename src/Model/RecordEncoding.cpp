@@ -4,10 +4,10 @@
 #include "Foundation/Precondition.h"
 #include "Model/Counterpart.h"
 #include "Model/JournalEncoding.h"
+#include "Model/JournalScan.h"
 #include "Model/Note.h"
 #include "Model/RecordValues.h"
 #include "Model/Session.h"
-#include "Model/SessionScan.h"
 #include "Model/Tag.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/PersistentContainer.h"
@@ -29,13 +29,21 @@ QString uriOfRecord(const ManagedObject &record)
     return contextOf(record).container().uriRepresentation(record.objectID());
 }
 
-std::vector<qint64> keysOf(const std::vector<ObjectID> &ids)
+/// Writes nothing for a teammate who is not in the store any more.
+Result<void> encodeTeammate(qint64 key, JsonEncoder &encoder, JournalScan &scan)
 {
-    std::vector<qint64> keys;
-    keys.reserve(ids.size());
-    for (const ObjectID id : ids)
-        keys.push_back(id.key);
-    return keys;
+    const Result<std::optional<JournalScan::Teammate>> teammate = scan.teammate(key);
+    if (!teammate)
+        return failure(teammate.error());
+    if (!*teammate)
+        return {};
+    const JournalScan::Teammate &found = **teammate;
+    Result<void> done;
+    found.values.encode(encoder, [&] {
+        done = scan.forEachSession(found.sessionKeys,
+                                   [&](const SessionValues &values) { values.encode(encoder); });
+    });
+    return done;
 }
 
 } // namespace
@@ -52,41 +60,32 @@ void Note::encode(JsonEncoder &encoder) const
 
 Result<void> Session::encode(JsonEncoder &encoder) const
 {
-    Result<SessionScan> scan = SessionScan::of(contextOf(*this));
+    Result<JournalScan> scan = JournalScan::of(contextOf(*this));
     if (!scan)
         return failure(std::move(scan).error());
     const qint64 key = objectID().key;
-    return scan->forEach(std::span(&key, 1),
-                         [&](const SessionValues &values) { values.encode(encoder); });
+    return scan->forEachSession(std::span(&key, 1),
+                                [&](const SessionValues &values) { values.encode(encoder); });
 }
 
-Result<void> Counterpart::encode(JsonEncoder &encoder, SessionScan &scan) const
+Result<void> Counterpart::encode(JsonEncoder &encoder) const
 {
-    encoder.beginObject();
-    encoder.key("name"_L1);
-    encoder.textOrNull(name());
-    encoder.key("objectID"_L1);
-    encoder.text(uriOfRecord(*this));
-    encoder.key("sessions"_L1);
-    encoder.beginArray();
-    const std::vector<qint64> keys = keysOf(relatedIDs(sessionsProperty));
-    Result<void> done = scan.forEach(keys,
-                                     [&](const SessionValues &values) { values.encode(encoder); });
-    encoder.endArray();
-    encoder.endObject();
-    return done;
+    Result<JournalScan> scan = JournalScan::of(contextOf(*this));
+    if (!scan)
+        return failure(std::move(scan).error());
+    return encodeTeammate(objectID().key, encoder, *scan);
 }
 
 Result<QByteArray> encodeJournal(ManagedObjectContext &context,
                                  const QList<std::shared_ptr<Counterpart>> &counterparts)
 {
-    Result<SessionScan> scan = SessionScan::of(context);
+    Result<JournalScan> scan = JournalScan::of(context);
     if (!scan)
         return failure(std::move(scan).error());
     JsonEncoder encoder;
     encoder.beginArray();
     for (const std::shared_ptr<Counterpart> &counterpart : counterparts) {
-        if (Result<void> done = counterpart->encode(encoder, *scan); !done)
+        if (Result<void> done = encodeTeammate(counterpart->objectID().key, encoder, *scan); !done)
             return failure(std::move(done).error());
     }
     encoder.endArray();

@@ -152,6 +152,21 @@ SessionValues SessionValues::decode(JsonDecoder &decoder)
     return values;
 }
 
+void CounterpartValues::encode(JsonEncoder &encoder,
+                               const std::function<void()> &encodeSessions) const
+{
+    encoder.beginObject();
+    encoder.key("name"_L1);
+    encoder.textOrNull(name);
+    encoder.key("objectID"_L1);
+    encoder.text(objectID);
+    encoder.key("sessions"_L1);
+    encoder.beginArray();
+    encodeSessions();
+    encoder.endArray();
+    encoder.endObject();
+}
+
 CounterpartValues CounterpartValues::decode(JsonDecoder &decoder,
                                             const std::function<void()> &decodeSession)
 {

@@ -60,6 +60,8 @@ struct CounterpartValues
     QString name; ///< Null when missing.
     QString objectID; ///< Null when missing.
 
+    /// @p encodeSessions writes the meetings, one after another.
+    void encode(JsonEncoder &encoder, const std::function<void()> &encodeSessions) const;
     /// @p decodeSession reads one meeting, and is called for each.
     static CounterpartValues decode(JsonDecoder &decoder,
                                     const std::function<void()> &decodeSession);

@@ -5,6 +5,7 @@
 #include "Toolkit/PackageListModel.h"
 
 #include <QAccessible>
+#include <QDir>
 #include <QEvent>
 #include <QFileInfo>
 #include <QLabel>
@@ -18,6 +19,22 @@ namespace tembra {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// @p folder, or the one that the package it lies in lies in.
+QString outsideOfPackages(const PackageType &type, const QString &folder)
+{
+    const QString package = type.packageAround(folder + "/any"_L1);
+    return package.isEmpty() ? folder : QFileInfo(package).absolutePath();
+}
+
+QString startFolder(PackageDialog::Panel panel, const PackageType &type, const QString &startPath)
+{
+    const QString folder = panel == PackageDialog::Panel::Open
+                               ? startPath
+                               : QFileInfo(startPath).absolutePath();
+    const QString outside = outsideOfPackages(type, folder);
+    return QFileInfo(outside).isDir() ? outside : QDir::homePath();
+}
 
 std::optional<QString> run(PackageDialog *newDialog)
 {
@@ -49,7 +66,7 @@ std::optional<QString> PackageDialog::getSavePackage(QWidget *parent, const QStr
 
 PackageDialog::PackageDialog(Panel panel, const PackageType &type, const QString &title,
                              const QString &startPath, QWidget *parent)
-    : QFileDialog(parent, title)
+    : QFileDialog(parent, title, startFolder(panel, type, startPath))
     , m_panel(panel)
     , m_type(type)
     , m_files(new PackageListModel(type, this))
@@ -61,21 +78,10 @@ PackageDialog::PackageDialog(Panel panel, const PackageType &type, const QString
     setUpMessage();
     takeDeletingAway();
     connectSignals();
-    suggest(startPath);
-    updateButton();
-}
-
-void PackageDialog::suggest(const QString &startPath)
-{
-    const QFileInfo start(startPath);
-    const QString folder = m_panel == Panel::Open ? startPath : start.absolutePath();
-    showFolder(QFileInfo(folder).isDir() ? folder : QDir::homePath());
-    stayOutOfPackages(directory().absolutePath());
-    if (m_panel == Panel::Open)
-        return;
-    m_suggestedName = m_type.withSuffix(start.fileName());
+    if (m_panel == Panel::Save)
+        m_suggestedName = m_type.withSuffix(QFileInfo(startPath).fileName());
     m_nameEdit->setText(m_suggestedName);
-    m_nameEdit->setSelection(0, int(m_suggestedName.size() - m_type.suffix.size() - 1));
+    updateButton();
 }
 
 void PackageDialog::accept()
@@ -122,9 +128,10 @@ void PackageDialog::takeSelection()
     // While a name is typed, the selection follows it, and not the other way round.
     const QModelIndex index = selectedIndex();
     if (index.isValid() && !m_nameEdit->hasFocus()) {
-        if (m_files->isPackage(index))
-            m_nameEdit->setText(QFileInfo(PackageListModel::path(index)).fileName());
-        else if (m_panel == Panel::Open)
+        const QString name = QFileInfo(PackageListModel::path(index)).fileName();
+        if (m_files->isPackage(index) && name != m_nameEdit->text())
+            m_nameEdit->setText(name);
+        else if (!m_files->isPackage(index) && m_panel == Panel::Open)
             m_nameEdit->clear();
     }
     updateButton();
@@ -146,6 +153,14 @@ void PackageDialog::updateButton()
                                || selectedIndex().isValid());
 }
 
+void PackageDialog::showEvent(QShowEvent *event)
+{
+    QFileDialog::showEvent(event);
+    // Typing replaces the name and leaves the suffix.
+    if (!m_suggestedName.isEmpty() && m_nameEdit->text() == m_suggestedName)
+        m_nameEdit->setSelection(0, int(m_suggestedName.size() - m_type.suffix.size() - 1));
+}
+
 bool PackageDialog::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_acceptButton && event->type() == QEvent::EnabledChange)
@@ -162,11 +177,11 @@ void PackageDialog::showFolder(const QString &path)
 }
 
 /// Places, bookmarks and the history know nothing of packages.
-void PackageDialog::stayOutOfPackages(const QString &folder)
+void PackageDialog::leavePackage()
 {
-    const QString package = m_type.packageAround(folder + "/any"_L1);
-    if (!package.isEmpty())
-        showFolder(QFileInfo(package).absolutePath());
+    const QString folder = directory().absolutePath();
+    if (const QString outside = outsideOfPackages(m_type, folder); outside != folder)
+        showFolder(outside);
 }
 
 void PackageDialog::say(const QString &sentence)

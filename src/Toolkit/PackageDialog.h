@@ -47,6 +47,7 @@ public:
 
 protected:
     void accept() override;
+    void showEvent(QShowEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -57,14 +58,13 @@ private:
     void setUpMessage();
     void takeDeletingAway();
     void connectSignals();
-    void suggest(const QString &startPath);
 
     void activate(const QModelIndex &index);
     void takeSelection();
     QModelIndex selectedIndex() const;
     void updateButton();
     void showFolder(const QString &path);
-    void stayOutOfPackages(const QString &folder);
+    void leavePackage();
     void say(const QString &sentence);
     void askToReplace(const QString &path);
     void choose(const QString &path);

@@ -18,7 +18,10 @@
 #include <QLocale>
 #include <QPushButton>
 #include <QShortcut>
+#include <QStyledItemDelegate>
 #include <QTreeView>
+
+#include <algorithm>
 
 // How a package dialog is made of a QFileDialog.
 
@@ -31,8 +34,25 @@ namespace {
 constexpr QSize usualSize(820, 520);
 
 // QFileSystemModel's columns have no names.
+constexpr int nameColumn = 0;
 constexpr int typeColumn = 2;
 constexpr int dateColumn = 3;
+
+constexpr int widestHint = 240;
+constexpr int usualNameLength = 40; // characters
+
+/// One long name does not make the rows of the list wider than what can be seen.
+class NarrowDelegate final : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        return {std::min(size.width(), widestHint), size.height()};
+    }
+};
 
 /// A part of QFileDialog, which has no other way to get at it.
 template<typename Widget>
@@ -76,14 +96,19 @@ void PackageDialog::setUpModel()
     // provider to its end.
     setIconProvider(new PackageIconProvider(m_type, this));
     setProxyModel(m_files);
+    m_list->setItemDelegate(new NarrowDelegate(m_list));
+    m_list->setTextElideMode(Qt::ElideMiddle);
     setUpColumns();
 }
 
-/// Wide enough for the dates of today and the name of the type.
+/// Wide enough for usual names, the name of the type and today's date.
 void PackageDialog::setUpColumns()
 {
+    const QString name(usualNameLength, u'n');
     const QString now = QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);
-    const QList<std::pair<int, QString>> texts{{typeColumn, m_type.name}, {dateColumn, now}};
+    const QList<std::pair<int, QString>> texts{{nameColumn, name},
+                                               {typeColumn, m_type.name},
+                                               {dateColumn, now}};
     for (const auto &[column, text] : texts) {
         const int width = fontMetrics().horizontalAdvance(text) + 2 * theme::margin;
         if (m_table->header()->sectionSize(column) < width)
@@ -137,7 +162,7 @@ void PackageDialog::connectSignals()
         say({});
         updateButton();
     });
-    connect(this, &QFileDialog::directoryEntered, this, &PackageDialog::stayOutOfPackages);
+    connect(this, &QFileDialog::directoryEntered, this, &PackageDialog::leavePackage);
     // The dialog itself disables it whenever it finds no file of the typed name.
     m_acceptButton->installEventFilter(this);
 }

@@ -47,11 +47,6 @@ bool PackageListModel::hasChildren(const QModelIndex &parent) const
     return !isPackage(parent) && QSortFilterProxyModel::hasChildren(parent);
 }
 
-int PackageListModel::rowCount(const QModelIndex &parent) const
-{
-    return isPackage(parent) ? 0 : QSortFilterProxyModel::rowCount(parent);
-}
-
 bool PackageListModel::canFetchMore(const QModelIndex &parent) const
 {
     return !isPackage(parent) && QSortFilterProxyModel::canFetchMore(parent);
@@ -78,6 +73,8 @@ bool PackageListModel::filterAcceptsRow(int sourceRow, const QModelIndex &source
 {
     const QFileSystemModel &files = fileSystemOf(sourceModel());
     const QModelIndex source = files.index(sourceRow, 0, sourceParent);
+    if (isSourcePackage(sourceParent))
+        return false;
     return files.isDir(source) || m_type.hasSuffix(files.fileName(source));
 }
 

@@ -22,7 +22,6 @@ public:
     bool isPackage(const QModelIndex &index) const;
 
     bool hasChildren(const QModelIndex &parent = {}) const override;
-    int rowCount(const QModelIndex &parent = {}) const override;
     bool canFetchMore(const QModelIndex &parent) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;

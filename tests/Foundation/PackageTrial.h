@@ -33,10 +33,10 @@ inline void addColumns()
 class PackageTrial
 {
 public:
-    PackageTrial(bool exists, qsizetype size) : m_contents(sampleContents(size, 2))
+    PackageTrial(bool exists, qsizetype size) : m_contents(contentsOf(size, 2))
     {
         if (exists)
-            m_folder.putPackage(sampleContents(size + 77, 1));
+            m_folder.putPackage(contentsOf(size + 77, 1));
         m_before = m_folder.inPlace();
     }
 
@@ -45,29 +45,22 @@ public:
         return PackageWriter(fileSystem).write(m_folder.package, m_folder.fileName, m_contents);
     }
 
-    bool isOld() const { return m_folder.inPlace() == m_before; }
-
-    bool isNew() const
-    {
-        auto expected = m_before;
-        const auto found = m_folder.inPlace();
-        expected.insert(m_folder.name, found.value(m_folder.name));
-        expected.insert(m_folder.name + QLatin1Char('/') + m_folder.fileName,
-                        "f100600 " + m_contents);
-        return found == expected && found.value(m_folder.name).startsWith('d');
-    }
+    bool isOld() const { return isOld(m_folder.inPlace()); }
+    bool isNew() const { return isNew(m_folder.inPlace()); }
 
     /// What contradicts the writer's promise; empty when nothing does.
     QByteArray broken(const Result<void> &result, bool mayLeaveTemporaries) const
     {
-        if (result && !isNew())
+        const auto found = m_folder.inPlace();
+        if (result && !isNew(found))
             return "success without the new package";
-        if (!isOld() && !isNew())
+        if (!isOld(found) && !isNew(found))
             return "neither the old nor the new package";
         if (!result && result.error().message.isEmpty())
             return "a failure without a sentence";
-        if (!mayLeaveTemporaries && !m_folder.temporaries().isEmpty())
-            return "left behind: " + m_folder.temporaries().join(QLatin1String(", ")).toUtf8();
+        const QStringList temporaries = m_folder.temporaries();
+        if (!mayLeaveTemporaries && !temporaries.isEmpty())
+            return "left behind: " + temporaries.join(QLatin1String(", ")).toUtf8();
         return {};
     }
 
@@ -81,9 +74,31 @@ public:
     const PackageFolder &folder() const { return m_folder; }
 
 private:
+    using Entries = QMap<QString, QByteArray>;
+
+    static QByteArray contentsOf(qsizetype size, quint32 version)
+    {
+        static QMap<std::pair<qsizetype, quint32>, QByteArray> known;
+        QByteArray &contents = known[{size, version}];
+        if (contents.isEmpty())
+            contents = sampleContents(size, version);
+        return contents;
+    }
+
+    bool isOld(const Entries &found) const { return found == m_before; }
+
+    bool isNew(const Entries &found) const
+    {
+        auto expected = m_before;
+        expected.insert(m_folder.name, found.value(m_folder.name));
+        expected.insert(m_folder.name + QLatin1Char('/') + m_folder.fileName,
+                        "f100600 " + m_contents);
+        return found == expected && found.value(m_folder.name).startsWith('d');
+    }
+
     PackageFolder m_folder;
     QByteArray m_contents;
-    QMap<QString, QByteArray> m_before;
+    Entries m_before;
 };
 
 } // namespace tembra

@@ -2,7 +2,7 @@
 // line to standard output.
 //
 // Usage: PackageVersionWriter PACKAGE FIRST_VERSION (replaces | makes). Runs until it is killed. "makes"
-// moves each package away again, so that every version makes a new one.
+// moves each package to "PACKAGE away", so that every version makes a new one.
 
 #include "Foundation/PackageWriter.h"
 #include "Foundation/Precondition.h"
@@ -32,8 +32,8 @@ int main(int argc, char **argv)
                 "The version can be told");
         if (makes) {
             const QString away = package + u" away"_s;
-            require(QDir().rename(package, away), "The package can be moved away");
             QDir(away).removeRecursively();
+            require(QDir().rename(package, away), "The package can be moved away");
         }
     }
 }

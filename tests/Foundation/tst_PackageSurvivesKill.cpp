@@ -1,7 +1,6 @@
+#include "Foundation/PackageWriter.h"
 #include "PackageFixture.h"
 #include "PackageVersions.h"
-
-#include "Foundation/PackageWriter.h"
 
 #include <QFileInfo>
 #include <QProcess>
@@ -9,6 +8,7 @@
 #include <QThread>
 
 #include <random>
+#include <signal.h>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
@@ -57,12 +57,15 @@ void tst_PackageSurvivesKill::keepsOneCompleteVersion()
         writer.kill();
         QVERIFY(writer.waitForFinished());
         QCOMPARE(writer.exitStatus(), QProcess::CrashExit);
+        QCOMPARE(writer.exitCode(), SIGKILL);
 
         const QByteArrayList lines = writer.readAllStandardOutput().split('\n');
         const int confirmed = lines.at(lines.size() - 2).toInt();
         QVERIFY(confirmed >= nextVersion);
         withTemporaries += !folder.temporaries().isEmpty();
         nextVersion = confirmed + 1;
+        const QString away = folder.package + u" away/"_s + folder.fileName;
+        QVERIFY(!QFileInfo::exists(away) || versionOf(readFile(away)));
         if (makes && !QFileInfo::exists(folder.package)) {
             ++withoutPackage;
             continue;

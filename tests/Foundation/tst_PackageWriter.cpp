@@ -369,9 +369,9 @@ void tst_PackageWriter::saysWhatItMayNotDo()
         QVERIFY(!isAdministrator || ::lchown(name.constData(), ordinaryUser, ordinaryUser) == 0);
     }
     const auto before = snapshot(folder.root.path());
-    const QByteArray target = QFile::encodeName(folder.root.filePath(path));
+    const QByteArray target = QFile::encodeName(QDir::cleanPath(folder.root.filePath(path)));
     const int modeBefore = modeOf(folder.root.filePath(path));
-    ::chmod(target.constData(), mode_t(mode));
+    QVERIFY(::chmod(target.constData(), mode_t(mode)) == 0);
     const int result = runAndDie([&] {
         if (isAdministrator && (::setgid(ordinaryUser) != 0 || ::setuid(ordinaryUser) != 0))
             return false;
@@ -380,7 +380,7 @@ void tst_PackageWriter::saysWhatItMayNotDo()
                && written.error().message.startsWith(u"You may not read or change “"_s
                                                      + named.arg(folder.root.path()));
     });
-    ::chmod(target.constData(), mode_t(modeBefore));
+    QVERIFY(::chmod(target.constData(), mode_t(modeBefore)) == 0);
     QCOMPARE(result, 0);
     QCOMPARE(snapshot(folder.root.path()), before);
 }

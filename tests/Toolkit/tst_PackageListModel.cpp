@@ -12,6 +12,27 @@
 using namespace tembra;
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Keeps the model tester, which looks into every folder, within the test's own.
+class ConfinedFiles : public QFileSystemModel
+{
+    Q_OBJECT
+
+public:
+    explicit ConfinedFiles(const QString &folder) : m_folder(folder) {}
+
+    bool canFetchMore(const QModelIndex &parent) const override
+    {
+        return filePath(parent).startsWith(m_folder) && QFileSystemModel::canFetchMore(parent);
+    }
+
+private:
+    QString m_folder;
+};
+
+} // namespace
+
 class tst_PackageListModel : public QObject
 {
     Q_OBJECT
@@ -20,7 +41,7 @@ private Q_SLOTS:
     void init()
     {
         m_folder = std::make_unique<PackageFolder>();
-        m_files = std::make_unique<QFileSystemModel>();
+        m_files = std::make_unique<ConfinedFiles>(m_folder->path());
         m_list = std::make_unique<PackageListModel>(m_folder->type);
         m_tester = std::make_unique<QAbstractItemModelTester>(
             m_list.get(), QAbstractItemModelTester::FailureReportingMode::QtTest);

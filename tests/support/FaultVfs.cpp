@@ -62,6 +62,8 @@ int ioError(FaultVfs::Operation operation)
         return SQLITE_IOERR_FSYNC;
     case FaultVfs::Truncate:
         return SQLITE_IOERR_TRUNCATE;
+    case FaultVfs::Read:
+        return SQLITE_IOERR_READ;
     default:
         return SQLITE_CANTOPEN;
     }
@@ -74,6 +76,8 @@ int closeFile(sqlite3_file *file)
 
 int readFile(sqlite3_file *file, void *buffer, int size, sqlite3_int64 offset)
 {
+    if (const int verdict = faultFile(file)->owner->verdict(FaultVfs::Read))
+        return verdict;
     return usualFile(file)->pMethods->xRead(usualFile(file), buffer, size, offset);
 }
 

@@ -17,6 +17,7 @@ public:
         Sync = 2,
         Open = 4,
         Truncate = 8,
+        Read = 16,
         AnyChange = Write | Sync | Open | Truncate
     };
     enum class Fault {

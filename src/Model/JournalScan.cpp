@@ -1,5 +1,6 @@
-#include "Model/SessionScan.h"
+#include "Model/JournalScan.h"
 
+#include "Model/Counterpart.h"
 #include "Model/JournalQueries.h"
 #include "Model/Note.h"
 #include "Model/Session.h"
@@ -59,7 +60,7 @@ bool tagComesBefore(const TagValues &left, const TagValues &right)
 } // namespace
 
 /// Some meetings, at the places of their keys; those that are not in the store stay without values.
-struct SessionScan::Piece
+struct JournalScan::Piece
 {
     explicit Piece(std::span<const qint64> given) : keys(given), sessions(given.size()) {}
 
@@ -74,24 +75,24 @@ struct SessionScan::Piece
     std::vector<SessionValues> sessions;
 };
 
-SessionScan::SessionScan(ManagedObjectContext &context, RecordScan records)
+JournalScan::JournalScan(ManagedObjectContext &context, RecordScan records)
     : m_context(&context)
-    , m_records(std::move(records))
+    , m_records(records)
 {
 }
 
-Result<SessionScan> SessionScan::of(ManagedObjectContext &context)
+Result<JournalScan> JournalScan::of(ManagedObjectContext &context)
 {
     Result<RecordScan> records = RecordScan::of(context);
     if (!records)
         return failure(std::move(records).error());
-    SessionScan scan(context, std::move(*records));
+    JournalScan scan(context, *records);
     if (Result<void> read = scan.readTags(); !read)
         return failure(std::move(read).error());
     return scan;
 }
 
-Result<void> SessionScan::readTags()
+Result<void> JournalScan::readTags()
 {
     const Result<std::vector<qint64>> keys = m_context->fetchKeys(JournalQueries::allTags());
     if (!keys)
@@ -104,7 +105,32 @@ Result<void> SessionScan::readTags()
                              });
 }
 
-Result<void> SessionScan::forEach(std::span<const qint64> keys, const Visitor &visit)
+Result<std::optional<JournalScan::Teammate>> JournalScan::teammate(qint64 key)
+{
+    std::optional<Teammate> found;
+    const std::span keys(&key, 1);
+    Result<void> done = m_records.records(
+        Counterpart::entityName(), keys, [&](qint64, const std::vector<Value> &row) {
+            found = Teammate{.values = {.name = textOf(row[Counterpart::nameProperty]),
+                                        .objectID = uriOf(*m_context, Counterpart::entityName(),
+                                                          key)},
+                             .sessionKeys = {}};
+        });
+    if (!done)
+        return failure(std::move(done).error());
+    if (!found)
+        return found;
+    done = m_records.related(Counterpart::entityName(), Counterpart::sessionsProperty, keys,
+                             [&](qint64, qint64 session) {
+                                 found->sessionKeys.push_back(session);
+                             });
+    if (!done)
+        return failure(std::move(done).error());
+    std::sort(found->sessionKeys.begin(), found->sessionKeys.end());
+    return found;
+}
+
+Result<void> JournalScan::forEachSession(std::span<const qint64> keys, const Visitor &visit)
 {
     while (!keys.empty()) {
         Piece piece(keys.first(std::min(sessionsOfOnePiece, keys.size())));
@@ -119,7 +145,7 @@ Result<void> SessionScan::forEach(std::span<const qint64> keys, const Visitor &v
     return {};
 }
 
-Result<void> SessionScan::readPiece(Piece &piece)
+Result<void> JournalScan::readPiece(Piece &piece)
 {
     Result<void> done = m_records.records(Session::entityName(), piece.keys,
                                           [&](qint64 key, const std::vector<Value> &row) {
@@ -150,7 +176,7 @@ Result<void> SessionScan::readPiece(Piece &piece)
     return done;
 }
 
-void SessionScan::take(const std::vector<Value> &row, qint64 key, SessionValues &session) const
+void JournalScan::take(const std::vector<Value> &row, qint64 key, SessionValues &session) const
 {
     session.date = dateOf(row[Session::dateProperty]);
     session.flag = integerOf(row[Session::flagProperty]);

@@ -13,22 +13,31 @@ namespace tembra {
 
 class ManagedObjectContext;
 
-/// Goes through meetings with their notes and tags as values, a few hundred at a time, so that a
-/// journal of any size needs no more memory than those.
-class SessionScan
+/// Goes through a journal as values: teammates one by one, and their meetings with notes and tags a
+/// few hundred at a time, so that a journal of any size needs no more memory than those. Unlike
+/// objects, which show a value that cannot be read as missing, it fails.
+class JournalScan
 {
 public:
+    /// A teammate and the ascending keys of the meetings.
+    struct Teammate
+    {
+        CounterpartValues values;
+        std::vector<qint64> sessionKeys;
+    };
     using Visitor = std::function<void(const SessionValues &session)>;
 
     /// Fails when the journal cannot be read whole, edits of this moment included.
-    static Result<SessionScan> of(ManagedObjectContext &context);
+    static Result<JournalScan> of(ManagedObjectContext &context);
 
+    /// The teammate with this key; nothing when there is none in the store.
+    Result<std::optional<Teammate>> teammate(qint64 key);
     /// Visits the meetings with these ascending keys in their order: notes by field, tags in the
     /// order of Session::sortedTags().
-    Result<void> forEach(std::span<const qint64> keys, const Visitor &visit);
+    Result<void> forEachSession(std::span<const qint64> keys, const Visitor &visit);
 
 private:
-    SessionScan(ManagedObjectContext &context, RecordScan records);
+    JournalScan(ManagedObjectContext &context, RecordScan records);
 
     struct Piece;
     Result<void> readTags();
