@@ -64,6 +64,15 @@ double memory(const QByteArray &name)
     return 0;
 }
 
+/// What the process holds now; from here on the peak is measured anew.
+double memoryAtRest()
+{
+    QFile references(u"/proc/self/clear_refs"_s);
+    require(references.open(QIODevice::WriteOnly) && references.write("5") == 1,
+            "the peak can be forgotten");
+    return memory("VmRSS");
+}
+
 QByteArray documentOf(BenchmarkJournal &journal)
 {
     const auto teammates = journal.context().fetch<Counterpart>(JournalQueries::counterparts());
@@ -119,14 +128,28 @@ void reportReading(int sessions, int rounds)
                     readingFactor * medianOf(floor), "ms", medianOf(floor));
 }
 
-// Memory, in a process of its own: says how much more than before it took at most, and how much the
+/// The program at rest: its window shows the teammate with the most meetings, if there is any.
+std::unique_ptr<MainWindow> openWindow(BenchmarkJournal &journal)
+{
+    auto window = std::make_unique<MainWindow>(journal.coreData, journal.services,
+                                               journal.notifications,
+                                               journal.directory.filePath(u"windows.ini"_s), [] {});
+    window->show();
+    window->detailPaneViewController().setSelectedCounterpart(
+        journal.context().object<Counterpart>(journal.largestTeammate()));
+    for (int turn = 0; turn < 50; ++turn)
+        QCoreApplication::processEvents();
+    return window;
+}
+
+// Memory, in a process of its own: says how much more than at rest it took at most, and how much the
 // document is.
 
 int measureWriting(int sessions)
 {
     BenchmarkJournal journal(sessions);
-    (void)journal.context().fetchKeys(JournalQueries::counterparts());
-    const double idle = memory("VmRSS");
+    const auto window = openWindow(journal);
+    const double idle = memoryAtRest();
     const QByteArray json = documentOf(journal);
     write(json, journal.directory.filePath(u"Bench.tembrabackup"_s));
     std::printf("%f %f\n", memory("VmHWM") - idle, double(json.size()) / megabyte);
@@ -136,8 +159,8 @@ int measureWriting(int sessions)
 int measureReading(const QString &file)
 {
     BenchmarkJournal journal(0);
-    (void)journal.context().fetchKeys(JournalQueries::counterparts());
-    const double idle = memory("VmRSS");
+    const auto window = openWindow(journal);
+    const double idle = memoryAtRest();
     const auto document = BackupDocument::read(file);
     require(document && document->teammatesJsonData, "the package is read");
     importInto(journal, *document->teammatesJsonData);
@@ -180,14 +203,9 @@ void reportPause(int sessions)
     BenchmarkJournal journal(sessions);
     const QString path = journal.directory.filePath(u"Bench.tembrabackup"_s);
     write(documentOf(journal), path);
-    MainWindow window(journal.coreData, journal.services, journal.notifications,
-                      journal.directory.filePath(u"windows.ini"_s), [] {});
-    window.show();
-    window.detailPaneViewController().setSelectedCounterpart(
-        journal.context().object<Counterpart>(journal.largestTeammate()));
-    QCoreApplication::processEvents();
+    const auto window = openWindow(journal);
 
-    Import import(journal.coreData, &window);
+    Import import(journal.coreData, window.get());
     QEventLoop loop;
     QObject::connect(&import, &Import::settled, &loop, &QEventLoop::quit);
     double longest = 0;

@@ -1,23 +1,30 @@
 #include "Application/AppDelegate.h"
 
+#include "Application/BackupFolderCheck.h"
 #include "Application/DataFolder.h"
 #include "Application/ProgramServices.h"
+#include "Backup/Backup.h"
 #include "Foundation/Logging.h"
 #include "MainWindow/CounterpartsPaneViewController.h"
 #include "MainWindow/MainWindow.h"
+#include "MainWindow/StatusLine.h"
 #include "MainWindow/ViewCoordinator.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/PersistentContainer.h"
 #include "Toolkit/Alert.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QEvent>
+#include <QFileInfo>
 #include <QScopedValueRollback>
 #include <QSessionManager>
 
 namespace tembra {
 
 namespace {
+
+constexpr qint64 timeWithoutProgress = 300; // milliseconds
 
 QString savingErrorAdvice(const Error &error)
 {
@@ -58,6 +65,60 @@ void AppDelegate::applicationDidFinishLaunching(const std::function<void()> &pre
                                             m_services.notifications, m_windowStateFile,
                                             [this] { terminate(); });
     m_window->show();
+    checkBackupFolder();
+}
+
+void AppDelegate::checkBackupFolder()
+{
+    if (!m_services.defaults.shouldBackUpData())
+        return;
+    // None is the same as one that is not there.
+    const QUrl folder = m_services.defaults.backupFolder().value_or(QUrl());
+    m_backupFolderCheck = std::make_unique<BackupFolderCheck>(folder);
+    connect(m_backupFolderCheck.get(), &BackupFolderCheck::answered, this,
+            [this](bool isAvailable) {
+                if (!isAvailable)
+                    showBackupFolderAlert();
+            });
+}
+
+void AppDelegate::showBackupFolderAlert()
+{
+    const AlertContents contents{
+        .messageText = tr("Your specified backup location is not available. Update your "
+                          "preferences to continue making backups.",
+                          "Alert when backup directory unavailable."),
+        .informativeText = {},
+        .buttons = {tr("Continue", "Ignore warning for missing backup directory")},
+        .style = AlertContents::Style::Warning};
+    Alert::beginSheet(contents, m_window.get(), [](int) {});
+}
+
+void AppDelegate::openFiles(const QStringList &packagePaths)
+{
+    bringForward();
+    if (m_window)
+        m_window->openPackages(packagePaths);
+}
+
+/// Nothing that the user does in the window meanwhile is heard; but it goes on being drawn.
+void AppDelegate::backUp()
+{
+    QElapsedTimer waited;
+    waited.start();
+    bool told = false;
+    const auto drawWindow = [&] {
+        if (!told && waited.hasExpired(timeWithoutProgress)) {
+            told = true;
+            m_window->statusLine().showProgress(
+                tr("Writing the backup before quitting …", "Says what is going on"));
+        }
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    };
+    const QString programName = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
+    Backup(m_services.coreData.viewContext(), m_services.defaults, programName)
+        .backUp(counterpartsViewController()->counterparts(), drawWindow);
+    m_window->statusLine().endProgress();
 }
 
 void AppDelegate::terminate()
@@ -73,6 +134,8 @@ bool AppDelegate::applicationShouldTerminate()
     if (m_terminating)
         return false;
     const QScopedValueRollback terminating(m_terminating, true);
+    m_window->stopImport();
+    backUp();
     if (!m_services.coreData.commitEditing()) {
         qCWarning(applicationLog, "AppDelegate unable to commit editing to terminate");
         return false;
@@ -136,6 +199,10 @@ bool AppDelegate::prepareForLogout(bool mayAsk)
     if (mayAsk) {
         m_readyForLogout = applicationShouldTerminate();
         return m_readyForLogout;
+    }
+    if (m_window) {
+        m_window->stopImport();
+        backUp();
     }
     m_services.coreData.commitEditing();
     if (const auto saved = m_services.coreData.saveChanges(); !saved)

@@ -12,6 +12,7 @@ class QSessionManager;
 
 namespace tembra {
 
+class BackupFolderCheck;
 class CounterpartsPaneViewController;
 class DataFolder;
 class MainWindow;
@@ -44,6 +45,9 @@ public:
     /// the user wants to stay. The desktop ends the program later, if nobody else stops it.
     bool prepareForLogout(bool mayAsk);
 
+    /// Asks for each of these backups whether it is to be imported; the window comes forward.
+    void openFiles(const QStringList &packagePaths);
+
     /// Shows the window, or the alert that is open over it, in front of everything else.
     void bringForward();
 
@@ -60,6 +64,9 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void backUp();
+    void checkBackupFolder();
+    void showBackupFolderAlert();
     bool presentError(const Error &error);
     bool showSavingError(const Error &error);
     bool askQuitAnyway();
@@ -68,6 +75,7 @@ private:
     std::function<bool(const Error &)> m_presentError;
     std::unique_ptr<MainWindow> m_window;
     QString m_windowStateFile;
+    std::unique_ptr<BackupFolderCheck> m_backupFolderCheck;
     bool m_presentingError = false;
     bool m_terminating = false;
     bool m_readyForLogout = false;

@@ -23,6 +23,8 @@ struct Options
     QCommandLineOption screenshots{u"screenshots"_s,
                                    u"Leave a picture of each window in DIR, then quit."_s,
                                    u"DIR"_s};
+    QCommandLineOption verify{u"verify"_s, u"Say whether the backup PACKAGE can be imported."_s,
+                              u"PACKAGE"_s};
     QCommandLineOption help{{u"h"_s, u"help"_s}, u"Show this help."_s};
     QCommandLineOption version{{u"v"_s, u"version"_s}, u"Show the version."_s};
 };
@@ -43,14 +45,20 @@ QList<QCommandLineOption> optionsOfTheToolkit()
 
 QString usage()
 {
-    return u"Usage: tembra [--data-dir DIR | --sample] [--screenshots DIR] [--help] [--version]\n"
+    return u"Usage: tembra [--data-dir DIR | --sample] [PACKAGE...]\n"
+           "       tembra [--data-dir DIR | --sample] --screenshots DIR\n"
+           "       tembra --verify PACKAGE\n"
+           "       tembra --help | --version\n"
            "A journal for people who manage a team.\n\n"
+           "  PACKAGE            a backup; Tembra asks whether to import it\n"
            "  --data-dir DIR     keep the journal, the settings and the window state in DIR\n"
            "                     (without it the journal lies in\n"
            "                     %1)\n"
            "  --sample           start with a sample journal that is thrown away at the end;\n"
            "                     your own journal is not touched\n"
            "  --screenshots DIR  leave a picture of each window in DIR, then quit\n"
+           "  --verify PACKAGE   read a backup as an import would, and only say how much is in\n"
+           "                     it (exit status 0) or what is wrong with it (1); needs no screen\n"
            "  -h, --help         show this help\n"
            "  -v, --version      show the version\n"_s.arg(DataFolder::usualJournalDirectory());
 }
@@ -70,28 +78,77 @@ QString mistakeInFolder(const QCommandLineParser &parser, const QCommandLineOpti
     return u"--%1 needs the name of a folder."_s.arg(option.names().first());
 }
 
+QString mistakeInVerifying(const QCommandLineParser &parser, const Options &options)
+{
+    const QStringList packages = parser.values(options.verify) + parser.positionalArguments();
+    if (packages.first().isEmpty() || packages.first().startsWith(u'-'))
+        return u"--verify needs the name of a backup package."_s;
+    if (packages.size() > 1)
+        return u"--verify reads one package; leave '%1' out."_s.arg(packages.at(1));
+    for (const QCommandLineOption &option :
+         {options.dataDir, options.sample, options.screenshots}) {
+        if (parser.isSet(option))
+            return u"--verify looks at nothing but the package; leave --%1 out."_s.arg(
+                option.names().first());
+    }
+    return {};
+}
+
+QString mistakeInPackages(const QCommandLineParser &parser, const Options &options)
+{
+    const QStringList packages = parser.positionalArguments();
+    if (packages.contains(QString()))
+        return u"The name of a backup package is empty."_s;
+    if (!packages.isEmpty() && parser.isSet(options.screenshots))
+        return u"--screenshots imports nothing; leave '%1' out."_s.arg(packages.first());
+    return {};
+}
+
 QString mistakeIn(const QCommandLineParser &parser, const Options &options)
 {
-    if (!parser.positionalArguments().isEmpty())
-        return u"'%1' is not an option."_s.arg(parser.positionalArguments().first());
+    if (parser.isSet(options.verify))
+        return mistakeInVerifying(parser, options);
     for (const QCommandLineOption &option : {options.dataDir, options.screenshots}) {
         if (const QString found = mistakeInFolder(parser, option); !found.isEmpty())
             return found;
     }
     if (parser.isSet(options.sample) && parser.isSet(options.dataDir))
         return u"--sample uses a folder of its own; leave --data-dir out."_s;
-    return {};
+    return mistakeInPackages(parser, options);
+}
+
+/// The package's own name stays its last part, also after the slash that a shell adds to folders.
+QString absolutePath(const QString &package, const QDir &workingDirectory)
+{
+    // To Qt a colon in front means something else than a name.
+    const bool isAbsolute = QDir::isAbsolutePath(package) && !package.startsWith(u':');
+    QString path = isAbsolute ? package : workingDirectory.absolutePath() + u'/' + package;
+    while (path.size() > 1 && path.endsWith(u'/'))
+        path.chop(1);
+    return path;
+}
+
+StartOptions startOptions(const QCommandLineParser &parser, const Options &options,
+                          const QDir &workingDirectory)
+{
+    QStringList packages;
+    for (const QString &package : parser.positionalArguments())
+        packages.append(absolutePath(package, workingDirectory));
+    return {.dataDirectory = parser.value(options.dataDir),
+            .sample = parser.isSet(options.sample),
+            .screenshotsDirectory = parser.value(options.screenshots),
+            .packages = packages};
 }
 
 } // namespace
 
-std::variant<StartOptions, PrintAndExit> parseCommandLine(const QStringList &arguments)
+CommandLine parseCommandLine(const QStringList &arguments, const QDir &workingDirectory)
 {
     const Options options;
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.addOptions(
-        {options.dataDir, options.sample, options.screenshots, options.help, options.version});
+    parser.addOptions({options.dataDir, options.sample, options.screenshots, options.verify,
+                       options.help, options.version});
     parser.addOptions(optionsOfTheToolkit());
     const bool understood = parser.parse(arguments);
     if (parser.isSet(options.help))
@@ -101,9 +158,9 @@ std::variant<StartOptions, PrintAndExit> parseCommandLine(const QStringList &arg
     const QString wrong = understood ? mistakeIn(parser, options) : parser.errorText();
     if (!wrong.isEmpty())
         return mistake(wrong);
-    return StartOptions{.dataDirectory = parser.value(options.dataDir),
-                        .sample = parser.isSet(options.sample),
-                        .screenshotsDirectory = parser.value(options.screenshots)};
+    if (parser.isSet(options.verify))
+        return VerifyRequest{parser.value(options.verify)};
+    return startOptions(parser, options, workingDirectory);
 }
 
 } // namespace tembra

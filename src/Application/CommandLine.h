@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDir>
 #include <QString>
 #include <QStringList>
 
@@ -14,6 +15,13 @@ struct StartOptions
     bool sample = false; ///< Work on a throw-away sample journal.
     QString screenshotsDirectory =
         {}; ///< Not empty: leave pictures of the windows there, then quit.
+    QStringList packages = {}; ///< Absolute paths of backups to ask about once the window is shown.
+};
+
+/// Look into a backup instead of starting.
+struct VerifyRequest
+{
+    QString package; ///< As the user wrote it.
 };
 
 /// A text to print instead of starting, and the exit status that goes with it.
@@ -23,8 +31,12 @@ struct PrintAndExit
     int exitStatus;
 };
 
+using CommandLine = std::variant<StartOptions, VerifyRequest, PrintAndExit>;
+
 /// Reads the command line (program name first). Needs no application object and no display, so that
-/// `--help` and `--version` work everywhere.
-std::variant<StartOptions, PrintAndExit> parseCommandLine(const QStringList &arguments);
+/// `--help`, `--version` and `--verify` work everywhere. Packages are named from
+/// @p workingDirectory.
+CommandLine parseCommandLine(const QStringList &arguments,
+                             const QDir &workingDirectory = QDir::current());
 
 } // namespace tembra

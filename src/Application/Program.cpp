@@ -4,15 +4,17 @@
 #include "Application/CommandLine.h"
 #include "Application/DataFolder.h"
 #include "Application/ProgramServices.h"
-#include "Application/SampleJournal.h"
+#include "Application/Sample/SampleJournal.h"
 #include "Application/Screenshots.h"
 #include "Application/SingleInstance.h"
 #include "Application/UnixSignals.h"
+#include "Application/Verify.h"
 #include "Application/Version.h"
 #include "Toolkit/Alert.h"
 #include "Toolkit/Icons.h"
 
 #include <QApplication>
+#include <QTimer>
 
 #include <cstdio>
 
@@ -27,6 +29,12 @@ constexpr int couldNotStart = 1;
 void printTo(FILE *stream, const QString &text)
 {
     std::fputs(qPrintable(text), stream);
+}
+
+int print(const PrintAndExit &text)
+{
+    printTo(text.exitStatus == 0 ? stdout : stderr, text.text);
+    return text.exitStatus;
 }
 
 /// Unwinds a start that cannot go on, so that everything made so far is taken down again.
@@ -57,11 +65,21 @@ int leaveToRunningInstance(const StartOptions &options)
     return couldNotStart;
 }
 
+void bringInSample(ProgramServices &services, const DataFolder &folder)
+{
+    const auto done = SampleJournal::bringIn(services.coreData, folder.journalDirectory(),
+                                             services.clock, QTimeZone::systemTimeZone());
+    if (!done)
+        throw CannotStart{done.error().description()};
+}
+
 int runUntilQuit(AppDelegate &delegate, const StartOptions &options)
 {
     Screenshots screenshots(options.screenshotsDirectory);
     if (!options.screenshotsDirectory.isEmpty())
         screenshots.takeThenQuit(delegate);
+    if (!options.packages.isEmpty())
+        QTimer::singleShot(0, &delegate, [&] { delegate.openFiles(options.packages); });
     const int status = QCoreApplication::exec();
     return screenshots.failed() ? couldNotStart : status;
 }
@@ -69,7 +87,7 @@ int runUntilQuit(AppDelegate &delegate, const StartOptions &options)
 int runOn(const DataFolder &folder, const StartOptions &options)
 {
     SingleInstance instance(folder.journalDirectory());
-    const auto answer = instance.askRunningInstance();
+    const auto answer = instance.askRunningInstance(options.packages);
     if (!answer)
         return giveUp(answer.error().description());
     if (*answer == SingleInstance::Answer::Shown)
@@ -82,6 +100,7 @@ int runOn(const DataFolder &folder, const StartOptions &options)
     const UnixSignals signalsOfTheSystem;
     QObject::connect(&instance, &SingleInstance::showRequested, &delegate,
                      &AppDelegate::bringForward);
+    QObject::connect(&instance, &SingleInstance::openRequested, &delegate, &AppDelegate::openFiles);
     QObject::connect(&signalsOfTheSystem, &UnixSignals::terminationRequested, &delegate,
                      &AppDelegate::terminate);
     QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, &delegate,
@@ -89,8 +108,7 @@ int runOn(const DataFolder &folder, const StartOptions &options)
     try {
         delegate.applicationDidFinishLaunching([&] {
             if (options.sample)
-                SampleJournal::fill(services.coreData.viewContext(), services.clock,
-                                    QTimeZone::systemTimeZone());
+                bringInSample(services, folder);
         });
     } catch (const CannotStart &stop) {
         return giveUp(stop.reason);
@@ -107,12 +125,12 @@ int runProgram(int argc, char *argv[])
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
-    // Before the toolkit starts: help, version and mistakes need no display.
-    const auto parsed = parseCommandLine(arguments);
-    if (const auto *text = std::get_if<PrintAndExit>(&parsed)) {
-        printTo(text->exitStatus == 0 ? stdout : stderr, text->text);
-        return text->exitStatus;
-    }
+    // Before the toolkit starts: help, version, mistakes and looking into a backup need no display.
+    const CommandLine parsed = parseCommandLine(arguments);
+    if (const auto *text = std::get_if<PrintAndExit>(&parsed))
+        return print(*text);
+    if (const auto *request = std::get_if<VerifyRequest>(&parsed))
+        return print(verifyPackage(request->package));
 
     const QApplication application(argc, argv);
     QGuiApplication::setDesktopFileName(u"tembra"_s);

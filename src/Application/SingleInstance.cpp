@@ -15,7 +15,11 @@ namespace {
 
 constexpr int patienceInMilliseconds = 4000;
 constexpr QByteArrayView showRequest = "show\n";
+/// Paths follow, each with the one byte at its end that no path has in it; at the end an empty one.
+constexpr QByteArrayView openRequest = "open\n";
 constexpr QByteArrayView shownAnswer = "shown\n";
+/// More than any command line holds.
+constexpr qsizetype longestRequest = 32 << 20;
 
 /// One name per data folder; short, because a socket's path may not be long.
 QString serverNameFor(const QString &dataDirectory)
@@ -29,6 +33,30 @@ QString serverNameFor(const QString &dataDirectory)
     return runtime.isEmpty() ? name : runtime + u'/' + name;
 }
 
+QByteArray requestFor(const QStringList &packages)
+{
+    if (packages.isEmpty())
+        return showRequest.toByteArray();
+    QByteArray request = openRequest.toByteArray();
+    for (const QString &package : packages)
+        request += package.toUtf8() + '\0';
+    return request + '\0';
+}
+
+/// The paths of a request that has come to its end; nothing of any other.
+QStringList packagesIn(const QByteArray &request)
+{
+    constexpr QByteArrayView end("\0\0", 2);
+    if (!request.startsWith(openRequest) || !request.endsWith(end))
+        return {};
+    const QByteArrayView paths =
+        QByteArrayView(request).sliced(openRequest.size()).chopped(end.size());
+    QStringList packages;
+    if (!paths.isEmpty())
+        packages = QString::fromUtf8(paths).split(QChar::Null);
+    return packages;
+}
+
 } // namespace
 
 SingleInstance::SingleInstance(const QString &dataDirectory, QObject *parent)
@@ -36,10 +64,10 @@ SingleInstance::SingleInstance(const QString &dataDirectory, QObject *parent)
     , m_serverName(serverNameFor(dataDirectory))
 {
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
-    connect(&m_server, &QLocalServer::newConnection, this, &SingleInstance::answer);
+    connect(&m_server, &QLocalServer::newConnection, this, &SingleInstance::greet);
 }
 
-Result<SingleInstance::Answer> SingleInstance::askRunningInstance() const
+Result<SingleInstance::Answer> SingleInstance::askRunningInstance(const QStringList &packages) const
 {
     QLocalSocket socket;
     socket.connectToServer(m_serverName);
@@ -47,7 +75,7 @@ Result<SingleInstance::Answer> SingleInstance::askRunningInstance() const
     if (!socket.waitForConnected(patienceInMilliseconds)
         && socket.state() == QLocalSocket::UnconnectedState)
         return Answer::NobodyRuns;
-    socket.write(showRequest.data(), showRequest.size());
+    socket.write(requestFor(packages));
     QByteArray received;
     while (!received.contains('\n') && socket.waitForReadyRead(patienceInMilliseconds))
         received += socket.readAll();
@@ -67,18 +95,33 @@ void SingleInstance::listen()
                   qUtf8Printable(m_server.errorString()));
 }
 
-void SingleInstance::answer()
+void SingleInstance::greet()
 {
     while (QLocalSocket *client = m_server.nextPendingConnection()) {
         connect(client, &QLocalSocket::disconnected, client, &QObject::deleteLater);
-        connect(client, &QLocalSocket::readyRead, this, [this, client] {
-            if (client->readAll() != showRequest)
-                return;
-            Q_EMIT showRequested();
-            client->write(shownAnswer.data(), shownAnswer.size());
-            client->flush();
-        });
+        connect(client, &QLocalSocket::readyRead, this,
+                [this, client, request = QByteArray()]() mutable { read(*client, request); });
     }
+}
+
+/// A long request comes in pieces; @p request is what came of it so far.
+void SingleInstance::read(QLocalSocket &client, QByteArray &request)
+{
+    request += client.readAll();
+    if (request.size() > longestRequest)
+        return client.abort();
+    const QStringList packages = packagesIn(request);
+    if (request != showRequest && packages.isEmpty())
+        return;
+    request.clear();
+    Q_EMIT showRequested();
+    client.write(shownAnswer.data(), shownAnswer.size());
+    client.flush();
+    if (packages.isEmpty())
+        return;
+    // Later: nobody is to wait until an alert about a package was read.
+    QMetaObject::invokeMethod(
+        this, [this, packages] { Q_EMIT openRequested(packages); }, Qt::QueuedConnection);
 }
 
 } // namespace tembra

@@ -13,7 +13,7 @@ namespace {
 
 using Renewal = WriteObstacle::Renewal;
 
-constexpr qsizetype comparedPiece = 1 << 20;
+constexpr qsizetype comparedPiece = 1 << 16;
 
 WriteStep lockFresh(OpenedFile &file)
 {

@@ -12,5 +12,6 @@ Q_DECLARE_LOGGING_CATEGORY(applicationLog)
 Q_DECLARE_LOGGING_CATEGORY(backupLog)
 /// The one that names what it reads, at the debug level, which is off unless somebody asks for it.
 Q_DECLARE_LOGGING_CATEGORY(importLog)
+Q_DECLARE_LOGGING_CATEGORY(tagsLog)
 
 } // namespace tembra

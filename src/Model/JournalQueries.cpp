@@ -64,6 +64,16 @@ FetchRequest allTags()
             .returnsObjectsAsFaults = false};
 }
 
+FetchRequest recentTags()
+{
+    constexpr int recent = 7;
+    return {.entityName = "Tag",
+            .sortDescriptors = {{"lastUse", false}},
+            .fetchLimit = recent,
+            .returnsDistinctResults = true,
+            .returnsObjectsAsFaults = false};
+}
+
 FetchRequest filledNotes(ObjectID counterpart, qint16 identifier)
 {
     return {.entityName = "Note",

@@ -30,6 +30,8 @@ FetchRequest flaggedSessions();
 
 /// All tags, by name descending (so it is intended).
 FetchRequest allTags();
+/// The seven tags with the latest use, latest first; tags that were never used come after all others.
+FetchRequest recentTags();
 
 /// A teammate's notes of one field that hold text, newest meeting first.
 FetchRequest filledNotes(ObjectID counterpart, qint16 identifier);

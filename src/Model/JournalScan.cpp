@@ -14,7 +14,7 @@ namespace tembra {
 
 namespace {
 
-constexpr size_t sessionsOfOnePiece = 256;
+constexpr size_t sessionsOfOnePiece = 64;
 
 QString textOf(const Value &value)
 {

@@ -14,7 +14,7 @@ namespace tembra {
 class ManagedObjectContext;
 
 /// Goes through a journal as values: teammates one by one, and their meetings with notes and tags a
-/// few hundred at a time, so that a journal of any size needs no more memory than those. Unlike
+/// few dozen at a time, so that a journal of any size needs no more memory than those. Unlike
 /// objects, which show a value that cannot be read as missing, it fails.
 class JournalScan
 {

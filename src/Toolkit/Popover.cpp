@@ -86,10 +86,15 @@ bool needsMask()
 } // namespace
 
 Popover::Popover(QWidget *parent)
-    : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
+    : Popover(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
+{
+}
+
+Popover::Popover(QWidget *parent, Qt::WindowFlags flags)
+    : QWidget(parent, flags)
 {
     setObjectName(u"popover"_s);
-    setAttribute(Qt::WA_TranslucentBackground, !needsMask());
+    setAttribute(Qt::WA_TranslucentBackground, isWindow() && !needsMask());
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -116,7 +121,7 @@ void Popover::showRelativeTo(QWidget *anchor, const QRect &rect, Qt::Edge edge)
     place();
     fadeIn();
     show();
-    if (!focusWidget())
+    if (isWindow() && !focusWidget())
         focusNextChild();
 }
 
@@ -125,16 +130,25 @@ QRect Popover::anchorOnScreen() const
     return {m_anchor->mapToGlobal(m_anchorRect.topLeft()), m_anchorRect.size()};
 }
 
-/// Chooses the side, keeps the panel on the screen and points the arrow at the anchor's middle.
+/// What it must not go beyond: the screen, or the window that it lies in.
+QRect Popover::visibleArea(const QRect &anchor) const
+{
+    QRect area;
+    if (isWindow()) {
+        const QScreen *screen = QGuiApplication::screenAt(anchor.center());
+        area = (screen ? screen : m_anchor->screen())->availableGeometry();
+    } else {
+        area = {parentWidget()->mapToGlobal(QPoint()), parentWidget()->size()};
+    }
+    return area.adjusted(screenMargin, screenMargin, -screenMargin, -screenMargin);
+}
+
 void Popover::place()
 {
     if (!m_anchor)
         return;
     const QRect anchor = anchorOnScreen();
-    const QScreen *screen = QGuiApplication::screenAt(anchor.center());
-    const QRect available = (screen ? screen : m_anchor->screen())
-                                ->availableGeometry()
-                                .adjusted(screenMargin, screenMargin, -screenMargin, -screenMargin);
+    const QRect available = visibleArea(anchor);
     const auto fit = [&](Qt::Edge edge) {
         m_edge = edge;
         layout()->setContentsMargins(edge == Qt::RightEdge ? arrowLength : 0,
@@ -160,7 +174,7 @@ void Popover::place()
     const int nearest = theme::popoverRadius + arrowHalfWidth;
     m_arrowPosition = std::clamp(isVertical(m_edge) ? tip.x() : tip.y(), nearest,
                                  std::max(nearest, length - nearest));
-    setGeometry({position, size});
+    setGeometry({isWindow() ? position : parentWidget()->mapFromGlobal(position), size});
     update();
 }
 
@@ -203,7 +217,7 @@ QPainterPath Popover::outline() const
 void Popover::fadeIn()
 {
     // Window opacity is what X11 offers for it; elsewhere the window simply appears.
-    if (!needsMask() || theme::prefersReducedMotion())
+    if (!isWindow() || !needsMask() || theme::prefersReducedMotion())
         return;
     setWindowOpacity(0);
     auto *animation = new QPropertyAnimation(this, "windowOpacity", this);
@@ -239,7 +253,7 @@ void Popover::hideEvent(QHideEvent *event)
 void Popover::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    if (needsMask())
+    if (isWindow() && needsMask())
         setMask(QRegion(outline().toFillPolygon().toPolygon()));
 }
 

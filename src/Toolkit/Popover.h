@@ -12,7 +12,7 @@ namespace tembra {
 ///
 /// Closes on Escape and on a click elsewhere. It stays on the screen: where the wished side has no
 /// room, it opens on the opposite one.
-class Popover final : public QWidget
+class Popover : public QWidget
 {
     Q_OBJECT
 
@@ -33,6 +33,12 @@ Q_SIGNALS:
     void closed();
 
 protected:
+    Popover(QWidget *parent, Qt::WindowFlags flags);
+    /// Chooses the side, keeps the panel where it can be seen and points the arrow at the anchor's
+    /// middle.
+    void place();
+    QWidget *anchor() const { return m_anchor; }
+
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void hideEvent(QHideEvent *event) override;
@@ -40,7 +46,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void place();
+    QRect visibleArea(const QRect &anchor) const;
     QRect anchorOnScreen() const;
     QRect panelRect() const;
     QPainterPath outline() const;

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QTest>
 #include <QTimer>
 
@@ -49,14 +50,29 @@ public:
     QStringList informativeTexts;
 
 private:
+    /// False also where that is being waited for already: the timer goes on meanwhile.
+    bool waitUntilActive(Alert &alert)
+    {
+        if (m_waiting)
+            return false;
+        const QScopedValueRollback waiting(m_waiting, true);
+        return QTest::qWaitForWindowActive(&alert);
+    }
+
+    static QString textOf(const Alert &alert, const QString &name)
+    {
+        const auto *label = alert.findChild<QLabel *>(name);
+        return label ? label->text() : QString();
+    }
+
     void look()
     {
-        auto *alert = qobject_cast<Alert *>(QApplication::activeModalWidget());
-        if (!alert || alert == m_last || !QTest::qWaitForWindowActive(alert))
+        const QPointer<Alert> alert = qobject_cast<Alert *>(QApplication::activeModalWidget());
+        if (!alert || alert == m_last || !waitUntilActive(*alert) || !alert)
             return;
         m_last = alert;
-        messages.append(alert->findChild<QLabel *>(u"messageText"_s)->text());
-        informativeTexts.append(alert->findChild<QLabel *>(u"informativeText"_s)->text());
+        messages.append(textOf(*alert, u"messageText"_s));
+        informativeTexts.append(textOf(*alert, u"informativeText"_s));
         if (messages.size() <= m_answers.size())
             m_answers.at(messages.size() - 1)(*alert);
         else
@@ -66,6 +82,7 @@ private:
     QList<Answer> m_answers;
     QTimer m_timer;
     QPointer<Alert> m_last;
+    bool m_waiting = false;
 };
 
 } // namespace tembra

@@ -43,10 +43,12 @@ QStringList FreshAccount::filesLeft() const
     return files;
 }
 
-RunningProgram::RunningProgram(const FreshAccount &account, const QStringList &arguments)
+RunningProgram::RunningProgram(const FreshAccount &account, const QStringList &arguments,
+                               const QString &workingDirectory, const QString &program)
 {
     m_process.setProcessEnvironment(account.environment());
-    m_process.start(file(), arguments);
+    m_process.setWorkingDirectory(workingDirectory);
+    m_process.start(program, arguments);
     m_process.waitForStarted();
 }
 
@@ -87,6 +89,11 @@ bool RunningProgram::isInFront() const
 bool RunningProgram::waitForWindow()
 {
     return QTest::qWaitFor([this] { return isInFront(); }, 20'000);
+}
+
+bool RunningProgram::waitForWindows(qsizetype count) const
+{
+    return QTest::qWaitFor([this, count] { return windows().size() == count; }, 20'000);
 }
 
 int RunningProgram::waitForEnd(int milliseconds)

@@ -29,7 +29,8 @@ public:
     /// Where the program was built.
     static QString file();
 
-    RunningProgram(const FreshAccount &account, const QStringList &arguments);
+    RunningProgram(const FreshAccount &account, const QStringList &arguments,
+                   const QString &workingDirectory = {}, const QString &program = file());
     /// Kills it if it still runs.
     ~RunningProgram();
 
@@ -37,6 +38,8 @@ public:
     bool waitForWindow();
     /// Whether one of its windows has the keyboard.
     bool isInFront() const;
+    /// Waits until it shows this many windows, alerts counted.
+    bool waitForWindows(qsizetype count) const;
     /// Waits for the end; the exit status, or -1 after a while, or the negative number of the signal.
     int waitForEnd(int milliseconds = 20'000);
 

@@ -14,6 +14,10 @@ class tst_CommandLine : public QObject
 private Q_SLOTS:
     void startOptions_data();
     void startOptions();
+    void packages_data();
+    void packages();
+    void verify_data();
+    void verify();
     void helpAndVersion_data();
     void helpAndVersion();
     void mistakes_data();
@@ -52,6 +56,63 @@ void tst_CommandLine::startOptions()
     QTEST(options.dataDirectory, "dataDirectory");
     QTEST(options.sample, "sample");
     QTEST(options.screenshotsDirectory, "screenshots");
+    QCOMPARE(options.packages, QStringList());
+}
+
+void tst_CommandLine::packages_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("paths");
+
+    QTest::newRow("absolute") << QStringList{u"/b/Mine.tembrabackup"_s}
+                              << QStringList{u"/b/Mine.tembrabackup"_s};
+    QTest::newRow("from the working directory")
+        << QStringList{u"Mine.tembrabackup"_s} << QStringList{u"/work here/Mine.tembrabackup"_s};
+    QTest::newRow("with the slash of a folder")
+        << QStringList{u"Mine.tembrabackup//"_s, u"/"_s}
+        << QStringList{u"/work here/Mine.tembrabackup"_s, u"/"_s};
+    // Through a link it may lead elsewhere than a clean path does.
+    QTest::newRow("by way of another folder")
+        << QStringList{u"link/../Mine.tembrabackup"_s}
+        << QStringList{u"/work here/link/../Mine.tembrabackup"_s};
+    QTest::newRow("several, in this order")
+        << QStringList{u"b"_s, u"a"_s, u"b"_s}
+        << QStringList{u"/work here/b"_s, u"/work here/a"_s, u"/work here/b"_s};
+    QTest::newRow("behind an option")
+        << QStringList{u"--data-dir"_s, u"/j"_s, u"a"_s} << QStringList{u"/work here/a"_s};
+    QTest::newRow("before an option")
+        << QStringList{u"a"_s, u"--sample"_s} << QStringList{u"/work here/a"_s};
+    QTest::newRow("that looks like an option")
+        << QStringList{u"--"_s, u"--sample"_s} << QStringList{u"/work here/--sample"_s};
+    QTest::newRow("behind a colon, in lines, in another alphabet")
+        << QStringList{u":/a"_s, u"two\nlines"_s, u"Übergabe 🎉"_s}
+        << QStringList{u"/work here/:/a"_s, u"/work here/two\nlines"_s, u"/work here/Übergabe 🎉"_s};
+}
+
+void tst_CommandLine::packages()
+{
+    QFETCH(QStringList, arguments);
+    const auto parsed = parseCommandLine(QStringList{u"tembra"_s} + arguments,
+                                         QDir(u"/work here"_s));
+    QVERIFY(std::holds_alternative<StartOptions>(parsed));
+    QTEST(std::get<StartOptions>(parsed).packages, "paths");
+}
+
+void tst_CommandLine::verify_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("package");
+    QTest::newRow("package") << QStringList{u"--verify"_s, u"a/Mine.tembrabackup/"_s}
+                             << u"a/Mine.tembrabackup/"_s;
+    QTest::newRow("package after =") << QStringList{u"--verify=b c"_s} << u"b c"_s;
+}
+
+void tst_CommandLine::verify()
+{
+    QFETCH(QStringList, arguments);
+    const auto parsed = parseCommandLine(QStringList{u"tembra"_s} + arguments);
+    QVERIFY(std::holds_alternative<VerifyRequest>(parsed));
+    QTEST(std::get<VerifyRequest>(parsed).package, "package");
 }
 
 void tst_CommandLine::helpAndVersion_data()
@@ -80,7 +141,8 @@ void tst_CommandLine::helpAndVersion()
     if (!begins.startsWith(u"Usage"))
         return;
     for (const QString &option :
-         {u"--data-dir DIR"_s, u"--sample"_s, u"--screenshots DIR"_s, u"--help"_s, u"--version"_s})
+         {u"PACKAGE..."_s, u"--data-dir DIR"_s, u"--sample"_s, u"--screenshots DIR"_s,
+          u"--verify PACKAGE"_s, u"--help"_s, u"--version"_s})
         QVERIFY2(text.text.contains(option), qPrintable(option));
 }
 
@@ -91,8 +153,27 @@ void tst_CommandLine::mistakes_data()
 
     QTest::newRow("unknown option") << QStringList{u"--nonsense"_s} << u"nonsense"_s;
     QTest::newRow("unknown letter") << QStringList{u"-x"_s} << u"x"_s;
-    QTest::newRow("a file") << QStringList{u"journal.sqlite"_s}
-                            << u"'journal.sqlite' is not an option."_s;
+    QTest::newRow("package without a name")
+        << QStringList{u"a"_s, QString()} << u"The name of a backup package is empty."_s;
+    QTest::newRow("package with pictures") << QStringList{u"--screenshots"_s, u"p"_s, u"a"_s}
+                                           << u"--screenshots imports nothing; leave 'a' out."_s;
+    QTest::newRow("nothing to verify") << QStringList{u"--verify"_s} << u"verify"_s;
+    for (const QString &name : {QString(), u"--sample"_s})
+        QTest::addRow("verify '%s'", qPrintable(name))
+            << QStringList{u"--verify"_s, name}
+            << u"--verify needs the name of a backup package."_s;
+    QTest::newRow("two to verify") << QStringList{u"--verify"_s, u"a"_s, u"b"_s}
+                                   << u"--verify reads one package; leave 'b' out."_s;
+    QTest::newRow("verify twice") << QStringList{u"--verify"_s, u"a"_s, u"--verify"_s, u"b"_s}
+                                  << u"--verify reads one package; leave 'b' out."_s;
+    QTest::newRow("verify a sample")
+        << QStringList{u"--sample"_s, u"--verify"_s, u"a"_s} << u"leave --sample out."_s;
+    QTest::newRow("verify with a data folder")
+        << QStringList{u"--verify"_s, u"a"_s, u"--data-dir"_s, u"/j"_s}
+        << u"leave --data-dir out."_s;
+    QTest::newRow("verify with pictures")
+        << QStringList{u"--verify"_s, u"a"_s, u"--screenshots"_s, u"p"_s}
+        << u"leave --screenshots out."_s;
     QTest::newRow("data folder without a name") << QStringList{u"--data-dir"_s} << u"data-dir"_s;
     QTest::newRow("data folder with an empty name")
         << QStringList{u"--data-dir"_s, QString()} << u"--data-dir needs the name of a folder."_s;

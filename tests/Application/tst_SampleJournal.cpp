@@ -1,5 +1,7 @@
-#include "Application/SampleJournal.h"
+#include "Application/Sample/SampleJournal.h"
 
+#include "Backup/JournalImport.h"
+#include "Model/JournalEncoding.h"
 #include "Model/JournalQueries.h"
 #include "Model/SentimentScale.h"
 #include "Store/ManagedObjectContext.h"
@@ -8,8 +10,11 @@
 #include "Toolkit/EmojiText.h"
 
 #include <QDateTime>
+#include <QRegularExpression>
 #include <QSet>
 #include <QTest>
+
+#include <algorithm>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
@@ -36,6 +41,14 @@ QStringList contentsOf(const JournalFixture &journal)
     return lines;
 }
 
+/// A backup's document without what differs from store to store and from day to day.
+QString withoutKeysAndDates(const QByteArray &document)
+{
+    static const QRegularExpression uri(u"tembra-store://[^/]+/([A-Za-z]+)/p[0-9]+"_s);
+    static const QRegularExpression date(u"\"date\":[0-9.]+"_s);
+    return QString::fromUtf8(document).replace(uri, u"\\1"_s).replace(date, u"date"_s);
+}
+
 } // namespace
 
 class tst_SampleJournal : public QObject
@@ -57,14 +70,18 @@ private Q_SLOTS:
     void fourOfNineNotesAreFilled();
     void notesReadLikeAManagersOwn();
     void tagsHaveEmoji();
+    void isABackupLikeAnyOther();
     void isSavedAndNotUndoable();
     void isTheSameEveryTime();
     void movesWithTheClock();
+    void tellsWhenItCannotBeBroughtIn();
 
 private:
     static void fill(const JournalFixture &journal)
     {
-        SampleJournal::fill(journal.context(), journal.clock, QTimeZone::utc());
+        const auto done = SampleJournal::bringIn(journal.coreData(), journal.directory.path(),
+                                                 journal.clock, QTimeZone::utc());
+        QVERIFY2(done, done ? "" : qPrintable(done.error().description()));
     }
     QList<std::shared_ptr<Session>> allSessions() const
     {
@@ -202,6 +219,25 @@ void tst_SampleJournal::tagsHaveEmoji()
                         [](const auto &session) { return session->tags().isEmpty(); }));
 }
 
+void tst_SampleJournal::isABackupLikeAnyOther()
+{
+    const auto counts = inspectJournal(SampleJournal::document());
+    QVERIFY2(counts, counts ? "" : qPrintable(counts.error().description()));
+    QCOMPARE(counts->teammates, m_journal->counterparts().size());
+    QCOMPARE(counts->sessions, allSessions().size());
+    QCOMPARE(counts->notes, allTexts().size());
+    qint64 tags = 0;
+    for (const auto &session : allSessions())
+        tags += session->tags().size();
+    QCOMPARE(counts->tags, tags);
+    // And nothing was lost or added on the way in.
+    auto teammates = m_journal->counterparts();
+    std::ranges::sort(teammates, {}, [](const auto &teammate) { return teammate->objectID().key; });
+    const auto written = encodeJournal(m_journal->context(), teammates);
+    QVERIFY(written);
+    QCOMPARE(withoutKeysAndDates(*written), withoutKeysAndDates(SampleJournal::document()));
+}
+
 void tst_SampleJournal::isSavedAndNotUndoable()
 {
     QVERIFY(!m_journal->context().hasChanges());
@@ -226,6 +262,17 @@ void tst_SampleJournal::movesWithTheClock()
     const JournalFixture later(utc(2026, 11, 20).adding(52 * 7 * secondsPerDay));
     fill(later);
     QCOMPARE(contentsOf(later), contentsOf(*m_journal));
+}
+
+void tst_SampleJournal::tellsWhenItCannotBeBroughtIn()
+{
+    const JournalFixture journal;
+    const QString nowhere = journal.filePath(u"not/there"_s);
+    const auto done = SampleJournal::bringIn(journal.coreData(), nowhere, journal.clock,
+                                             QTimeZone::utc());
+    QVERIFY(!done);
+    QVERIFY2(done.error().message.contains(nowhere), qPrintable(done.error().message));
+    QVERIFY(journal.counterparts().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(tst_SampleJournal)

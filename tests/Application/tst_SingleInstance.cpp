@@ -21,11 +21,11 @@ using Answer = SingleInstance::Answer;
 namespace {
 
 /// Asks from another thread, as a second process does: the first one must be free to answer.
-Result<Answer> ask(const QString &folder)
+Result<Answer> ask(const QString &folder, const QStringList &packages = {})
 {
     Result<Answer> answer = Answer::NobodyRuns;
     const std::unique_ptr<QThread> thread(
-        QThread::create([&] { answer = SingleInstance(folder).askRunningInstance(); }));
+        QThread::create([&] { answer = SingleInstance(folder).askRunningInstance(packages); }));
     thread->start();
     while (!thread->isFinished())
         QTest::qWait(5);
@@ -58,12 +58,17 @@ private Q_SLOTS:
     void nobodyRuns();
     void aSecondStartIsAnsweredAndShows();
     void eachLaterStartIsAnswered();
+    void packagesAreHandedOver_data();
+    void packagesAreHandedOver();
+    void packagesComeInPieces();
+    void anAlertKeepsNobodyWaiting();
     void aFolderIsTheSameThroughALink();
     void anotherFolderIsAnotherProgram();
     void onlyTheUserReachesTheSocket();
     void aDeadSocketIsNoObstacle();
     void oneThatEndsMeanwhileIsNobody();
     void oneThatHangsIsToldOf();
+    void otherRequestsShowNothing_data();
     void otherRequestsShowNothing();
     void theSocketGoesWithTheProgram();
 
@@ -119,6 +124,91 @@ void tst_SingleInstance::eachLaterStartIsAnswered()
         QCOMPARE(ask(folder(u"journal"_s)).value_or(Answer::NobodyRuns), Answer::Shown);
         QCOMPARE(shows.count(), i);
     }
+}
+
+void tst_SingleInstance::packagesAreHandedOver_data()
+{
+    QTest::addColumn<QStringList>("packages");
+    QTest::newRow("one") << QStringList{u"/home/ana/Mine.tembrabackup"_s};
+    QTest::newRow("several, in this order") << QStringList{u"/c"_s, u"/a"_s, u"/b"_s, u"/a"_s};
+    QTest::newRow("of two lines") << QStringList{u"/two\nlines\n"_s, u"/show\n"_s, u"open\n"_s};
+    QTest::newRow("in another alphabet") << QStringList{u"/Übergabe 山田 🎉"_s};
+    QString everything;
+    for (char16_t character = 1; character < 0xD800; ++character)
+        everything += QChar(character);
+    QTest::newRow("of every character") << QStringList{everything};
+    QStringList many;
+    for (int i = 0; i < 20'000; ++i)
+        many.append(u"/%1/%2"_s.arg(QString(100, u'x')).arg(i));
+    QTest::newRow("as many as a command line holds") << many;
+}
+
+void tst_SingleInstance::packagesAreHandedOver()
+{
+    QFETCH(QStringList, packages);
+    SingleInstance running(folder(u"journal"_s));
+    running.listen();
+    QSignalSpy shows(&running, &SingleInstance::showRequested);
+    QSignalSpy opens(&running, &SingleInstance::openRequested);
+    const auto answer = ask(folder(u"journal"_s), packages);
+    QVERIFY(answer);
+    QCOMPARE(*answer, Answer::Shown);
+    QTRY_COMPARE(opens.count(), 1);
+    QCOMPARE(opens.first().first().toStringList(), packages);
+    QCOMPARE(shows.count(), 1);
+}
+
+void tst_SingleInstance::packagesComeInPieces()
+{
+    SingleInstance running(folder(u"journal"_s));
+    running.listen();
+    QSignalSpy opens(&running, &SingleInstance::openRequested);
+    QLocalSocket client;
+    client.connectToServer(socketFile());
+    QVERIFY(client.waitForConnected());
+    const QByteArray request("open\n/a\0/b\0\0", 12);
+    for (const char byte : request.chopped(1)) {
+        client.write(&byte, 1);
+        QVERIFY(client.flush());
+        QTest::qWait(10);
+        QCOMPARE(client.bytesAvailable(), 0);
+    }
+    QCOMPARE(opens.count(), 0);
+    client.write("\0", 1);
+    QTRY_COMPARE(opens.count(), 1);
+    QCOMPARE(opens.first().first().toStringList(), (QStringList{u"/a"_s, u"/b"_s}));
+    QTRY_COMPARE(client.bytesAvailable(), 6);
+    QCOMPARE(client.readAll(), "shown\n");
+}
+
+/// Such a one runs an event loop of its own, until somebody has read it.
+void tst_SingleInstance::anAlertKeepsNobodyWaiting()
+{
+    SingleInstance running(folder(u"journal"_s));
+    running.listen();
+    QEventLoop alert;
+    QStringList opened;
+    connect(&running, &SingleInstance::openRequested, this, [&](const QStringList &packages) {
+        opened += packages;
+        if (opened.size() == 1)
+            alert.exec();
+    });
+    QElapsedTimer timer;
+    timer.start();
+    const auto second = [&](const QString &package) {
+        return SingleInstance(folder(u"journal"_s)).askRunningInstance({package});
+    };
+    QList<Answer> answers;
+    const std::unique_ptr<QThread> thread(QThread::create([&] {
+        for (const QString &package : {u"/a"_s, u"/b"_s})
+            answers.append(second(package).value_or(Answer::NobodyRuns));
+    }));
+    connect(thread.get(), &QThread::finished, &alert, &QEventLoop::quit);
+    thread->start();
+    QTRY_VERIFY(thread->isFinished());
+    QTRY_COMPARE(opened, (QStringList{u"/a"_s, u"/b"_s}));
+    QCOMPARE(answers, (QList{Answer::Shown, Answer::Shown}));
+    QVERIFY(timer.elapsed() < 3000);
 }
 
 void tst_SingleInstance::aFolderIsTheSameThroughALink()
@@ -204,18 +294,31 @@ void tst_SingleInstance::oneThatHangsIsToldOf()
     QVERIFY(timer.elapsed() < 10'000);
 }
 
+void tst_SingleInstance::otherRequestsShowNothing_data()
+{
+    QTest::addColumn<QByteArray>("request");
+    QTest::newRow("another word") << QByteArray("quit\n");
+    QTest::newRow("another word with paths") << QByteArray("shut\n/a\0\0", 9);
+    QTest::newRow("no packages") << QByteArray("open\n\0\0", 7);
+    QTest::newRow("half a package") << QByteArray("open\n/a");
+    QTest::newRow("more than anybody reads") << QByteArray(40 << 20, 'x');
+}
+
 void tst_SingleInstance::otherRequestsShowNothing()
 {
+    QFETCH(QByteArray, request);
     SingleInstance running(folder(u"journal"_s));
     running.listen();
     QSignalSpy shows(&running, &SingleInstance::showRequested);
     QLocalSocket stranger;
     stranger.connectToServer(socketFile());
     QVERIFY(stranger.waitForConnected());
-    stranger.write("quit\n");
+    QSignalSpy opens(&running, &SingleInstance::openRequested);
+    stranger.write(request);
     QVERIFY(stranger.flush());
     QTest::qWait(100);
     QCOMPARE(shows.count(), 0);
+    QCOMPARE(opens.count(), 0);
     QCOMPARE(ask(folder(u"journal"_s)).value_or(Answer::NobodyRuns), Answer::Shown);
 }
 

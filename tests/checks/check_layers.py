@@ -19,13 +19,16 @@ SCREEN = CORE | {"QtGui", "QtWidgets"}
 LAYERS = {
     "Foundation": CORE | {"icu", "rapidjson"},
     "Store": CORE | {"sqlite", "Foundation"},
-    "Model": CORE | {"Foundation", "Store"},
+    "Model": CORE | {"plist", "Foundation", "Store"},
     "Toolkit": SCREEN | {"QtSvg", "Foundation"},
     "Preferences": SCREEN | {"Foundation", "Toolkit"},
     "Backup": SCREEN | {"Foundation", "Store", "Model", "Toolkit"},
-    "MainWindow": SCREEN | {"Foundation", "Store", "Model", "Toolkit", "Preferences", "Backup"},
+    "Tags": SCREEN | {"Foundation", "Store", "Model", "Toolkit", "Preferences"},
+    "MainWindow": SCREEN
+    | {"Foundation", "Store", "Model", "Toolkit", "Preferences", "Backup", "Tags"},
     "Application": SCREEN
-    | {"QtNetwork", "Foundation", "Store", "Model", "Toolkit", "Preferences", "Backup", "MainWindow"},
+    | {"QtNetwork", "Foundation", "Store", "Model", "Toolkit", "Preferences", "Backup", "Tags"}
+    | {"MainWindow"},
 }
 ALONE_IN_SRC = {"main.cpp": SCREEN | {"Application"}}
 
@@ -34,6 +37,7 @@ SYSTEM_HEADERS = {
     re.compile(r"unicode/.*"): "icu",
     re.compile(r"tl/expected\.hpp"): "expected",
     re.compile(r"rapidjson/.*"): "rapidjson",
+    re.compile(r"plist/.*"): "plist",
     re.compile(r"(Qt[A-Z]\w*)/.*"): None,  # the module is the folder's name
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')

@@ -1,4 +1,4 @@
-#include "Application/SampleTexts.h"
+#include "Application/Sample/SampleTexts.h"
 
 namespace tembra::SampleTexts {
 

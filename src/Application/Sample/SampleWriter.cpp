@@ -1,8 +1,7 @@
-#include "Application/SampleJournal.h"
+#include "Application/Sample/SampleWriter.h"
 
-#include "Application/SampleTexts.h"
-#include "Foundation/Clock.h"
-#include "Foundation/Logging.h"
+#include "Application/Sample/SampleDay.h"
+#include "Application/Sample/SampleTexts.h"
 #include "Model/Counterpart.h"
 #include "Model/Note.h"
 #include "Model/NoteField.h"
@@ -10,11 +9,10 @@
 #include "Model/Session.h"
 #include "Model/Tag.h"
 #include "Store/ManagedObjectContext.h"
-#include "Store/UndoManager.h"
 
 #include <QDateTime>
+#include <QTimeZone>
 
-#include <algorithm>
 #include <array>
 #include <random>
 
@@ -28,21 +26,17 @@ constexpr int twoYears = 730;
 
 /// Writes the journal record by record. The generator is seeded the same every time, and only its
 /// raw numbers are used, which are the same on every platform.
-class SampleWriter
+class RecordWriter
 {
 public:
-    SampleWriter(ManagedObjectContext &context, const QDateTime &now)
-        : m_context(context)
-        , m_now(now)
-    {
-    }
+    explicit RecordWriter(ManagedObjectContext &context) : m_context(context) {}
 
-    void writeTeammate(const SampleTexts::Teammate &teammate)
+    std::shared_ptr<Counterpart> writeTeammate(const SampleTexts::Teammate &teammate)
     {
         const auto counterpart = m_context.insert<Counterpart>();
         counterpart->setName(teammate.name);
         if (teammate.daysBetweenMeetings == 0)
-            return;
+            return counterpart;
         for (int &turn : m_turnOfField)
             turn = below(100);
         int daysAgo = teammate.daysSinceLastMeeting;
@@ -50,6 +44,7 @@ public:
             writeMeeting(counterpart, daysAgo);
             daysAgo += teammate.daysBetweenMeetings + below(5) - 2;
         }
+        return counterpart;
     }
 
 private:
@@ -68,13 +63,11 @@ private:
         writeTags(*session);
     }
 
-    /// Some half hour between nine and five of that day; of the Friday before it at a weekend.
+    /// Some half hour between nine and five of that day.
     QDateTime workingHour(int daysAgo)
     {
-        const QDate date = m_now.date().addDays(-daysAgo);
-        const int pastFriday = std::max(0, date.dayOfWeek() - int(Qt::Friday));
         const QTime time = QTime(9, 0).addSecs(below(16) * 30 * 60);
-        return QDateTime(date.addDays(-pastFriday), time, m_now.timeZone());
+        return QDateTime(sampleDay().addDays(-daysAgo), time, QTimeZone::utc());
     }
 
     /// Mostly a rating, now and then none.
@@ -108,25 +101,19 @@ private:
     }
 
     ManagedObjectContext &m_context;
-    QDateTime m_now;
     std::array<int, maximumNoteIdentifier + 1> m_turnOfField{};
     std::mt19937 m_random{20010101};
 };
 
 } // namespace
 
-void SampleJournal::fill(ManagedObjectContext &context, const Clock &clock,
-                         const QTimeZone &timeZone)
+QList<std::shared_ptr<Counterpart>> SampleWriter::write(ManagedObjectContext &context)
 {
-    const UndoManager::Suspension notUndoable(*context.undoManager());
-    const qint64 now = qint64(clock.now().toUnixMilliseconds());
-    SampleWriter writer(context, QDateTime::fromMSecsSinceEpoch(now, timeZone));
+    RecordWriter writer(context);
+    QList<std::shared_ptr<Counterpart>> teammates;
     for (const SampleTexts::Teammate &teammate : SampleTexts::teammates())
-        writer.writeTeammate(teammate);
-    context.processPendingChanges();
-    if (const auto saved = context.save(); !saved)
-        qCWarning(applicationLog, "Could not save the sample journal: %s",
-                  qUtf8Printable(saved.error().description()));
+        teammates.append(writer.writeTeammate(teammate));
+    return teammates;
 }
 
 } // namespace tembra

@@ -1,0 +1,147 @@
+#include "Application/AppDelegate.h"
+
+#include "MainWindow/StatusLine.h"
+#include "ProgramInProcess.h"
+#include "Toolkit/EmojiLabel.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <atomic>
+#include <csignal>
+#include <sys/syscall.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace tembra;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+std::thread::id mainThread;
+std::atomic<bool> diskHangs = false;
+
+} // namespace
+
+/// Stands in for the system's: a disk that does not answer keeps whoever writes to it waiting, which
+/// is never to be the main thread.
+extern "C" int fsync(int file)
+{
+    while (diskHangs && std::this_thread::get_id() != mainThread)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return int(::syscall(SYS_fsync, file));
+}
+
+/// The backup before quitting, into a folder that takes its time or never answers.
+class tst_QuitBackupHangs : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void aSlowFolderIsWaitedFor();
+    void aFolderThatDoesNotAnswerIsGivenUp();
+
+private:
+    QString task() const
+    {
+        const auto *label = m_program->window->statusLine().findChild<EmojiLabel *>(
+            u"statusTask"_s);
+        return label && label->isVisible() ? label->text() : QString();
+    }
+    bool isWritten() const
+    {
+        return QFile::exists(m_folder->filePath(u"backups/TembraData.tembrabackup"_s));
+    }
+    /// Quits, and again and again while it is at it; what the status line said meanwhile.
+    int quitImpatiently();
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<ProgramInProcess> m_program;
+    QStringList m_said;
+    qint64 m_longestBreak = 0; ///< Between two turns of the event loop, in milliseconds.
+};
+
+void tst_QuitBackupHangs::init()
+{
+    mainThread = std::this_thread::get_id();
+    m_folder = std::make_unique<QTemporaryDir>();
+    const QString backups = m_folder->filePath(u"backups"_s);
+    QVERIFY(QDir().mkdir(backups));
+    {
+        QSettings settings(m_folder->filePath(u"settings.ini"_s), QSettings::IniFormat);
+        settings.setValue(DefaultsManager::shouldBackUpDataKey, true);
+        settings.setValue(DefaultsManager::backupPathKey, QUrl::fromLocalFile(backups));
+    }
+    m_program = std::make_unique<ProgramInProcess>(m_folder->path());
+    QVERIFY(QTest::qWaitForWindowActive(m_program->window));
+    m_program->addTeammate(u"Ana"_s);
+    m_said.clear();
+    m_longestBreak = 0;
+    diskHangs = true;
+}
+
+void tst_QuitBackupHangs::cleanup()
+{
+    diskHangs = false;
+    // Whoever was left to itself comes to its end while its folder is there.
+    QTRY_VERIFY(isWritten());
+    m_program.reset();
+    m_folder.reset();
+}
+
+int tst_QuitBackupHangs::quitImpatiently()
+{
+    QElapsedTimer sinceLast;
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, this, [&] {
+        if (sinceLast.isValid())
+            m_longestBreak = std::max(m_longestBreak, sinceLast.restart());
+        if (const QString said = task(); !said.isEmpty() && !m_said.contains(said))
+            m_said.append(said);
+        m_program->delegate->terminate();
+    });
+    return m_program->run([&] {
+        sinceLast.start();
+        watch.start(50);
+        std::raise(SIGTERM);
+    });
+}
+
+void tst_QuitBackupHangs::aSlowFolderIsWaitedFor()
+{
+    QTimer::singleShot(2000, this, [] { diskHangs = false; });
+    QElapsedTimer timer;
+    timer.start();
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    QCOMPARE(quitImpatiently(), 0);
+    QVERIFY2(timer.elapsed() < 6000, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY(isWritten());
+    QCOMPARE(m_said, QStringList(u"Writing the backup before quitting …"_s));
+    QVERIFY2(m_longestBreak < 300, qPrintable(QString::number(m_longestBreak)));
+}
+
+void tst_QuitBackupHangs::aFolderThatDoesNotAnswerIsGivenUp()
+{
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(u"^Could not write backup: The folder of “.+/backups/"
+                                            "TembraData.tembrabackup” did not answer"_s));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(quitImpatiently(), 0);
+    QVERIFY2(timer.elapsed() >= 10'000 && timer.elapsed() < 11'000,
+             qPrintable(QString::number(timer.elapsed())));
+    QVERIFY(!isWritten());
+    QVERIFY(!m_program->hasChanges()); // What matters most is saved.
+    QCOMPARE(m_program->alerts->messages, QStringList());
+    QCOMPARE(m_said, QStringList(u"Writing the backup before quitting …"_s));
+    QVERIFY2(m_longestBreak < 300, qPrintable(QString::number(m_longestBreak)));
+}
+
+QTEST_MAIN(tst_QuitBackupHangs)
+#include "tst_QuitBackupHangs.moc"
