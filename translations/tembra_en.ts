@@ -43,6 +43,14 @@
     </message>
 </context>
 <context>
+    <name>JournalMenus</name>
+    <message>
+        <source>&amp;Close Window</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>JsonDecoder</name>
     <message>
         <source>expected a list</source>
@@ -155,6 +163,29 @@
     <message>
         <source>A number is infinite or undefined, so it cannot be written.</source>
         <comment>Why a backup cannot be made</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>MainWindow</name>
+    <message>
+        <source>&amp;File</source>
+        <comment>Menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <comment>Menu</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -559,6 +590,15 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <comment>Context menu of a teammate</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Tags</source>
+        <comment>Button: opens the window of all tags</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show all tags and the meetings that carry them</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tembra::DetailPaneViewController</name>
@@ -668,6 +708,26 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <comment>Button that closes an alert</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Filter by tags</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No note of a meeting with this teammate and these tags holds this text.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No meetings with these tags</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No meeting with this teammate carries all the tags that you filter by.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Clear Filter</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tembra::EditCommands</name>
@@ -699,6 +759,90 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>Select &amp;All</source>
         <comment>Edit menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::EmojiPalette</name>
+    <message>
+        <source>Recently used</source>
+        <comment>Heading of emoji</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No name or keyword has “%1” in it.</source>
+        <comment>%1 is what was searched for</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Smileys &amp; Emotion</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>People &amp; Body</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Animals &amp; Nature</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Food &amp; Drink</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Travel &amp; Places</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Activities</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Objects</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Symbols</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Flags</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search emoji</source>
+        <comment>Placeholder of a search field</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Emoji</source>
+        <comment>Name of the grid to choose an emoji from</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No emoji found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Clear Search</source>
+        <comment>Button: shows all emoji again</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::EmojiTextField</name>
+    <message>
+        <source>This one counts as a letter or a number.</source>
+        <comment>Why a character was not taken into a field for emoji</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::EmojiTones</name>
+    <message>
+        <source>Skin tones</source>
+        <comment>Name of a row of variants of an emoji</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -880,6 +1024,11 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <comment>Debug menu</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Ta&amp;gs</source>
+        <comment>Go menu: shows the window of all tags</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tembra::Note</name>
@@ -979,6 +1128,18 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>Cancel</source>
         <comment>Button that leaves things as they are</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::RecentTagsViewController</name>
+    <message>
+        <source>Recent tags</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>⌥⌘ is Alt+Ctrl here</source>
+        <comment>Says which keys a shortcut stands for</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -1087,6 +1248,27 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <source>Next note field</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Ta&amp;gs</source>
+        <comment>Label of a meeting&apos;s tags</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tags</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add tags</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::SessionWindowController</name>
+    <message>
+        <source>Meeting</source>
+        <comment>Title of a window that shows a meeting</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tembra::StatusLine</name>
@@ -1111,6 +1293,196 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>Delete Meeting…</source>
         <comment>Menu of a meeting&apos;s tile</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::TagField</name>
+    <message>
+        <source>Edit Tag</source>
+        <comment>Menu of a tag: shows it among all</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> (Create New Tag)</source>
+        <comment>Follows what was typed, in the line that makes a new tag of it</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::TagRowDelegate</name>
+    <message>
+        <source>Change Emoji</source>
+        <comment>Tooltip of a tag&apos;s emoji</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <comment>Accessible name of the field for a tag&apos;s name</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Emoji</source>
+        <comment>Accessible name of the field for a tag&apos;s emoji</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::TagWindowController</name>
+    <message>
+        <source>&amp;Tag</source>
+        <comment>Menu of the tag window</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Rename…</source>
+        <comment>Menu of a tag</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Change &amp;Emoji…</source>
+        <comment>Menu of a tag</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Delete…</source>
+        <comment>Menu of a tag</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Do you really want to delete these tags?</source>
+        <comment>Asks before tags are deleted</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 will be removed.</source>
+        <comment>Titles of the tags to be deleted</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <comment>Button that deletes</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <comment>Button that leaves things as they are</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The tags could not be deleted.</source>
+        <comment>Alert when a deletion fails</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <comment>Button that closes an alert</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Where helpful, use tags to organize your meetings. You can assign tags to discover themes across teammates, to track the topics and projects that define your everyday work, to flag things for followup—or anything else that helps you make sense of your data. You&apos;ll always be able to see all meetings with a given tag in this window.</source>
+        <comment>Explains what tags are for</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tags</source>
+        <comment>Title of the tag browser</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>tagged</source>
+        <comment>As in: 3 tagged: Goal (…)</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>double-click a session for more detail</source>
+        <comment>Hint above the meetings of a tag, in parentheses</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No tags yet</source>
+        <comment>Stands in the empty tag browser</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tags organize your meetings by theme, topic or project. Put one on a meeting, in its tag field, and it is listed here.</source>
+        <comment>Stands in the empty tag browser</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete the selected tags</source>
+        <comment>Tooltip and accessible name</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No tag selected</source>
+        <comment>Stands where the meetings of a tag would</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Select a tag to see the meetings that carry it.</source>
+        <comment>Stands where the meetings of a tag would</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No meetings with this tag</source>
+        <comment>Stands where the meetings of a tag would</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Put the tag on a meeting, in its tag field, and the meeting is listed here.</source>
+        <comment>Stands where the meetings of a tag would</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What are tags for?</source>
+        <comment>Tooltip of the help button</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Explain tags</source>
+        <comment>Accessible name of the help button</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Meeting</source>
+        <comment>Column of the meetings of a tag</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <comment>Column of the meetings of a tag</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tags</source>
+        <comment>Column of the meetings of a tag</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Meetings</source>
+        <comment>Accessible name of the list of a tag&apos;s meetings</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::TagsArrayController</name>
+    <message>
+        <source>Unnamed tag</source>
+        <comment>Stands where the name of a tag without a name would</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No emoji</source>
+        <comment>Accessible text of a tag&apos;s missing emoji</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::TokenCompletionList</name>
+    <message>
+        <source>Completions</source>
+        <comment>list of texts that complete what is typed</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -1,10 +1,12 @@
 #include "Application/AppDelegate.h"
 
+#include "Application/AuxiliaryWindows.h"
 #include "Application/BackupFolderCheck.h"
 #include "Application/DataFolder.h"
 #include "Application/ProgramServices.h"
 #include "Backup/Backup.h"
 #include "Foundation/Logging.h"
+#include "Foundation/Precondition.h"
 #include "MainWindow/CounterpartsPaneViewController.h"
 #include "MainWindow/MainWindow.h"
 #include "MainWindow/StatusLine.h"
@@ -43,7 +45,7 @@ AppDelegate::AppDelegate(ProgramServices &services, const DataFolder &folder, QO
     , m_windowStateFile(folder.windowStateFile())
 {
     m_services.coreData.setPresentError([this](const Error &error) { presentError(error); });
-    m_services.coreData.setCommitEditing([this] { return !m_window || m_window->commitEditing(); });
+    m_services.coreData.setCommitEditing([this] { return commitEditing(); });
     qApp->installEventFilter(this);
 }
 
@@ -61,9 +63,13 @@ void AppDelegate::applicationDidFinishLaunching(const std::function<void()> &pre
         prepareStore();
     m_services.defaults.registerDefaults();
 
+    m_auxiliaryWindows = std::make_unique<AuxiliaryWindows>(m_services, m_windowStateFile,
+                                                            [this] { terminate(); });
     m_window = std::make_unique<MainWindow>(m_services.coreData, m_services.journal,
                                             m_services.notifications, m_windowStateFile,
                                             [this] { terminate(); });
+    connect(m_window.get(), &MainWindow::tagBrowserRequested, m_auxiliaryWindows.get(),
+            &AuxiliaryWindows::showTags);
     m_window->show();
     checkBackupFolder();
 }
@@ -110,8 +116,9 @@ void AppDelegate::backUp()
     const auto drawWindow = [&] {
         if (!told && waited.hasExpired(timeWithoutProgress)) {
             told = true;
-            m_window->statusLine().showProgress(
-                tr("Writing the backup before quitting …", "Says what is going on"));
+            m_window->statusLine().showProgress(tr("Writing the backup before quitting …",
+                                                   "Says what is going on"),
+                                                false);
         }
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     };
@@ -119,6 +126,20 @@ void AppDelegate::backUp()
     Backup(m_services.coreData.viewContext(), m_services.defaults, programName)
         .backUp(counterpartsViewController()->counterparts(), drawWindow);
     m_window->statusLine().endProgress();
+}
+
+bool AppDelegate::commitEditing()
+{
+    const bool auxiliariesCommitted = !m_auxiliaryWindows || m_auxiliaryWindows->commitEditing();
+    return (!m_window || m_window->commitEditing()) && auxiliariesCommitted;
+}
+
+void AppDelegate::endEditing()
+{
+    if (m_auxiliaryWindows)
+        m_auxiliaryWindows->endEditing();
+    if (m_window)
+        m_window->endEditing();
 }
 
 void AppDelegate::terminate()
@@ -136,6 +157,7 @@ bool AppDelegate::applicationShouldTerminate()
     const QScopedValueRollback terminating(m_terminating, true);
     m_window->stopImport();
     backUp();
+    endEditing();
     if (!m_services.coreData.commitEditing()) {
         qCWarning(applicationLog, "AppDelegate unable to commit editing to terminate");
         return false;
@@ -204,6 +226,7 @@ bool AppDelegate::prepareForLogout(bool mayAsk)
         m_window->stopImport();
         backUp();
     }
+    endEditing();
     m_services.coreData.commitEditing();
     if (const auto saved = m_services.coreData.saveChanges(); !saved)
         qCWarning(applicationLog, "Could not save at log-out: %s",
@@ -245,6 +268,18 @@ MainWindow *AppDelegate::window() const
 CounterpartsPaneViewController *AppDelegate::counterpartsViewController() const
 {
     return m_window ? m_window->viewCoordinator().masterViewController.data() : nullptr;
+}
+
+TagWindowController &AppDelegate::tagsWindowController()
+{
+    require(m_auxiliaryWindows != nullptr, "windows are asked for after the launch");
+    return m_auxiliaryWindows->tagsWindowController();
+}
+
+WindowManager &AppDelegate::windowManager()
+{
+    require(m_auxiliaryWindows != nullptr, "windows are asked for after the launch");
+    return m_auxiliaryWindows->windowManager();
 }
 
 QMenu *AppDelegate::debugMenu() const

@@ -12,13 +12,16 @@ class QSessionManager;
 
 namespace tembra {
 
+class AuxiliaryWindows;
 class BackupFolderCheck;
 class CounterpartsPaneViewController;
 class DataFolder;
 class MainWindow;
 class PersistentContainer;
 class ProgramServices;
+class TagWindowController;
 class ViewCoordinator;
+class WindowManager;
 
 /// Starts and ends the program: prepares the store and the settings, owns the main window, and at
 /// the end saves or asks the user.
@@ -53,6 +56,9 @@ public:
 
     MainWindow *window() const;
     CounterpartsPaneViewController *counterpartsViewController() const;
+    /// The tag browser; made when first asked for.
+    TagWindowController &tagsWindowController();
+    WindowManager &windowManager();
     QMenu *debugMenu() const;
     ViewCoordinator *viewCoordinator() const;
     PersistentContainer &persistentContainer() const;
@@ -65,6 +71,8 @@ public:
 
 private:
     void backUp();
+    bool commitEditing();
+    void endEditing();
     void checkBackupFolder();
     void showBackupFolderAlert();
     bool presentError(const Error &error);
@@ -73,6 +81,7 @@ private:
 
     ProgramServices &m_services;
     std::function<bool(const Error &)> m_presentError;
+    std::unique_ptr<AuxiliaryWindows> m_auxiliaryWindows;
     std::unique_ptr<MainWindow> m_window;
     QString m_windowStateFile;
     std::unique_ptr<BackupFolderCheck> m_backupFolderCheck;

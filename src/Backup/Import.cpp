@@ -126,12 +126,14 @@ void Import::finish(const std::function<void(const Error &)> &whenFailed,
 {
     const std::unique_ptr<JournalWork> work = takeWork();
     const Result<void> outcome = work->outcome();
+    m_telling = true;
     if (outcome)
         whenDone();
     else if (work->isCancelled())
         Q_EMIT cancelled();
     else
         whenFailed(outcome.error());
+    m_telling = false;
     Q_EMIT settled();
 }
 

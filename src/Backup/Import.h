@@ -40,7 +40,8 @@ public:
     /// Asks, then removes exactly what an import brought in.
     void undo(const ImportOutcome &outcome);
 
-    bool isRunning() const { return m_work != nullptr; }
+    /// Also while an alert tells how it ended, until settled().
+    bool isRunning() const { return m_work || m_telling; }
     /// Nothing will have been changed.
     void cancel();
     /// The same, and waits until it is so.
@@ -75,6 +76,7 @@ private:
     CoreDataInterface &m_coreData;
     QWidget *m_window;
     std::unique_ptr<JournalWork> m_work;
+    bool m_telling = false;
 };
 
 } // namespace tembra

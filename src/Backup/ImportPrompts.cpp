@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QLocale>
 #include <QPointer>
+#include <QScopedValueRollback>
 
 namespace tembra {
 
@@ -41,10 +42,14 @@ void ImportPrompts::askForNext()
         ask(path, **file);
         return;
     }
-    if (!file)
-        m_import.showImportAlert(u"Could not load file: "_s + file.error().description());
-    else
-        m_import.importPackage(path); // Which says what is missing.
+    {
+        // An alert about this one comes before the next question.
+        const QScopedValueRollback asking(m_asking, true);
+        if (!file)
+            m_import.showImportAlert(u"Could not load file: "_s + file.error().description());
+        else
+            m_import.importPackage(path); // Which says what is missing.
+    }
     askForNext();
 }
 
@@ -65,9 +70,9 @@ void ImportPrompts::ask(const QString &packagePath, const PackageFileInfo &file)
 
 void ImportPrompts::answered(const QString &packagePath, bool imports)
 {
-    m_asking = false;
     if (imports)
         m_import.importPackage(packagePath);
+    m_asking = false;
     askForNext();
 }
 

@@ -9,6 +9,7 @@
 #include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QToolButton>
@@ -55,6 +56,7 @@ void CounterpartsPaneViewController::buildLayout()
     layout->setSpacing(0);
     layout->addWidget(buildHeader());
     layout->addWidget(m_stack, 1);
+    layout->addWidget(buildFooter());
 }
 
 QWidget *CounterpartsPaneViewController::buildHeader()
@@ -70,6 +72,24 @@ QWidget *CounterpartsPaneViewController::buildHeader()
     layout->addWidget(title, 1);
     layout->addWidget(buildSegments());
     return header;
+}
+
+/// What there is beside the list, about the whole team.
+QWidget *CounterpartsPaneViewController::buildFooter()
+{
+    auto *tags = new QPushButton(tr("Tags", "Button: opens the window of all tags"));
+    tags->setObjectName(u"tagsButton"_s);
+    tags->setToolTip(tr("Show all tags and the meetings that carry them"));
+    tags->setFocusPolicy(Qt::TabFocus);
+    connect(tags, &QPushButton::clicked, this, &CounterpartsPaneViewController::handleTagsButton);
+    auto *footer = new QWidget;
+    auto *layout = new QHBoxLayout(footer);
+    layout->setContentsMargins(theme::margin, theme::relatedSpacing, theme::margin,
+                               theme::relatedSpacing);
+    layout->setSpacing(theme::relatedSpacing);
+    layout->addWidget(tags);
+    layout->addStretch();
+    return footer;
 }
 
 QWidget *CounterpartsPaneViewController::buildSegments()

@@ -75,6 +75,11 @@ void CounterpartsPaneViewController::handleCreateBackup()
     Q_EMIT backupRequested(teammates);
 }
 
+void CounterpartsPaneViewController::handleTagsButton()
+{
+    Q_EMIT tagBrowserRequested();
+}
+
 void CounterpartsPaneViewController::handleImportBackup()
 {
     Q_EMIT importRequested();

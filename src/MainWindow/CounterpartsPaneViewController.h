@@ -58,16 +58,19 @@ public Q_SLOTS:
     /// A backup of all teammates, in the order of the list.
     void handleCreateBackup();
     void handleImportBackup();
+    void handleTagsButton();
 
 Q_SIGNALS:
     void selectionChanged();
     void backupRequested(const QList<tembra::ObjectID> &teammates);
     void importRequested();
+    void tagBrowserRequested();
 
 private:
     void buildLayout();
     QWidget *buildHeader();
     QWidget *buildSegments();
+    QWidget *buildFooter();
     void buildList();
     void buildEmptyState();
     void createActions();

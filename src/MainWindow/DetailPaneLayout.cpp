@@ -4,8 +4,10 @@
 #include "MainWindow/SessionDetailViewController.h"
 #include "MainWindow/SessionTimelineModel.h"
 #include "MainWindow/SummaryCollectionView.h"
+#include "Model/CoreDataInterface.h"
 #include "Model/JournalServices.h"
 #include "Model/NotificationCenter.h"
+#include "Tags/TagField.h"
 #include "Toolkit/EmojiLabel.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
@@ -51,6 +53,7 @@ DetailPaneViewController::DetailPaneViewController(ViewCoordinator &viewCoordina
     , m_viewCoordinator(viewCoordinator)
     , addButton(new QPushButton)
     , detailContainerView(new QWidget)
+    , tagFilterField(new TagField(coreData.viewContext(), services.clock))
     , daysSinceLastMeetingLabel(new EmojiLabel)
     , searchField(new QLineEdit)
     , summaryCollectionView(new SummaryCollectionView(services.dates))
@@ -93,11 +96,13 @@ void DetailPaneViewController::connectSignals()
     connect(summaryCollectionView, &SummaryCollectionView::editRequested, this,
             [this] { sessionDetailViewController().focusNoteInput(); });
     connect(m_noTilesState, &EmptyState::triggered, this, [this] {
-        if (searchInput)
-            searchField->clear();
+        if (searchInput || !filterTags.isEmpty())
+            showAllTiles();
         else
             addSession();
     });
+    connect(tagFilterField, &TagField::tagsDidChange, this,
+            &DetailPaneViewController::filterTagsChanged);
     connect(this, &DetailPaneViewController::controlsEnabledChanged, this, [this] {
         sessionDetailViewController().setEnabled(m_controlsEnabled);
         m_deleteButton->setEnabled(m_controlsEnabled);
@@ -157,8 +162,13 @@ QWidget *DetailPaneViewController::buildHeader()
     auto *layout = new QVBoxLayout(header);
     layout->setContentsMargins(theme::wideMargin, theme::margin, theme::wideMargin, theme::margin);
     layout->setSpacing(theme::gridUnit);
+    buildTagFilterField();
+    auto *lower = new QHBoxLayout;
+    lower->setSpacing(theme::groupSpacing);
+    lower->addWidget(daysSinceLastMeetingLabel, 1);
+    lower->addWidget(tagFilterField);
     layout->addLayout(upper);
-    layout->addWidget(daysSinceLastMeetingLabel);
+    layout->addLayout(lower);
     return header;
 }
 
@@ -178,6 +188,17 @@ void DetailPaneViewController::buildSearchField()
     auto *escape = new QShortcut(Qt::Key_Escape, searchField);
     escape->setContext(Qt::WidgetShortcut);
     connect(escape, &QShortcut::activated, searchField, &QLineEdit::clear);
+}
+
+void DetailPaneViewController::buildTagFilterField()
+{
+    tagFilterField->setObjectName(u"tagFilterField"_s);
+    tagFilterField->setAccessibleName(tr("Filter by tags"));
+    tagFilterField->setPlaceholderText(tr("Filter by tags"));
+    tagFilterField->setWraps(false);
+    tagFilterField->setFixedWidth(searchFieldWidth);
+    tagFilterField->setShowTag(
+        [this](const std::shared_ptr<Tag> &tag) { Q_EMIT tagBrowserRequested(tag); });
 }
 
 QWidget *DetailPaneViewController::buildStripRow()
@@ -222,27 +243,51 @@ void DetailPaneViewController::refreshLabels()
             + u": " + QString::number(days));
 }
 
-void DetailPaneViewController::showWhatThereIs()
+/// What the empty strip says, and what its button does.
+void DetailPaneViewController::describeNoTiles()
 {
-    const bool hasTiles = resultsController && resultsController->count() > 0;
-    const bool hasEditor = m_selectedSession != nullptr;
     if (searchInput) {
         QString quoted = searchInput->left(longestQuotedSearch);
         if (quoted.size() < searchInput->size())
             quoted += u'…';
         m_noTilesState->setTitle(tr("No meetings match “%1”").arg(quoted));
-        m_noTilesState->setSentence(tr("No note of a meeting with this teammate holds this text."));
+        m_noTilesState->setSentence(
+            filterTags.isEmpty()
+                ? tr("No note of a meeting with this teammate holds this text.")
+                : tr("No note of a meeting with this teammate and these tags holds this text."));
         m_noTilesState->setButtonTitle(tr("Clear Search"));
+    } else if (!filterTags.isEmpty()) {
+        m_noTilesState->setTitle(tr("No meetings with these tags"));
+        m_noTilesState->setSentence(
+            tr("No meeting with this teammate carries all the tags that you filter by."));
+        m_noTilesState->setButtonTitle(tr("Clear Filter"));
     } else {
         m_noTilesState->setTitle(tr("No meetings yet"));
         m_noTilesState->setSentence(tr("Add one to rate it and to take notes."));
         m_noTilesState->setButtonTitle(tr("Add Meeting"));
     }
+}
+
+/// Takes back what narrows the strip, the search first.
+void DetailPaneViewController::showAllTiles()
+{
+    if (searchInput)
+        searchField->clear();
+    else
+        tagFilterField->setObjectValue({});
+}
+
+void DetailPaneViewController::showWhatThereIs()
+{
+    const bool hasTiles = resultsController && resultsController->count() > 0;
+    const bool hasEditor = m_selectedSession != nullptr;
+    const bool isNarrowed = searchInput || !filterTags.isEmpty();
+    describeNoTiles();
     // Above an editor the empty place is no higher than the tiles were, so that nothing jumps.
     const int stripHeight = summaryCollectionView->height();
     m_noTilesState->setMinimumHeight(stripHeight);
     m_noTilesState->setMaximumHeight(hasEditor ? stripHeight : QWIDGETSIZE_MAX);
-    m_stripButtons->setVisible(hasTiles || hasEditor || searchInput);
+    m_stripButtons->setVisible(hasTiles || hasEditor || isNarrowed);
     m_hairline->setVisible(hasTiles || hasEditor);
     summaryCollectionView->setVisible(hasTiles);
     m_noTilesState->setVisible(!hasTiles);

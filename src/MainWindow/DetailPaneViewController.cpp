@@ -11,6 +11,7 @@
 #include "Model/CoreDataInterface.h"
 #include "Model/JournalServices.h"
 #include "Store/ManagedObjectContext.h"
+#include "Tags/TagField.h"
 #include "Toolkit/Alert.h"
 #include "Toolkit/ArrayController.h"
 #include "Toolkit/EmojiLabel.h"
@@ -41,11 +42,21 @@ bool DetailPaneViewController::commitEditing()
     return !m_sessionDetailViewController || m_sessionDetailViewController->commitEditing();
 }
 
+void DetailPaneViewController::endEditing()
+{
+    tagFilterField->endEditing();
+    if (m_sessionDetailViewController)
+        m_sessionDetailViewController->endEditing();
+}
+
 SessionDetailViewController &DetailPaneViewController::sessionDetailViewController()
 {
     if (!m_sessionDetailViewController) {
-        m_sessionDetailViewController = new SessionDetailViewController(m_services,
+        m_sessionDetailViewController = new SessionDetailViewController(m_coreData.viewContext(),
+                                                                        m_services,
                                                                         m_notifications);
+        connect(m_sessionDetailViewController, &SessionDetailViewController::tagBrowserRequested,
+                this, &DetailPaneViewController::tagBrowserRequested);
         m_sessionDetailViewController->setEnabled(m_controlsEnabled);
         detailContainerView->layout()->addWidget(m_sessionDetailViewController);
     }
@@ -128,7 +139,8 @@ void DetailPaneViewController::rebuildFetch()
     m_timeline->setResultsController(nullptr);
     resultsController.reset();
     if (m_selectedCounterpart) {
-        resultsController = m_selectedCounterpart->sessionsResultController({}, searchInput);
+        resultsController = m_selectedCounterpart->sessionsResultController(filterTags,
+                                                                            searchInput);
         if (const auto fetched = resultsController->performFetch(); !fetched)
             qCWarning(windowLog, "Failed to fetch entities: %s",
                       qUtf8Printable(fetched.error().description()));
@@ -180,7 +192,13 @@ void DetailPaneViewController::stripSelectionChanged(int row)
         setSelectedSession(fetchedSession(row));
 }
 
-// Searching
+// Filtering and searching
+
+void DetailPaneViewController::filterTagsChanged()
+{
+    filterTags = tagFilterField->tags();
+    rebuildFetch();
+}
 
 void DetailPaneViewController::searchTextChanged()
 {

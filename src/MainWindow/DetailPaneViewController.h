@@ -24,6 +24,8 @@ class PropertyObservation;
 class SessionDetailViewController;
 class SessionTimelineModel;
 class SummaryCollectionView;
+class Tag;
+class TagField;
 class ViewCoordinator;
 struct JournalServices;
 
@@ -61,6 +63,8 @@ public:
     /// Edits in progress in the pane's controls go into the records they belong to, without ending
     /// the edit, moving the caret or breaking a composition. False when one refuses.
     bool commitEditing();
+    /// The same, and the edits end; half a tag becomes one.
+    void endEditing();
     void focusSearchField();
 
 public Q_SLOTS:
@@ -76,14 +80,18 @@ Q_SIGNALS:
     void selectedCounterpartChanged();
     void selectedSessionChanged();
     void controlsEnabledChanged();
+    /// The user wants to see a tag among all the others; absent, just those.
+    void tagBrowserRequested(const std::shared_ptr<tembra::Tag> &tag);
 
 private:
     std::unique_ptr<PropertyObservation> nameObservation;
     ViewCoordinator &m_viewCoordinator;
     QPushButton *addButton;
     QWidget *detailContainerView;
+    TagField *tagFilterField;
     EmojiLabel *daysSinceLastMeetingLabel;
     QLineEdit *searchField;
+    QList<std::shared_ptr<Tag>> filterTags;
     std::shared_ptr<Session> m_selectedSession;
     bool m_controlsEnabled = false;
     SummaryCollectionView *summaryCollectionView;
@@ -96,10 +104,12 @@ private:
     QWidget *buildHeader();
     QWidget *buildStripRow();
     void buildSearchField();
+    void buildTagFilterField();
     void buildEmptyStates();
     void connectSignals();
     void viewDidLoad();
 
+    void filterTagsChanged();
     void searchTextChanged();
     void searchFieldDidStartSearching();
     void searchFieldDidEndSearching();
@@ -110,6 +120,8 @@ private:
     void refreshLabels();
     void selectAndShow();
     void showWhatThereIs();
+    void describeNoTiles();
+    void showAllTiles();
     void setControlsEnabled(bool enabled);
     std::shared_ptr<Session> fetchedSession(int row) const;
     /// The row of the selected meeting; −1 when it is not among the fetched ones.

@@ -110,6 +110,10 @@ void MainWindow::connectSignals()
             &BackupCommands::createBackup);
     connect(m_counterpartsPane, &CounterpartsPaneViewController::importRequested, m_backupCommands,
             &BackupCommands::importBackup);
+    connect(m_counterpartsPane, &CounterpartsPaneViewController::tagBrowserRequested, this,
+            [this] { Q_EMIT tagBrowserRequested({}); });
+    connect(m_detailPane, &DetailPaneViewController::tagBrowserRequested, this,
+            &MainWindow::tagBrowserRequested);
     connect(m_counterpartsPane, &CounterpartsPaneViewController::selectionChanged, this,
             &MainWindow::updateCommands);
     connect(m_detailPane, &DetailPaneViewController::selectedCounterpartChanged, this,
@@ -117,6 +121,12 @@ void MainWindow::connectSignals()
     connect(m_detailPane, &DetailPaneViewController::selectedSessionChanged, this,
             &MainWindow::updateCommands);
     updateCommands();
+}
+
+void MainWindow::endEditing()
+{
+    m_counterpartsPane->commitEditing();
+    m_detailPane->endEditing();
 }
 
 void MainWindow::openPackages(const QStringList &packagePaths)

@@ -7,6 +7,7 @@
 #include <QMainWindow>
 
 #include <functional>
+#include <memory>
 
 class QAction;
 class QMenu;
@@ -21,6 +22,7 @@ class DetailPaneViewController;
 class NotificationCenter;
 class SaveFailureBanner;
 class StatusLine;
+class Tag;
 struct JournalServices;
 
 /// The window of the journal: the teammates on the left, the meetings of one of them on the right,
@@ -55,10 +57,16 @@ public:
 
     /// Edits in progress go into the records they belong to, without ending. False when one refuses.
     bool commitEditing();
+    /// The same, and the edits end; half a tag becomes one.
+    void endEditing();
 
 public Q_SLOTS:
     /// Shows a record: its teammate, its meeting, its note field, as far as it has them.
     void reveal(const tembra::ObjectID &id);
+
+Q_SIGNALS:
+    /// The user wants to see a tag among all the others; absent, just those.
+    void tagBrowserRequested(const std::shared_ptr<tembra::Tag> &tag);
 
 protected:
     void closeEvent(QCloseEvent *event) override;

@@ -88,6 +88,10 @@ void MainWindow::createEditMenu()
 void MainWindow::createGoMenu()
 {
     QMenu &menu = *menuBar()->addMenu(tr("&Go", "Menu"));
+    addCommand(menu, tr("Ta&gs", "Go menu: shows the window of all tags"), u"tagsAction"_s,
+               QKeySequence(Qt::CTRL | Qt::Key_T),
+               [this] { m_counterpartsPane->handleTagsButton(); });
+    menu.addSeparator();
     QAction *next = addCommand(
         menu, tr("&Next Note Field", "Go menu"), u"nextNoteFieldAction"_s,
         QKeySequence(Qt::CTRL | Qt::Key_PageDown),

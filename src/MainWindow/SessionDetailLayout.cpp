@@ -9,6 +9,7 @@
 #include "Model/NotificationCenter.h"
 #include "Model/SentimentScale.h"
 #include "Preferences/InputControls/BindablePlaceholderTextField.h"
+#include "Tags/TagField.h"
 #include "Toolkit/EmojiComboBox.h"
 #include "Toolkit/EmojiLabel.h"
 #include "Toolkit/Icons.h"
@@ -61,7 +62,8 @@ QPushButton *makeStepButton(const QString &title, const QString &objectName, con
 
 } // namespace
 
-SessionDetailViewController::SessionDetailViewController(const JournalServices &services,
+SessionDetailViewController::SessionDetailViewController(ManagedObjectContext &context,
+                                                         const JournalServices &services,
                                                          NotificationCenter &notifications,
                                                          QWidget *parent)
     : QWidget(parent)
@@ -69,6 +71,7 @@ SessionDetailViewController::SessionDetailViewController(const JournalServices &
     , mePopup(new EmojiComboBox)
     , teammatePopup(new EmojiComboBox)
     , noteSelectorTable(new QListView)
+    , tagField(new TagField(context, services.clock))
     , notesArrayController(new NotesArrayController(this))
     , noteInputField(new BindablePlaceholderTextField)
     , lastNoteLabel(new EmojiLabel)
@@ -134,8 +137,10 @@ QWidget *SessionDetailViewController::buildRatings()
     addLabelled(grid, tr("&Me", "Label of the user's own mood"), mePopup);
     addLabelled(grid, tr("Meet&ing", "Label of the quality of a meeting"), meetingPopup);
     addLabelled(grid, tr("&Teammate", "Label of the teammate's mood"), teammatePopup);
-    grid->setColumnStretch(grid->columnCount(), 1);
     addLabelled(grid, tr("D&ate", "Label of a meeting's date"), m_dateField);
+    buildTagField();
+    addLabelled(grid, tr("Ta&gs", "Label of a meeting's tags"), tagField);
+    grid->setColumnStretch(grid->columnCount() - 1, 1);
     return row;
 }
 
@@ -147,7 +152,20 @@ void SessionDetailViewController::addLabelled(QGridLayout *grid, const QString &
     label->setBuddy(control);
     const int column = grid->count() == 0 ? 0 : grid->columnCount();
     grid->addWidget(label, 0, column);
-    grid->addWidget(control, 1, column, Qt::AlignLeading | Qt::AlignVCenter);
+    // Tags take what room there is, and grow downwards.
+    const bool grows = control == tagField;
+    grid->addWidget(control, 1, column, grows ? Qt::AlignTop : Qt::AlignLeading | Qt::AlignTop);
+}
+
+void SessionDetailViewController::buildTagField()
+{
+    tagField->setObjectName(u"tagField"_s);
+    tagField->setAccessibleName(tr("Tags"));
+    tagField->setPlaceholderText(tr("Add tags"));
+    tagField->setWraps(true);
+    tagField->setCreatesNewTags(true);
+    tagField->setShowTag(
+        [this](const std::shared_ptr<Tag> &tag) { Q_EMIT tagBrowserRequested(tag); });
 }
 
 void SessionDetailViewController::buildNoteSelector()

@@ -6,6 +6,7 @@
 #include "Model/Note.h"
 #include "Preferences/InputControls/BindablePlaceholderTextField.h"
 #include "Preferences/InputControls/CoachingMarkViewController.h"
+#include "Tags/TagField.h"
 #include "Toolkit/EmojiLabel.h"
 #include "Toolkit/Popover.h"
 #include "Toolkit/PropertyObservation.h"
@@ -28,7 +29,7 @@ void SessionDetailViewController::setSession(const std::shared_ptr<Session> &ses
 {
     if (session == m_session)
         return;
-    endEditing();
+    endNoteEditing();
     if (m_session)
         m_session->disconnect(this);
     m_session = session;
@@ -38,11 +39,18 @@ void SessionDetailViewController::setSession(const std::shared_ptr<Session> &ses
     for (RatingMenu *menu : std::as_const(m_ratingMenus))
         menu->setSession(m_session);
     m_dateField->setSession(m_session);
+    tagField->setSession(m_session);
     reloadNotes();
     Q_EMIT sessionChanged();
 }
 
 void SessionDetailViewController::endEditing()
+{
+    endNoteEditing();
+    tagField->endEditing();
+}
+
+void SessionDetailViewController::endNoteEditing()
 {
     // A word half composed belongs to the meeting it was typed into.
     if (noteInputField->hasFocus())
@@ -94,7 +102,7 @@ void SessionDetailViewController::showNoteAt(int row)
     m_shownRow = row;
     Note *note = m_sortedNotes.at(row).get();
     if (noteInputField->boundObject() != note) {
-        endEditing();
+        endNoteEditing();
         noteInputField->bind(BindablePlaceholderTextField::Binding::Text, note, "contentString",
                              {.nullPlaceholder = note->placeholderString()});
         m_lastNoteObservation = std::make_unique<PropertyObservation>(

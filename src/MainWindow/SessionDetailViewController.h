@@ -22,10 +22,14 @@ class NotificationCenter;
 class PropertyObservation;
 class RatingMenu;
 class SentimentScale;
+class ManagedObjectContext;
 class SessionDateField;
+class Tag;
+class TagField;
 struct JournalServices;
 
-/// The editor of one meeting: its three ratings, its date, and its note fields one at a time.
+/// The editor of one meeting: its three ratings, its date, its tags, and its note fields one at a
+/// time.
 ///
 /// Everything goes straight into the meeting. What is being edited when another meeting comes ends
 /// in the one it belongs to; the field that was shown stays the one that is shown.
@@ -38,8 +42,8 @@ class SessionDetailViewController final : public QWidget
         QList<std::shared_ptr<tembra::Note>> sortedNotes READ sortedNotes NOTIFY sortedNotesChanged)
 
 public:
-    SessionDetailViewController(const JournalServices &services, NotificationCenter &notifications,
-                                QWidget *parent = nullptr);
+    SessionDetailViewController(ManagedObjectContext &context, const JournalServices &services,
+                                NotificationCenter &notifications, QWidget *parent = nullptr);
     ~SessionDetailViewController() override;
 
     std::shared_ptr<Session> session() const { return m_session; }
@@ -53,7 +57,10 @@ public:
     void focusNoteInput();
     /// What is typed goes into the meeting, without ending the edit, moving the caret or breaking a
     /// composition. False when a control refuses.
+    /// A tag that is half typed stays so.
     bool commitEditing();
+    /// What is typed goes into the meeting, half a tag as well, and its editing ends.
+    void endEditing();
 
 public Q_SLOTS:
     void handlePreviousNoteButton();
@@ -63,12 +70,15 @@ public Q_SLOTS:
 Q_SIGNALS:
     void sessionChanged();
     void sortedNotesChanged();
+    /// The user wants to see a tag among all the others; absent, just those.
+    void tagBrowserRequested(const std::shared_ptr<tembra::Tag> &tag);
 
 private:
     EmojiComboBox *meetingPopup;
     EmojiComboBox *mePopup;
     EmojiComboBox *teammatePopup;
     QListView *noteSelectorTable;
+    TagField *tagField;
     NotesArrayController *notesArrayController;
     BindablePlaceholderTextField *noteInputField;
     EmojiLabel *lastNoteLabel;
@@ -79,6 +89,7 @@ private:
 
     void buildLayout();
     QWidget *buildRatings();
+    void buildTagField();
     void addLabelled(QGridLayout *grid, const QString &title, QWidget *control);
     QWidget *buildNoteArea();
     QWidget *buildNoteHeader();
@@ -88,7 +99,7 @@ private:
                        const QByteArray &property);
     void connectSignals(NotificationCenter &notifications);
 
-    void endEditing();
+    void endNoteEditing();
     void reloadNotes();
     void tableViewSelectionDidChange();
     void showNoteAt(int row);

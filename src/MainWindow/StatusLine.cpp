@@ -123,11 +123,12 @@ void StatusLine::showMessage(const QString &text, const QString &actionText,
     refresh();
 }
 
-void StatusLine::showProgress(const QString &text)
+void StatusLine::showProgress(const QString &text, bool canBeCancelled)
 {
     m_task->setText(text);
     m_progressBar->setAccessibleName(text);
     m_cancelButton->setEnabled(true);
+    m_cancelButton->setVisible(canBeCancelled);
     m_hasTask = true;
     setProgress({});
     refresh();

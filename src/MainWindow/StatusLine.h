@@ -32,8 +32,8 @@ public:
     /// button takes the message away and then calls @p action, which may say something new.
     void showMessage(const QString &text, const QString &actionText = {},
                      std::function<void()> action = {});
-    /// A new task begins, of which is not known how far it is, and which can be cancelled.
-    void showProgress(const QString &text);
+    /// A new task begins, of which is not known how far it is.
+    void showProgress(const QString &text, bool canBeCancelled = true);
     /// From 0 to 1; nullopt when it is not known. Without effect when no task goes on.
     void setProgress(std::optional<double> fraction);
     void endProgress();

@@ -54,8 +54,9 @@ void Session::awake()
 
 void Session::prepareForDeletion()
 {
-    if (m_onDeletion)
-        m_onDeletion();
+    // It may take itself away.
+    if (const auto callback = m_onDeletion)
+        callback();
 }
 
 std::shared_ptr<Counterpart> Session::counterpart() const

@@ -12,6 +12,8 @@ class QItemSelectionModel;
 
 namespace tembra {
 
+class PropertyObservation;
+
 /// A list of objects with an order and a selection, shown as a table whose columns are properties.
 ///
 /// `content` is the list as it was given; `arrangedObjects` is the same list in the order of the
@@ -103,13 +105,11 @@ Q_SIGNALS:
     /// Another set of objects is selected (moving rows alone does not change the selection).
     void selectionChanged();
 
-private Q_SLOTS:
-    void objectChanged();
-
 private:
     ObjectList unlisted(const ObjectList &objects) const;
     void observe(const Object &object);
     void stopObserving(const Object &object);
+    void objectChanged(const QObject *object, int column);
     void removeRanges(const QList<std::pair<int, int>> &ranges);
     void replaceSelection(const ObjectList &objects);
     void keepSelectionListed();
@@ -123,6 +123,7 @@ private:
     ObjectList m_content;
     ObjectList m_arranged;
     ObjectList m_selected;
+    QHash<const QObject *, QList<PropertyObservation *>> m_observations;
     mutable QHash<const QObject *, int> m_rows; ///< Filled on demand; empty after rows moved.
     QPointer<QItemSelectionModel> m_selectionModel;
     bool m_ignoreView = false;

@@ -1,8 +1,8 @@
 #include "Toolkit/ArrayController.h"
 
 #include "Foundation/Precondition.h"
+#include "Toolkit/PropertyObservation.h"
 
-#include <QMetaMethod>
 #include <QMetaProperty>
 
 // An ArrayController as a table: the columns are properties, and their signals are its changes.
@@ -78,34 +78,37 @@ void ArrayController::sort(int column, Qt::SortOrder order)
     rearrangeObjects();
 }
 
+// One observation for each row and column: a list that many objects tell their changes to directly
+// would have to search all of them for the one that speaks.
 void ArrayController::observe(const Object &object)
 {
-    static const QMetaMethod slot = staticMetaObject.method(
-        staticMetaObject.indexOfSlot("objectChanged()"));
-    for (const QByteArray &column : std::as_const(m_columns)) {
-        const QMetaProperty property = propertyOf(*object, column);
+    QList<PropertyObservation *> &observations = m_observations[object.get()];
+    for (int column = 0; column < m_columns.size(); ++column) {
+        const QMetaProperty property = propertyOf(*object, m_columns.at(column));
         require(property.isValid(), "Every column is a property of every listed object");
-        // Properties may share a signal; one connection per signal is enough.
-        if (property.hasNotifySignal())
-            connect(object.get(), property.notifySignal(), this, slot, Qt::UniqueConnection);
+        if (!property.hasNotifySignal())
+            continue;
+        observations.append(new PropertyObservation(
+            object.get(), m_columns.at(column),
+            [this, listed = object.get(), column] { objectChanged(listed, column); }, this));
     }
 }
 
 void ArrayController::stopObserving(const Object &object)
 {
-    disconnect(object.get(), nullptr, this, nullptr);
+    const QList<PropertyObservation *> observations = m_observations.take(object.get());
+    for (PropertyObservation *observation : observations) {
+        disconnect(object.get(), nullptr, observation, nullptr);
+        // It may be telling of the very change that takes the object off the list.
+        observation->deleteLater();
+    }
 }
 
-void ArrayController::objectChanged()
+void ArrayController::objectChanged(const QObject *object, int column)
 {
-    const int row = rowOf(sender());
-    if (row < 0)
-        return;
-    for (int column = 0; column < columnCount(); ++column) {
-        const QMetaProperty property = propertyOf(*sender(), m_columns.at(column));
-        if (property.notifySignalIndex() == senderSignalIndex())
-            Q_EMIT dataChanged(index(row, column), index(row, column));
-    }
+    const int row = rowOf(object);
+    if (row >= 0 && column < columnCount())
+        Q_EMIT dataChanged(index(row, column), index(row, column));
 }
 
 } // namespace tembra

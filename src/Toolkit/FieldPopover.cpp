@@ -5,8 +5,7 @@
 
 namespace tembra {
 
-FieldPopover::FieldPopover(QWidget *field)
-    : Popover(field->window(), Qt::Widget)
+FieldPopover::FieldPopover(QWidget *field) : Popover(field->window(), Qt::Widget)
 {
     setFocusPolicy(Qt::NoFocus);
     // It lies in the window, where its children may come and go before the field does.

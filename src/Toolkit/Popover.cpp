@@ -90,8 +90,7 @@ Popover::Popover(QWidget *parent)
 {
 }
 
-Popover::Popover(QWidget *parent, Qt::WindowFlags flags)
-    : QWidget(parent, flags)
+Popover::Popover(QWidget *parent, Qt::WindowFlags flags) : QWidget(parent, flags)
 {
     setObjectName(u"popover"_s);
     setAttribute(Qt::WA_TranslucentBackground, isWindow() && !needsMask());

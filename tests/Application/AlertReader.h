@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
-#include <QScopedValueRollback>
 #include <QTest>
 #include <QTimer>
 
@@ -50,13 +49,12 @@ public:
     QStringList informativeTexts;
 
 private:
-    /// False also where that is being waited for already: the timer goes on meanwhile.
-    bool waitUntilActive(Alert &alert)
+    /// A sheet counts as active as soon as its window is; on the screen, with its buttons in place, it
+    /// may be later.
+    static bool waitUntilActive(Alert &alert)
     {
-        if (m_waiting)
-            return false;
-        const QScopedValueRollback waiting(m_waiting, true);
-        return QTest::qWaitForWindowActive(&alert);
+        return QTest::qWaitForWindowExposed(&alert)
+               && QTest::qWaitFor([&] { return QApplication::activeWindow() == &alert; });
     }
 
     static QString textOf(const Alert &alert, const QString &name)
@@ -67,8 +65,8 @@ private:
 
     void look()
     {
-        const QPointer<Alert> alert = qobject_cast<Alert *>(QApplication::activeModalWidget());
-        if (!alert || alert == m_last || !waitUntilActive(*alert) || !alert)
+        auto *alert = qobject_cast<Alert *>(QApplication::activeModalWidget());
+        if (!alert || alert == m_last || !waitUntilActive(*alert))
             return;
         m_last = alert;
         messages.append(textOf(*alert, u"messageText"_s));
@@ -82,7 +80,6 @@ private:
     QList<Answer> m_answers;
     QTimer m_timer;
     QPointer<Alert> m_last;
-    bool m_waiting = false;
 };
 
 } // namespace tembra

@@ -12,6 +12,8 @@
 #include "Store/PersistentContainer.h"
 #include "support/FaultVfs.h"
 
+#include <QElapsedTimer>
+
 namespace tembra {
 
 /// The program from its services up, in this process, on a disk that can be told to fail.
@@ -19,6 +21,8 @@ class ProgramInProcess
 {
 public:
     static constexpr int goesOn = 99;
+    /// For an alert that is to come, in milliseconds.
+    static constexpr int longestWait = 10'000;
 
     explicit ProgramInProcess(const QString &directory)
         : m_folder(*DataFolder::forOptions({.dataDirectory = directory}))
@@ -39,17 +43,26 @@ public:
         window = delegate->window();
     }
 
-    /// Runs the program, does @p action and answers alerts. The exit status, or goesOn.
+    /// Runs the program, does @p action and answers alerts, until nothing more comes. The exit status,
+    /// or goesOn.
     int run(const std::function<void()> &action, const QList<AlertReader::Answer> &answers = {})
     {
         alerts = std::make_unique<AlertReader>(answers, nullptr);
         QTimer::singleShot(0, window, action);
-        QTimer calm;
-        QObject::connect(&calm, &QTimer::timeout, window, [] {
-            if (!QApplication::activeModalWidget())
+        QElapsedTimer running;
+        QElapsedTimer calm;
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, window, [&] {
+            const bool isAwaited = alerts->messages.size() < answers.size()
+                                   && !running.hasExpired(longestWait);
+            if (QApplication::activeModalWidget())
+                calm.start();
+            else if (calm.hasExpired(300) && !isAwaited)
                 QCoreApplication::exit(goesOn);
         });
-        calm.start(300);
+        running.start();
+        calm.start();
+        watch.start(50);
         return QCoreApplication::exec();
     }
 

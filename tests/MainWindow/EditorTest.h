@@ -58,7 +58,8 @@ protected:
     void show()
     {
         m_journal->settle();
-        m_editor = std::make_unique<SessionDetailViewController>(m_journal->services,
+        m_editor = std::make_unique<SessionDetailViewController>(m_journal->context(),
+                                                                 m_journal->services,
                                                                  m_journal->notifications);
         m_editor->resize(680, 460);
         m_editor->setSession(m_session);

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Preferences/InputControls/EmojiTextField.h"
+#include "Tags/BrowserRowDelegate.h"
+
+#include <QPointer>
+
+namespace tembra {
+
+class RowNameEditor;
+
+/// Draws a row of the tag list, and edits emoji and name of a tag in place.
+class TagRowDelegate final : public BrowserRowDelegate
+{
+    Q_OBJECT
+
+public:
+    explicit TagRowDelegate(EmojiTextField::CharacterPalette characterPalette,
+                            QObject *parent = nullptr);
+
+    /// Writes a name being typed into its tag, and lets the typing go on.
+    void commitOpenEditor();
+    /// Whether a name is being typed.
+    bool isRenaming() const;
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override;
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override;
+    void setModelData(QWidget *editor, QAbstractItemModel *model,
+                      const QModelIndex &index) const override;
+    void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const override;
+
+Q_SIGNALS:
+    /// No name is being typed any more.
+    void renamingEnded();
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+    QString cellText(const QModelIndex &index) const override;
+    bool isDimmed(const QModelIndex &index) const override;
+    Qt::Alignment cellAlignment(const QModelIndex &index) const override;
+    QString toolTipFor(const QModelIndex &index) const override;
+
+private:
+    QWidget *createNameEditor(QWidget *parent);
+    QWidget *createEmojiEditor(QWidget *parent);
+    void nameEditorGone(const QObject *editor);
+    void closeEmojiEditor(EmojiTextField *editor);
+    bool filterEmojiEditor(EmojiTextField *editor, QEvent *event);
+    bool filterNameEditor(RowNameEditor *editor, QEvent *event);
+
+    EmojiTextField::CharacterPalette m_characterPalette;
+    QPointer<RowNameEditor> m_nameEditor;
+};
+
+} // namespace tembra
