@@ -511,7 +511,7 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     </message>
 </context>
 <context>
-    <name>tembra::CounterpartNameEditor</name>
+    <name>tembra::CounterpartRowDelegate</name>
     <message>
         <source>Name</source>
         <comment>Accessible name of the field for a teammate&apos;s name</comment>

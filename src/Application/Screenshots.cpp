@@ -1,10 +1,14 @@
 #include "Application/Screenshots.h"
 
 #include "Application/AppDelegate.h"
+#include "Application/WindowManager.h"
 #include "Foundation/Logging.h"
 #include "MainWindow/CounterpartsPaneViewController.h"
+#include "MainWindow/DetailPaneViewController.h"
 #include "MainWindow/MainWindow.h"
+#include "MainWindow/SessionWindowController.h"
 #include "Preferences/InputControls/AutoEditArrayController.h"
+#include "Tags/TagWindowController.h"
 
 #include <QApplication>
 #include <QDir>
@@ -58,15 +62,34 @@ void Screenshots::take(AppDelegate &delegate)
         qCWarning(applicationLog, "Could not make the folder for the screenshots.");
         return;
     }
-    delegate.counterpartsViewController()->counterpartsArrayController().setSelectionIndex(0);
+    const QList<Picture> pictures = openWindows(delegate);
     const QPalette usual = QApplication::palette();
-    picture(*delegate.window(), u"main-window-light.png"_s);
+    for (const Picture &picture : pictures)
+        take(*picture.window, picture.name + u"-light.png"_s);
     QApplication::setPalette(darkPalette());
-    picture(*delegate.window(), u"main-window-dark.png"_s);
+    for (const Picture &picture : pictures)
+        take(*picture.window, picture.name + u"-dark.png"_s);
     QApplication::setPalette(usual);
 }
 
-void Screenshots::picture(QWidget &window, const QString &fileName)
+/// Each window the program has, showing as much as the journal has for it.
+QList<Screenshots::Picture> Screenshots::openWindows(AppDelegate &delegate)
+{
+    delegate.counterpartsViewController()->counterpartsArrayController().setSelectionIndex(0);
+    TagWindowController &tags = delegate.tagsWindowController();
+    tags.show();
+    if (tags.tagsArrayController->rowCount() > 0)
+        tags.tagsArrayController->setSelectionIndex(0);
+    QList<Picture> pictures{{delegate.window(), u"main-window"_s}, {&tags, u"tags-window"_s}};
+    const auto session = delegate.window()->detailPaneViewController().selectedSession();
+    if (session) {
+        delegate.windowManager().open(session);
+        pictures.append({&delegate.windowManager().windowController(session), u"meeting-window"_s});
+    }
+    return pictures;
+}
+
+void Screenshots::take(QWidget &window, const QString &fileName)
 {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QString>
 
@@ -22,8 +23,15 @@ public:
     bool failed() const { return m_failed; }
 
 private:
+    struct Picture
+    {
+        QWidget *window;
+        QString name;
+    };
+
     void take(AppDelegate &delegate);
-    void picture(QWidget &window, const QString &fileName);
+    static QList<Picture> openWindows(AppDelegate &delegate);
+    void take(QWidget &window, const QString &fileName);
 
     QString m_directory;
     bool m_failed = false;

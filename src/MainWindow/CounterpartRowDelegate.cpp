@@ -1,8 +1,8 @@
 #include "MainWindow/CounterpartRowDelegate.h"
 
-#include "MainWindow/CounterpartNameEditor.h"
 #include "MainWindow/CounterpartRowViewModel.h"
 #include "Model/Counterpart.h"
+#include "Preferences/InputControls/RowNameEditor.h"
 #include "Toolkit/ArrayController.h"
 #include "Toolkit/EmojiText.h"
 #include "Toolkit/Theme.h"
@@ -203,9 +203,12 @@ QSize CounterpartRowDelegate::sizeHint(const QStyleOptionViewItem &option,
 QWidget *CounterpartRowDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
                                               const QModelIndex &) const
 {
-    auto *editor = new CounterpartNameEditor(parent);
+    auto *editor = new RowNameEditor(parent);
+    editor->setObjectName(u"nameEditor"_s);
+    editor->setAccessibleName(tr("Name", "Accessible name of the field for a teammate's name"));
+    editor->setPlaceholderText(CounterpartRowViewModel::unnamedTitle());
     auto *self = const_cast<CounterpartRowDelegate *>(this);
-    connect(editor, &CounterpartNameEditor::commitRequested, self,
+    connect(editor, &RowNameEditor::commitRequested, self,
             [self, editor] { Q_EMIT self->commitData(editor); });
     m_openEditor = editor;
     return editor;
@@ -213,13 +216,13 @@ QWidget *CounterpartRowDelegate::createEditor(QWidget *parent, const QStyleOptio
 
 void CounterpartRowDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 {
-    static_cast<CounterpartNameEditor *>(editor)->setName(index.data(Qt::EditRole).toString());
+    static_cast<RowNameEditor *>(editor)->setName(index.data(Qt::EditRole).toString());
 }
 
 void CounterpartRowDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
                                           const QModelIndex &index) const
 {
-    auto *nameEditor = static_cast<CounterpartNameEditor *>(editor);
+    auto *nameEditor = static_cast<RowNameEditor *>(editor);
     if (!nameEditor->isUncommitted())
         return;
     nameEditor->setCommitted();
@@ -257,7 +260,7 @@ bool CounterpartRowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *vie
 
 bool CounterpartRowDelegate::eventFilter(QObject *object, QEvent *event)
 {
-    auto *editor = qobject_cast<CounterpartNameEditor *>(object);
+    auto *editor = qobject_cast<RowNameEditor *>(object);
     if (!editor || event->type() != QEvent::KeyPress)
         return QStyledItemDelegate::eventFilter(object, event);
     switch (static_cast<QKeyEvent *>(event)->key()) {

@@ -5,7 +5,7 @@
 
 namespace tembra {
 
-class CounterpartNameEditor;
+class RowNameEditor;
 struct CounterpartRowViewModel;
 
 /// Draws a row of the teammate list in two lines, the name with the tag emoji above the most recent
@@ -47,7 +47,7 @@ protected:
 private:
     void showPostponedEmojiIn(const QWidget *view) const;
 
-    mutable QPointer<CounterpartNameEditor> m_openEditor;
+    mutable QPointer<RowNameEditor> m_openEditor;
     mutable bool m_emojiPostponed = false;
     mutable bool m_emojiAskedFor = false; ///< The picture with the emoji is on its way.
 };

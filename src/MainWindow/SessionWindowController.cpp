@@ -16,6 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize smallestSize(640, 400);
+constexpr QSize usualSize(780, 560);
 
 } // namespace
 
@@ -38,6 +39,7 @@ void SessionWindowController::buildLayout()
     setObjectName(u"sessionWindow"_s);
     setWindowIcon(icons::application());
     setMinimumSize(smallestSize);
+    resize(usualSize);
     containerView->setObjectName(u"containerView"_s);
     auto *layout = new QVBoxLayout(containerView);
     layout->setContentsMargins({});

@@ -191,7 +191,9 @@ void tst_Start::picturesAreTaken()
     RunningProgram program(*m_account, {u"--sample"_s, u"--screenshots"_s, folder});
     QCOMPARE(program.waitForEnd(), 0);
     QCOMPARE(QDir(folder).entryList(QDir::Files),
-             (QStringList{u"main-window-dark.png"_s, u"main-window-light.png"_s}));
+             (QStringList{u"main-window-dark.png"_s, u"main-window-light.png"_s,
+                          u"meeting-window-dark.png"_s, u"meeting-window-light.png"_s,
+                          u"tags-window-dark.png"_s, u"tags-window-light.png"_s}));
     const QImage light(folder + u"/main-window-light.png"_s);
     const QImage dark(folder + u"/main-window-dark.png"_s);
     QVERIFY(light.width() >= 900 && light.height() >= 560);
