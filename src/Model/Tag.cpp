@@ -59,6 +59,13 @@ void Tag::awake()
     m_emojiObservation = connect(this, &Tag::emojiChanged, this, &Tag::updateTitleString);
 }
 
+QString Tag::titleString() const
+{
+    // It is made when the record is loaded, which this may be the first to ask for.
+    (void)value(nameProperty);
+    return m_titleString;
+}
+
 void Tag::updateTitleString()
 {
     m_titleString = name() + u' ' + emoji();

@@ -41,7 +41,7 @@ public:
     void addSession(const Session &session);
 
     /// Name, one blank, emoji; kept current with both.
-    QString titleString() const { return m_titleString; }
+    QString titleString() const;
 
     /// Writes the tag as it stands in a backup.
     void encode(JsonEncoder &encoder) const;

@@ -128,6 +128,8 @@ QString TagField::editingStringForRepresentedObject(const Object &object) const
 
 QList<TokenField::Object> TagField::shouldAddObjects(const QList<Proposal> &proposed, int /*index*/)
 {
+    if (m_session && m_session->isDeleted())
+        return {}; // What is half typed for a meeting that is gone becomes no tag.
     QList<Object> tokens;
     for (const Proposal &proposal : proposed) {
         std::shared_ptr<Tag> tag;

@@ -33,7 +33,7 @@ TagRowDelegate::TagRowDelegate(EmojiTextField::CharacterPalette characterPalette
 void TagRowDelegate::commitOpenEditor()
 {
     if (m_nameEditor)
-        m_nameEditor->commit();
+        static_cast<RowNameEditor *>(m_nameEditor.data())->commit();
 }
 
 bool TagRowDelegate::isRenaming() const

@@ -53,7 +53,7 @@ private:
     bool filterNameEditor(RowNameEditor *editor, QEvent *event);
 
     EmojiTextField::CharacterPalette m_characterPalette;
-    QPointer<RowNameEditor> m_nameEditor;
+    QPointer<QWidget> m_nameEditor; ///< A RowNameEditor until it ends.
 };
 
 } // namespace tembra

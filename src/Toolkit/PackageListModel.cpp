@@ -8,7 +8,7 @@ namespace tembra {
 namespace {
 
 // QFileSystemModel has no name for it.
-constexpr int dateColumn = 3;
+constexpr int modifiedColumn = 3;
 
 const QFileSystemModel &fileSystemOf(const QAbstractItemModel *source)
 {
@@ -86,7 +86,7 @@ bool PackageListModel::lessThan(const QModelIndex &left, const QModelIndex &righ
     // Folders stay at the top in either order.
     if (leftIsFile != rightIsFile)
         return (sortOrder() == Qt::AscendingOrder) == rightIsFile;
-    if (left.column() == dateColumn && files.lastModified(left) != files.lastModified(right))
+    if (left.column() == modifiedColumn && files.lastModified(left) != files.lastModified(right))
         return files.lastModified(left) < files.lastModified(right);
     return m_collator.compare(files.fileName(left), files.fileName(right)) < 0;
 }

@@ -111,7 +111,7 @@ private Q_SLOTS:
         const QString other = package(u"Other"_s, manySessions(1));
         m_import->importPackage(package(u"Mine"_s, manySessions(2000)));
         m_import->importPackage(other);
-        QTRY_VERIFY(!m_import->isRunning());
+        QTRY_VERIFY_WITH_TIMEOUT(!m_import->isRunning(), 60'000);
         QCOMPARE(imported.size(), 1);
         QCOMPARE(sessionCount(), 2000);
     }

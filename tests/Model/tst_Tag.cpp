@@ -48,12 +48,15 @@ void tst_Tag::titleIsThereAfterLoading()
     JournalFixture journal;
     ObjectID id;
     {
-        const auto tag = Tag::findOrCreate(journal.context(), u"launch"_s, u"🚀"_s);
-        id = tag->objectID();
+        const auto meeting = journal.addSession(journal.addCounterpart(u"Ana"_s), Date{5});
+        id = journal.addTag(meeting, u"launch"_s, u"🚀"_s)->objectID();
         journal.settle();
     }
     journal.reopen();
     QCOMPARE(journal.context().object<Tag>(id)->titleString(), u"launch 🚀"_s);
+    journal.reopen();
+    const auto meeting = journal.context().fetch<Session>({.entityName = Session::entityName()});
+    QCOMPARE(meeting->first()->tags().first()->titleString(), u"launch 🚀"_s);
 }
 
 void tst_Tag::factoryReusesByNameAndEmoji()
