@@ -185,7 +185,7 @@ private:
         [[maybe_unused]] const bool all = QTest::qWaitFor([this, expected] {
             return m_files->rowCount(m_files->index(m_folder->path())) == expected;
         });
-        QTest::qWait(50);
+        QTest::qWait(250);
         QStringList names;
         for (int row = 0; row < m_list->rowCount(root()); ++row)
             names.append(m_list->index(row, 0, root()).data().toString());
