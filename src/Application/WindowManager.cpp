@@ -5,8 +5,6 @@
 #include "Model/CoreDataInterface.h"
 #include "Model/Session.h"
 
-#include <QPointer>
-
 #include <algorithm>
 
 namespace tembra {
@@ -23,11 +21,7 @@ WindowManager::WindowManager(CoreDataInterface &coreData, const JournalServices 
 {
 }
 
-WindowManager::~WindowManager()
-{
-    for (const auto &window : m_windows)
-        window->session()->setOnDeletion({});
-}
+WindowManager::~WindowManager() = default;
 
 SessionWindowController &WindowManager::windowController(const std::shared_ptr<Session> &session)
 {
@@ -41,10 +35,8 @@ SessionWindowController &WindowManager::windowController(const std::shared_ptr<S
             [this, closed = window.get()] { release(closed); });
     connect(window.get(), &SessionWindowController::tagBrowserRequested, this,
             &WindowManager::tagBrowserRequested);
-    session->setOnDeletion([guard = QPointer(window.get())] {
-        if (guard)
-            guard->close();
-    });
+    // Once it is gone, so that nothing half typed is made for it any more.
+    connect(session.get(), &Session::deleted, window.get(), &QWidget::close);
     m_prepareWindow(*window);
     m_windows.push_back(std::move(window));
     return *m_windows.back();
@@ -65,7 +57,6 @@ void WindowManager::release(SessionWindowController *window)
                                          [](const auto &each) { return each.get(); });
     if (known == m_windows.end())
         return;
-    window->session()->setOnDeletion({});
     // It is still in the middle of closing.
     known->release()->deleteLater();
     m_windows.erase(known);

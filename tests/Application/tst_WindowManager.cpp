@@ -95,6 +95,8 @@ private Q_SLOTS:
         tell();
         QVERIFY(windows().sessionWindowControllers().isEmpty());
         QTRY_VERIFY(!window);
+        // What was half typed for it is a tag of nothing.
+        QVERIFY(allTags().isEmpty());
         undo();
         tell();
         takeRevived(m_ana);
