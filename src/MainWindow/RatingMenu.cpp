@@ -16,7 +16,7 @@ namespace tembra {
 namespace {
 
 constexpr int labelRole = Qt::UserRole;
-constexpr int rowHeight = 28;
+constexpr int emojiRowHeight = 28;
 constexpr int closedWidth = 72;
 
 /// Writes the word for a rating beside its emoji.
@@ -28,7 +28,7 @@ public:
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
         const QSize size = EmojiItemDelegate::sizeHint(option, index);
-        return {size.width() + theme::groupSpacing, std::max(size.height(), rowHeight)};
+        return {size.width() + theme::groupSpacing, std::max(size.height(), emojiRowHeight)};
     }
 
 protected:
