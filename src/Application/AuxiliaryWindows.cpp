@@ -63,8 +63,6 @@ TagWindowController &AuxiliaryWindows::tagsWindowController()
     prepare(*m_tags);
     m_tags->addTagCommandsTo(
         *m_tags->menuBar()->addMenu(TagWindowController::tr("&Tag", "Menu of the tag window")));
-    connect(&m_services.notifications, &NotificationCenter::didChangeEmoji, m_tags.get(),
-            qOverload<>(&QWidget::update));
     return *m_tags;
 }
 
