@@ -12,7 +12,10 @@
 #include "Store/ManagedObjectContext.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QLineEdit>
+
+#include <algorithm>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
@@ -105,6 +108,26 @@ public:
         paintAll(m_window);
     }
 
+    /// Until the rows that the deletion left behind are gone. The longest time, in milliseconds, in
+    /// which the user would have waited for an answer.
+    double longestPauseAfterwards()
+    {
+        double longest = 0;
+        const auto isLeft = [this] {
+            return !RawQuery(m_journal.raw(), "SELECT 1 FROM sqlite_schema WHERE name = 'leftover'",
+                             {})
+                        .keys()
+                        .empty();
+        };
+        QElapsedTimer turn;
+        for (bool left = isLeft(); left; left = isLeft()) {
+            turn.start();
+            QCoreApplication::processEvents();
+            longest = std::max(longest, double(turn.nsecsElapsed()) / 1e6);
+        }
+        return longest;
+    }
+
 private:
     BenchmarkJournal m_journal;
     MainWindow m_window;
@@ -166,6 +189,8 @@ void addFigures(const std::shared_ptr<WindowBench> &bench,
     figures::limitOnce(
         "delete a teammate of 10,000 meetings", [spare] { spare->deleteLargest(); },
         deleteTeammateLimit);
+    figures::report("longest pause while the last of it leaves", spare->longestPauseAfterwards(),
+                    paintLimit, "ms");
 }
 
 } // namespace

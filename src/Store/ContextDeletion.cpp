@@ -1,7 +1,9 @@
-// Deleting records with all that cascades from them, and bringing them back.
+// Deleting records with all that cascades from them.
 
+#include "Foundation/Logging.h"
 #include "Store/DeletionEffects.h"
 #include "Store/DeletionPlan.h"
+#include "Store/ForeignKeysOff.h"
 #include "Store/ManagedObjectContextPrivate.h"
 #include "Store/UndoHistory.h"
 #include "Store/UndoManager.h"
@@ -10,6 +12,14 @@
 #include <iterator>
 
 namespace tembra {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto leftoverRetryDelay = 500ms;
+
+} // namespace
 
 Result<void> ManagedObjectContext::Private::deleteRecords(std::vector<ObjectID> roots)
 {
@@ -28,10 +38,15 @@ Result<void> ManagedObjectContext::Private::deleteAfterHooks(std::vector<ObjectI
         const quint64 editsBefore = edits;
         if (Result<void> written = writeDrafts(); !written)
             return written;
-        const Result<DeletionPlan> plan = DeletionPlan::cascadingFrom(roots, schema, reader);
+        // A background context is one transaction: there nothing can be left for a later one.
+        const auto extent = setup.isBackground ? DeletionPlan::Extent::Everything
+                                               : DeletionPlan::Extent::MayLeaveRows;
+        const Result<DeletionPlan> plan = DeletionPlan::cascadingFrom(roots, schema, reader,
+                                                                      extent);
         if (!plan)
             return failure(plan.error());
-        runHooks(*plan);
+        if (const Result<void> run = runHooks(*plan); !run)
+            return run;
         if (edits == editsBefore)
             return runDeletion(*plan);
         // The hooks changed something: what there is to delete, and to read, may be different now.
@@ -39,23 +54,48 @@ Result<void> ManagedObjectContext::Private::deleteAfterHooks(std::vector<ObjectI
     }
 }
 
-void ManagedObjectContext::Private::runHooks(const DeletionPlan &plan)
+Result<ObjectList> ManagedObjectContext::Private::liveObjectsOf(const DeletionPlan &plan)
 {
-    QList<std::shared_ptr<ManagedObject>> live;
+    ObjectList live;
+    QList<std::shared_ptr<ManagedObject>> perhapsLeft;
     registry.forEach([&](ManagedObject &object) {
-        if (plan.contains(object.m_id) && !hooked.contains(object.m_id)) {
-            if (auto held = registry.find(object.m_id))
-                live.append(std::move(held));
-        }
+        const bool isTaken = plan.contains(object.m_id);
+        if (!isTaken && !(plan.left() && plan.left()->entity == object.m_id.entity))
+            return;
+        auto held = registry.find(object.m_id);
+        if (held && isTaken)
+            live.push_back(std::move(held));
+        else if (held)
+            perhapsLeft.append(std::move(held));
     });
+    if (const Result<void> loaded = loadTogether(perhapsLeft); !loaded)
+        return failure(loaded.error());
+    for (const auto &object : perhapsLeft) {
+        if (!object->m_values.empty() && plan.leaves(object->m_id.entity, object->m_values))
+            live.push_back(object);
+    }
+    return live;
+}
+
+Result<void> ManagedObjectContext::Private::runHooks(const DeletionPlan &plan)
+{
+    const Result<ObjectList> live = liveObjectsOf(plan);
+    if (!live)
+        return failure(live.error());
+    QList<std::shared_ptr<ManagedObject>> unhooked;
+    for (const auto &object : *live) {
+        if (!hooked.contains(object->m_id))
+            unhooked.append(object);
+    }
     // The values of a deleted object can still be read: so they are read now.
-    (void)loadTogether(live);
-    for (const auto &object : live) {
+    (void)loadTogether(unhooked);
+    for (const auto &object : unhooked) {
         if (object->m_deleted || hooked.contains(object->m_id))
             continue;
         hooked.insert(object->m_id);
         object->prepareForDeletion();
     }
+    return {};
 }
 
 Result<void> ManagedObjectContext::Private::runDeletion(const DeletionPlan &plan)
@@ -63,16 +103,48 @@ Result<void> ManagedObjectContext::Private::runDeletion(const DeletionPlan &plan
     const Result<DeletionEffects> effects = DeletionEffects::of(plan, schema, reader);
     if (!effects)
         return failure(effects.error());
+    const Result<ObjectList> live = liveObjectsOf(plan);
+    if (!live)
+        return failure(live.error());
+    // What is left refers to owners that are gone, for a moment.
+    std::optional<ForeignKeysOff> unchecked;
+    if (plan.left())
+        unchecked.emplace(connection);
     const Result<void> done = inTransaction([&](Transaction &transaction) -> Result<void> {
         for (int entity = schema.entityCount() - 1; entity >= 0; --entity) {
             if (Result<void> deleted = deleteRows(transaction, plan, entity); !deleted)
                 return deleted;
         }
-        return {};
+        if (!plan.left())
+            return {};
+        const std::vector<qint64> &owners = plan.keys(plan.left()->destination);
+        return checkForNewcomers(plan).and_then(
+            [&] { return leftovers.leave(transaction, *plan.left(), owners); });
     });
     if (done)
-        finishDeletion(plan, *effects);
+        finishDeletion(plan, *effects, *live);
     return done;
+}
+
+/// Another context may have added to what is deleted since that was looked up. The foreign keys,
+/// which find that otherwise, are off when rows are left.
+Result<void> ManagedObjectContext::Private::checkForNewcomers(const DeletionPlan &plan)
+{
+    for (int entity = 0; entity < schema.entityCount(); ++entity) {
+        for (const ToOneColumn &column : schema.table(entity).references) {
+            if (column.entity == plan.left()->entity && column.property == plan.left()->property)
+                continue;
+            bool found = false;
+            const Result<void> read = reader.referrers(column, plan.keys(entity),
+                                                       [&](qint64, qint64) { found = true; });
+            if (!read)
+                return read;
+            if (found)
+                return failure(storeError(StoreFault::Constraint, connection.file(),
+                                          QStringLiteral("it was added to meanwhile")));
+        }
+    }
+    return {};
 }
 
 Result<void> ManagedObjectContext::Private::deleteRows(Transaction &transaction,
@@ -95,18 +167,16 @@ Result<void> ManagedObjectContext::Private::deleteRows(Transaction &transaction,
 }
 
 void ManagedObjectContext::Private::finishDeletion(const DeletionPlan &plan,
-                                                   const DeletionEffects &effects)
+                                                   const DeletionEffects &effects,
+                                                   const ObjectList &gone)
 {
+    if (plan.left()) {
+        leftovers.add(*plan.left(), plan.keys(plan.left()->destination), effects.archive);
+        leftoverTimer.start(0);
+    }
     if (UndoHistory *history = recorder())
         history->recordDeleted(effects.archive);
     note([&](PendingChanges &changes) { changes.note(effects.changes); });
-    ObjectList gone;
-    registry.forEach([&](ManagedObject &object) {
-        if (plan.contains(object.m_id)) {
-            if (auto held = registry.find(object.m_id))
-                gone.push_back(std::move(held));
-        }
-    });
     for (const auto &object : gone)
         (void)becomeDeleted(object->m_id);
     Announcements announcements;
@@ -188,99 +258,33 @@ void ManagedObjectContext::Private::applyRelated(const RelatedChanges &related, 
     }
 }
 
-Result<void> ManagedObjectContext::Private::restoreRecords(const RecordArchive &archive)
+std::optional<HiddenRecords> ManagedObjectContext::Private::hiddenFrom(
+    const FetchRequest &request) const
 {
-    if (Result<void> written = writeDrafts(); !written)
-        return written;
-    RestorationEffects restoration;
-    const Result<void> done = inTransaction(
-        [&](Transaction &transaction) { return writeRestored(transaction, archive, restoration); });
-    if (!done)
-        return done;
-    note([&](PendingChanges &changes) { changes.note(restoration.changes); });
-    if (UndoHistory *history = recorder()) {
-        std::vector<ObjectID> ids;
-        for (const ObjectChange &change : restoration.changes.inserted)
-            ids.push_back(change.id);
-        history->recordInserted(std::move(ids));
-    }
-    Announcements announcements;
-    applyRelated(restoration.gains, true, announcements);
-    for (const auto &[id, change] : restoration.toOnes)
-        applyToOne(id, change, announcements);
-    didEdit();
-    announce(announcements);
-    return {};
+    const int entity = schema.model().entityIndex(request.entityName);
+    return entity < 0 ? std::nullopt : leftovers.hidden(entity);
 }
 
-Result<void> ManagedObjectContext::Private::writeRestored(Transaction &transaction,
-                                                          const RecordArchive &archive,
-                                                          RestorationEffects &restoration)
+/// A piece with each turn of the event loop, so that whoever types does not notice.
+void ManagedObjectContext::Private::deleteSomeLeftovers()
 {
-    Result<void> done;
-    QHash<ObjectID, bool> isThere; // What to-ones and links lead to.
-    const auto reaches = [&](ObjectID id) {
-        const auto known = isThere.constFind(id);
-        return known != isThere.cend() ? *known : *isThere.insert(id, exists(id));
-    };
-    archive.forEachRow([&](ObjectID id, RowReader::Row row) {
-        if (!schema.table(id.entity).toManys.empty())
-            isThere.insert(id, true);
-        for (const ToOneColumn &column : schema.table(id.entity).toOnes) {
-            Value &value = row[size_t(column.property)];
-            if (!isMissing(value) && !reaches({column.destination, std::get<qint64>(value)}))
-                value = Value();
-        }
-        done = writer.insertRow(transaction, id, row);
-        restoration.addRow(id, row, schema);
-        return done.has_value();
-    });
+    const Result<void> done = leftovers.deletePiece();
+    if (!done && !std::exchange(leftoversFail, true))
+        qCWarning(storeLog, "A deletion could not be finished yet; it is tried again: %s",
+                  qUtf8Printable(done.error().description()));
     if (done)
-        done = writeRestoredLinks(transaction, archive, restoration, reaches);
-    return done ? writeCleared(transaction, archive, restoration) : done;
+        leftoversFail = false;
+    if (!leftovers.isEmpty())
+        leftoverTimer.start(done ? 0ms : leftoverRetryDelay);
 }
 
-Result<void> ManagedObjectContext::Private::writeRestoredLinks(
-    Transaction &transaction, const RecordArchive &archive, RestorationEffects &restoration,
-    const std::function<bool(ObjectID)> &reaches)
+Result<void> ManagedObjectContext::Private::deleteLeftovers()
 {
-    for (const LinkKey &key : archive.links()) {
-        const ToManyLink &link = schema.table(key.entity).toMany(key.property);
-        const ObjectID owner{link.entity, key.owner};
-        const ObjectID other{link.destination, key.other};
-        if (!reaches(owner) || !reaches(other))
-            continue;
-        const Result<void> done = writer.addLink(transaction, link, key.owner, key.other);
-        if (!done)
+    while (!leftovers.isEmpty()) {
+        if (const Result<void> done = leftovers.deletePiece(); !done)
             return done;
-        restoration.gains[{owner, link.property}].push_back(key.other);
-        restoration.gains[{other, link.inverse}].push_back(key.owner);
     }
-    return {};
-}
-
-/// Points to-ones that the deletion cleared to their old records, unless they point elsewhere by now.
-Result<void> ManagedObjectContext::Private::writeCleared(Transaction &transaction,
-                                                         const RecordArchive &archive,
-                                                         RestorationEffects &restoration)
-{
-    for (const auto &cleared : archive.cleared()) {
-        Result<std::optional<RowReader::Row>> row = reader.row(cleared.id);
-        if (!row)
-            return failure(row.error());
-        if (!*row || !isMissing((**row)[size_t(cleared.property)]))
-            continue;
-        (**row)[size_t(cleared.property)] = Value(cleared.key);
-        const PropertyMask column = propertyBit(cleared.property);
-        if (const Result<bool> done = writer.updateRow(transaction, cleared.id, column, **row);
-            !done)
-            return failure(done.error());
-        restoration.toOnes.emplace_back(cleared.id, ToOneChange{cleared.property, 0, cleared.key});
-        const ToOneColumn &toOne = *schema.table(cleared.id.entity).toOne(cleared.property);
-        if (toOne.inverse >= 0)
-            restoration.gains[{{toOne.destination, cleared.key}, toOne.inverse}].push_back(
-                cleared.id.key);
-    }
+    leftoverTimer.stop();
     return {};
 }
 

@@ -25,12 +25,15 @@ ManagedObjectContext::Private::Private(ManagedObjectContext &context, Persistent
     , schema(owner.model())
     , reader(schema, connection)
     , writer(schema, connection)
+    , leftovers(schema, connection, reader)
     , notifySignals(schema)
 {
     if (setup.isBackground)
         sinceSave.setMostRecords(mostRecordsToldSingly);
     draftTimer.setSingleShot(true);
     QObject::connect(&draftTimer, &QTimer::timeout, &q, [this] { (void)writeDrafts(); });
+    leftoverTimer.setSingleShot(true);
+    QObject::connect(&leftoverTimer, &QTimer::timeout, &q, [this] { deleteSomeLeftovers(); });
 }
 
 ManagedObjectContext::Private::~Private()
@@ -65,7 +68,7 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::Private::object(ObjectID id
         return nullptr;
     if (auto live = registry.find(id))
         return live;
-    Result<std::optional<RowReader::Row>> row = reader.row(id);
+    Result<std::optional<RowReader::Row>> row = presentRow(id);
     if (!row) {
         qCWarning(storeLog, "A record could not be read: %s",
                   qUtf8Printable(row.error().description()));
@@ -78,15 +81,27 @@ bool ManagedObjectContext::Private::exists(ObjectID id)
 {
     if (registry.find(id))
         return true;
+    if (!leftovers.isEmpty(id.entity)) {
+        const auto row = presentRow(id);
+        return row && *row;
+    }
     const Result<bool> found = reader.exists(id);
     return found && *found;
+}
+
+Result<std::optional<RowReader::Row>> ManagedObjectContext::Private::presentRow(ObjectID id)
+{
+    Result<std::optional<RowReader::Row>> row = reader.row(id);
+    if (row && *row && leftovers.includes(id, **row))
+        row->reset();
+    return row;
 }
 
 bool ManagedObjectContext::Private::load(ManagedObject &object)
 {
     if (!object.m_values.empty())
         return true;
-    Result<std::optional<RowReader::Row>> row = reader.row(object.m_id);
+    Result<std::optional<RowReader::Row>> row = presentRow(object.m_id);
     if (!row) {
         qCWarning(storeLog, "A record could not be read: %s",
                   qUtf8Printable(row.error().description()));

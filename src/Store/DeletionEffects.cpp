@@ -38,6 +38,8 @@ Result<DeletionEffects> DeletionEffects::of(const DeletionPlan &plan, const Stor
         if (const Result<void> done = effects.addCleared(plan, schema, reader, entity); !done)
             return failure(done.error());
     }
+    if (plan.left())
+        effects.changes.wholesale |= entityBit(plan.left()->entity);
     effects.archive->finish();
     return effects;
 }

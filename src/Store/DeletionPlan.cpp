@@ -1,7 +1,6 @@
 #include "Store/DeletionPlan.h"
 
-#include "Store/RowReader.h"
-#include "Store/StoreSchema.h"
+#include "Store/LeftoverRows.h"
 
 #include <algorithm>
 
@@ -10,7 +9,8 @@ namespace tembra {
 DeletionPlan::DeletionPlan(int entityCount) : m_keys(size_t(entityCount)) {}
 
 Result<DeletionPlan> DeletionPlan::cascadingFrom(const std::vector<ObjectID> &roots,
-                                                 const StoreSchema &schema, RowReader &reader)
+                                                 const StoreSchema &schema, RowReader &reader,
+                                                 Extent extent)
 {
     DeletionPlan plan(schema.entityCount());
     for (const ObjectID id : roots)
@@ -23,6 +23,11 @@ Result<DeletionPlan> DeletionPlan::cascadingFrom(const std::vector<ObjectID> &ro
         for (const ToOneColumn &column : schema.table(entity).references) {
             if (column.rule != DeleteRule::Cascade)
                 continue;
+            if (extent == Extent::MayLeaveRows && keys.size() >= LeftoverRows::fewestOwners
+                && LeftoverRows::canBeLeft(schema, column)) {
+                plan.m_left = column;
+                continue;
+            }
             std::vector<qint64> &reached = plan.m_keys[size_t(column.entity)];
             const Result<void> done = reader.referrers(column, keys, [&](qint64 referrer, qint64) {
                 reached.push_back(referrer);
@@ -32,6 +37,14 @@ Result<DeletionPlan> DeletionPlan::cascadingFrom(const std::vector<ObjectID> &ro
         }
     }
     return plan;
+}
+
+bool DeletionPlan::leaves(int entity, const RowReader::Row &row) const
+{
+    if (!m_left || m_left->entity != entity)
+        return false;
+    const auto *owner = std::get_if<qint64>(&row[size_t(m_left->property)]);
+    return owner && contains({m_left->destination, *owner});
 }
 
 bool DeletionPlan::contains(ObjectID id) const

@@ -35,8 +35,10 @@ ManagedObjectContext::ManagedObjectContext(PersistentContainer &container, Conte
 
 ManagedObjectContext::~ManagedObjectContext()
 {
-    if (!d->setup.isBackground)
-        (void)d->writeDrafts();
+    if (d->setup.isBackground)
+        return;
+    (void)d->writeDrafts();
+    (void)d->deleteLeftovers(); // What is left now is deleted before the store is used again.
 }
 
 PersistentContainer &ManagedObjectContext::container() const
@@ -92,7 +94,8 @@ Result<std::vector<qint64>> ManagedObjectContext::fetchKeys(const FetchRequest &
 {
     // What cannot be written now is said in the log and tried again; the answer is what is there.
     (void)d->writeDrafts();
-    const auto prepared = prepareFetch(d->connection, compileFetch(d->schema.model(), request));
+    const auto prepared = prepareFetch(d->connection, compileFetch(d->schema.model(), request,
+                                                                   d->hiddenFrom(request)));
     if (!prepared)
         return failure(prepared.error());
     std::vector<qint64> keys;
@@ -108,7 +111,8 @@ Result<std::vector<qint64>> ManagedObjectContext::fetchKeys(const FetchRequest &
 Result<qint64> ManagedObjectContext::count(const FetchRequest &request)
 {
     (void)d->writeDrafts();
-    const auto prepared = prepareFetch(d->connection, compileCount(d->schema.model(), request));
+    const auto prepared = prepareFetch(d->connection, compileCount(d->schema.model(), request,
+                                                                   d->hiddenFrom(request)));
     if (!prepared)
         return failure(prepared.error());
     Statement &statement = **prepared;
@@ -166,6 +170,11 @@ bool ManagedObjectContext::hasChanges() const
 Result<void> ManagedObjectContext::writeDrafts()
 {
     return d->writeDrafts();
+}
+
+Result<void> ManagedObjectContext::finishDeletions()
+{
+    return d->deleteLeftovers();
 }
 
 Result<void> ManagedObjectContext::save()

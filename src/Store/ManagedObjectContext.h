@@ -59,11 +59,15 @@ public:
 
     /// Deletes records with all that cascades from them, hooks first: once for each record that has
     /// a live object; a hook may edit, insert and delete whatever it likes. Undo brings everything
-    /// back under the same keys, as new objects. Written at once, as a draft.
+    /// back under the same keys, as new objects. Written at once, as a draft; of a very large
+    /// deletion the last rows leave the store a little later, unseen (see finishDeletions()).
     /// Fails when the store cannot be read or written; then nothing was deleted by this call, but
     /// the hooks have run, and run again when it is tried again.
     Result<void> deleteObjects(const QList<std::shared_ptr<ManagedObject>> &objects);
     Result<void> deleteObject(const std::shared_ptr<ManagedObject> &object);
+    /// Deletes now what large deletions have left for later. Otherwise that happens by itself, in
+    /// pieces, within a second or two. On failure the rest stays unseen and is tried again.
+    Result<void> finishDeletions();
 
     /// The keys of the records that answer @p request, in its order. Writes drafts first.
     Result<std::vector<qint64>> fetchKeys(const FetchRequest &request);

@@ -4,6 +4,7 @@
 #include "Store/ContextSetup.h"
 #include "Store/DeletionEffects.h"
 #include "Store/KeyRanges.h"
+#include "Store/LeftoverRows.h"
 #include "Store/ManagedObjectContext.h"
 #include "Store/NotifySignals.h"
 #include "Store/ObjectRegistry.h"
@@ -29,7 +30,8 @@ using Announcements = std::vector<std::pair<std::shared_ptr<ManagedObject>, int>
 using ObjectList = std::vector<std::shared_ptr<ManagedObject>>;
 
 /// The working parts of a context. Its functions stand in ContextObjects.cpp (objects and
-/// reading), ContextEditing.cpp, ContextWriting.cpp, ContextDeletion.cpp and ContextMerge.cpp.
+/// reading), ContextEditing.cpp, ContextWriting.cpp, ContextDeletion.cpp, ContextRestoring.cpp and
+/// ContextMerge.cpp.
 ///
 /// Nothing here calls foreign code (signals, hooks) while a transaction is open or the parts below
 /// disagree with each other; after calling it, nothing is taken for granted.
@@ -49,6 +51,9 @@ struct ManagedObjectContext::Private
     void takeValues(ManagedObject &object, RowReader::Row values);
     void setPinned(ManagedObject &object, bool pinned);
     bool exists(ObjectID id);
+    /// Nothing when there is no such record, or none any more.
+    Result<std::optional<RowReader::Row>> presentRow(ObjectID id);
+    std::optional<HiddenRecords> hiddenFrom(const FetchRequest &request) const;
 
     // To-many relationships
     static std::vector<qint64> *knownRelated(const ManagedObject &object, int property);
@@ -108,10 +113,16 @@ struct ManagedObjectContext::Private
     // Deleting and bringing back
     Result<void> deleteRecords(std::vector<ObjectID> roots);
     Result<void> deleteAfterHooks(std::vector<ObjectID> roots);
-    void runHooks(const DeletionPlan &plan);
+    Result<void> runHooks(const DeletionPlan &plan);
     Result<void> runDeletion(const DeletionPlan &plan);
     Result<void> deleteRows(Transaction &transaction, const DeletionPlan &plan, int entity);
-    void finishDeletion(const DeletionPlan &plan, const DeletionEffects &effects);
+    /// The live objects of the records that a deletion takes, those that it leaves for later too.
+    Result<ObjectList> liveObjectsOf(const DeletionPlan &plan);
+    Result<void> checkForNewcomers(const DeletionPlan &plan);
+    void finishDeletion(const DeletionPlan &plan, const DeletionEffects &effects,
+                        const ObjectList &gone);
+    void deleteSomeLeftovers();
+    Result<void> deleteLeftovers();
     /// The live object of a record that is gone, if any, becomes deleted; the caller announces it.
     std::shared_ptr<ManagedObject> becomeDeleted(ObjectID id);
     static void announceDeleted(const ObjectList &gone);
@@ -144,6 +155,7 @@ struct ManagedObjectContext::Private
     const StoreSchema schema;
     RowReader reader;
     RowWriter writer;
+    LeftoverRows leftovers;
     NotifySignals notifySignals;
 
     ObjectRegistry registry;
@@ -157,6 +169,8 @@ struct ManagedObjectContext::Private
     bool hasChanges = false;
     bool turnEndScheduled = false;
 
+    QTimer leftoverTimer;
+    bool leftoversFail = false; ///< Said in the log already.
     QTimer draftTimer;
     bool draftsFail = false; ///< Said in the log already.
     /// Told while drafts failed, when queries did not see it yet: told once more when they do.

@@ -103,6 +103,8 @@ Result<std::unique_ptr<ManagedObjectContext>> PersistentContainer::newBackground
 {
     require(d->store && QThread::currentThread() == thread(),
             "background contexts are made on the container's thread");
+    // Another context would not know what this one hides.
+    (void)d->viewContext->finishDeletions();
     auto opened = Connection::open(d->store->connection->file(), Connection::Mode::ReadWrite,
                                    d->options.vfs);
     if (!opened)

@@ -1,6 +1,7 @@
 #include "Store/SchemaMigrator.h"
 
 #include "Store/Connection.h"
+#include "Store/ForeignKeysOff.h"
 #include "Store/ObjectModel.h"
 #include "Store/PrivateFile.h"
 #include "Store/StoreInspection.h"
@@ -11,7 +12,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <sqlite3.h>
 #include <unistd.h>
 
 namespace tembra {
@@ -25,22 +25,6 @@ Result<void> putInPlace(const QString &made, const QString &target)
         return failure(fileError(target, errno));
     return syncFolder(QFileInfo(target).path());
 }
-
-/// Tables are rebuilt and dropped by migrations; with foreign keys on, dropping one would delete
-/// what refers to its rows. They are checked once per migration instead.
-class ForeignKeysOff
-{
-public:
-    explicit ForeignKeysOff(Connection &connection) : m_handle(connection.handle())
-    {
-        sqlite3_db_config(m_handle, SQLITE_DBCONFIG_ENABLE_FKEY, 0, nullptr);
-    }
-    ~ForeignKeysOff() { sqlite3_db_config(m_handle, SQLITE_DBCONFIG_ENABLE_FKEY, 1, nullptr); }
-    Q_DISABLE_COPY_MOVE(ForeignKeysOff)
-
-private:
-    sqlite3 *m_handle;
-};
 
 Result<void> checkForeignKeys(Connection &connection)
 {
@@ -173,6 +157,8 @@ Result<void> setAsideCopy(Connection &connection, const ObjectModel &model, cons
 
 Result<void> migrate(Connection &connection, const ObjectModel &model, int fromVersion)
 {
+    // Tables are rebuilt and dropped by migrations; with foreign keys on, dropping one would delete
+    // what refers to its rows. They are checked once per migration instead.
     const ForeignKeysOff foreignKeysOff(connection);
     for (const SchemaMigration &migration : model.migrations) {
         if (migration.to <= fromVersion)

@@ -2,6 +2,7 @@
 
 #include "Foundation/Logging.h"
 #include "Store/CompanionFiles.h"
+#include "Store/LeftoverRows.h"
 #include "Store/ObjectModel.h"
 #include "Store/PrivateFile.h"
 #include "Store/SchemaMigrator.h"
@@ -87,8 +88,10 @@ Result<OpenFile> openInspected(const QString &file, const ObjectModel &model, in
     }
     std::shared_ptr<Connection> connection = std::move(*opened);
     connection->setCheckpointsOnClose(false);
-    auto ready = version == model.version() ? Result<void>()
-                                            : bringUpToDate(*connection, model, version, vfs);
+    auto ready = LeftoverRows::deleteAll(*connection).and_then([&] {
+        return version == model.version() ? Result<void>()
+                                          : bringUpToDate(*connection, model, version, vfs);
+    });
     auto meta = ready.and_then([&] { return StoreMeta::read(*connection); });
     if (!meta) {
         const bool isUnchanged = versionNow(*connection) == version;

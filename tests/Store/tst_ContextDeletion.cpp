@@ -362,6 +362,7 @@ void tst_ContextDeletion::deletesThousandsAtOnce()
     for (size_t i = 0; i < all.size(); i += 2)
         doomed.append(context().object(all[i]));
     QVERIFY(context().deleteObjects(doomed));
+    QVERIFY(context().finishDeletions());
     QCOMPARE(owner->itemIDs().size(), size_t(1000));
     QCOMPARE(items.size(), 1);
     QCOMPARE(m_store->storedCount("item"), 1000);

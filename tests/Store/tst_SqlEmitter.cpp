@@ -170,7 +170,7 @@ void tst_SqlEmitter::refusesWhatDoesNotFitTheModel()
     QFETCH(FetchRequest, request);
     QFETCH(QString, reason);
     for (const auto compile : {compileFetch, compileCount}) {
-        const auto statement = compile(queryModel(), request);
+        const auto statement = compile(queryModel(), request, std::nullopt);
         QVERIFY(!statement);
         QVERIFY2(statement.error().message.contains(reason), qPrintable(statement.error().message));
     }
