@@ -91,8 +91,12 @@ bool FoldedNeedle::isContainedIn(std::string_view utf8) const
         return true;
     if (m_folded.size() <= longestForAsciiSearch && isAscii(utf8))
         return m_isAscii && containsIgnoringAsciiCase(utf8, m_folded);
-    const std::string_view text = threadBuffer().fold(utf8);
-    return memmem(text.data(), text.size(), m_folded.data(), m_folded.size()) != nullptr;
+    return isContainedInFolded(threadBuffer().fold(utf8));
+}
+
+bool FoldedNeedle::isContainedInFolded(std::string_view folded) const
+{
+    return memmem(folded.data(), folded.size(), m_folded.data(), m_folded.size()) != nullptr;
 }
 
 } // namespace tembra

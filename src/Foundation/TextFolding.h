@@ -20,6 +20,8 @@ public:
     /// Whether the text, folded, contains the needle. An empty needle is in every text, and so is
     /// one of nothing but what is folded away. Callable from several threads.
     bool isContainedIn(std::string_view utf8) const;
+    /// The same for a text that foldForSearch() has folded.
+    bool isContainedInFolded(std::string_view folded) const;
 
 private:
     std::string m_folded;

@@ -79,10 +79,10 @@ Result<void> applyWriteAheadLog(Connection &connection)
     return connection.execute("PRAGMA synchronous=NORMAL");
 }
 
-Result<void> applySettings(Connection &connection, Connection::Mode mode)
+Result<void> applySettings(Connection &connection, SearchedTexts &texts, Connection::Mode mode)
 {
     applySafetySettings(connection.handle());
-    if (auto registered = SearchFunction::registerOn(connection.handle()); !registered)
+    if (auto registered = SearchFunction::registerOn(connection.handle(), &texts); !registered)
         return registered;
     return connection.execute(settingsOfEveryConnection).and_then([&] {
         return mode == Connection::Mode::ReadOnly ? applyReadOnly(connection)
@@ -112,7 +112,8 @@ Result<std::unique_ptr<Connection>> Connection::open(const QString &file, Mode m
     try {
         auto priv = std::make_unique<Private>(file, openDatabase(file, mode, vfs));
         std::unique_ptr<Connection> connection(new Connection(std::move(priv)));
-        if (auto applied = applySettings(*connection, mode); !applied) {
+        if (auto applied = applySettings(*connection, connection->d->searchedTexts, mode);
+            !applied) {
             connection->setCheckpointsOnClose(false);
             return failure(applied.error());
         }

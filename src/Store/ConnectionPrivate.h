@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Store/Connection.h"
+#include "Store/SearchedTexts.h"
 
 #include <QHash>
 
@@ -36,6 +37,7 @@ struct Connection::Private
     Error failed(int sqliteCode);
 
     QString file;
+    SearchedTexts searchedTexts; ///< The database tells them of changes until it is closed.
     SQLite::Database database;
     QHash<QByteArray, std::shared_ptr<Statement>> statements; ///< Closed before the database.
     StoreFault lastFault = StoreFault::None;

@@ -13,6 +13,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// More than an entity has.
+constexpr int mostProperties = 64;
+
+/// The key of the record that a column such as t1."title" belongs to.
+QByteArray keyBeside(const QByteArray &column)
+{
+    return QByteArray(column.first(column.indexOf('.')) + ".\"id\"");
+}
+
 Value toValue(const PredicateArgument &argument)
 {
     struct Conversion
@@ -196,7 +205,7 @@ Result<QByteArray> SqlEmitter::emitComparison(const Comparison &comparison, bool
         return failure(path.error());
     if (comparison.any)
         return emitAny(*path, comparison, drives);
-    return emitTest(column(m_scope, path->steps), comparison);
+    return emitTest(column(m_scope, path->steps), path->last(), comparison);
 }
 
 QByteArray SqlEmitter::emitAny(const KeyPath &path, const Comparison &comparison, bool drives)
@@ -221,7 +230,7 @@ QByteArray SqlEmitter::emitAny(const KeyPath &path, const Comparison &comparison
     }
     if (!rest.empty())
         tested = column(scope, rest);
-    const QByteArray test = emitTest(tested, comparison);
+    const QByteArray test = emitTest(tested, path.last(), comparison);
     if (drives)
         return QByteArray(owner + " IN (SELECT " + link + " FROM " + scope.tables + " WHERE " + test
                           + ')');
@@ -229,7 +238,8 @@ QByteArray SqlEmitter::emitAny(const KeyPath &path, const Comparison &comparison
                       + " AND " + test + ')');
 }
 
-QByteArray SqlEmitter::emitTest(const QByteArray &column, const Comparison &comparison)
+QByteArray SqlEmitter::emitTest(const QByteArray &column, const KeyPathStep &step,
+                                const Comparison &comparison)
 {
     const auto &argument = comparison.argument;
     if (!argument || isMissing(*argument)) {
@@ -240,7 +250,7 @@ QByteArray SqlEmitter::emitTest(const QByteArray &column, const Comparison &comp
     }
     switch (comparison.op) {
     case ComparisonOperator::Contains:
-        return emitSearch(column, std::get<QString>(*argument));
+        return emitSearch(column, step, std::get<QString>(*argument));
     case ComparisonOperator::Equal:
         return QByteArray(column + " = " + bound(*argument));
     case ComparisonOperator::NotEqual:
@@ -252,13 +262,15 @@ QByteArray SqlEmitter::emitTest(const QByteArray &column, const Comparison &comp
 
 /// What folds to nothing is part of every text. Anything else is not part of the empty text, and
 /// saying so lets an index of the texts that are not empty serve the search.
-QByteArray SqlEmitter::emitSearch(const QByteArray &column, const QString &needle)
+QByteArray SqlEmitter::emitSearch(const QByteArray &column, const KeyPathStep &step,
+                                  const QString &needle)
 {
     if (foldForSearch(needle.toStdString()).empty())
         return QByteArray(column + " IS NOT NULL");
-    m_bindings.push_back(needle);
+    m_bindings.insert(m_bindings.end(), 2, needle);
+    const int number = step.entity * mostProperties + step.property;
     return QByteArray(column + " IS NOT NULL AND " + column + " IS NOT '' AND "
-                      + SearchFunction::name + '(' + column + ", ?)");
+                      + SearchFunction::testOfRecord(column, number, keyBeside(column)));
 }
 
 /// The empty text is the one value that is written out, as it says nothing about anyone and an
