@@ -28,6 +28,7 @@ constexpr double paintLimit = 50;
 constexpr double deleteTeammateLimit = 500;
 constexpr double stuffLimit = 3000;
 constexpr double searchFactor = 1.5;
+constexpr double firstSearchLimit = 150;
 
 /// Until everything that was asked for is on the screen.
 void paintAll(QWidget &window)
@@ -184,16 +185,18 @@ void addFigures(const std::shared_ptr<WindowBench> &bench,
                 JournalQueries::sessions(bench->journal().largestTeammate(), {}, u"zebra"_s));
         },
         [scan] { (void)scan->keys(); }, searchFactor, 0);
-    figures::compare(
-        "the same with nothing remembered",
+    figures::limit(
+        "a first search that has to read everything",
         [bench] {
             // Another connection's commit makes the journal's forget.
-            sqlite3_exec(bench->journal().raw(), "UPDATE store_meta SET saves = saves", nullptr,
-                         nullptr, nullptr);
+            const int code = sqlite3_exec(bench->journal().raw(),
+                                          "UPDATE store_meta SET saves = saves + 1", nullptr,
+                                          nullptr, nullptr);
+            require(code == SQLITE_OK, "the journal can be written");
             (void)bench->journal().context().fetchKeys(
                 JournalQueries::sessions(bench->journal().largestTeammate(), {}, u"zebra"_s));
         },
-        [scan] { (void)scan->keys(); }, searchFactor, 0);
+        firstSearchLimit);
     figures::limitPrepared(
         "5,000 generated meetings", [bench] { bench->search(QString()); },
         [bench] { bench->stuffSessions(); }, stuffLimit);

@@ -76,7 +76,12 @@ FoldingBuffer &threadBuffer()
 
 std::string foldForSearch(std::string_view utf8)
 {
-    return std::string(threadBuffer().fold(utf8));
+    return std::string(foldInBuffer(utf8));
+}
+
+std::string_view foldInBuffer(std::string_view utf8)
+{
+    return threadBuffer().fold(utf8);
 }
 
 FoldedNeedle::FoldedNeedle(std::string_view utf8)
@@ -91,7 +96,7 @@ bool FoldedNeedle::isContainedIn(std::string_view utf8) const
         return true;
     if (m_folded.size() <= longestForAsciiSearch && isAscii(utf8))
         return m_isAscii && containsIgnoringAsciiCase(utf8, m_folded);
-    return isContainedInFolded(threadBuffer().fold(utf8));
+    return isContainedInFolded(foldInBuffer(utf8));
 }
 
 bool FoldedNeedle::isContainedInFolded(std::string_view folded) const

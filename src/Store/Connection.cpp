@@ -15,8 +15,10 @@ namespace tembra {
 
 namespace {
 
+// The cache holds the indexes of a large journal, which every key of a search goes through.
 constexpr char settingsOfEveryConnection[] = "PRAGMA cell_size_check=ON;"
                                              "PRAGMA mmap_size=0;"
+                                             "PRAGMA cache_size=-6144;"
                                              "PRAGMA cache_spill=OFF;"
                                              "PRAGMA temp_store=MEMORY;";
 

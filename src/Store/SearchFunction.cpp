@@ -69,7 +69,7 @@ void textContainsRemembering(sqlite3_context *context, int count, sqlite3_value 
     try {
         std::unique_ptr<FoldedNeedle> own;
         const FoldedNeedle &needle = needleOf(context, 1, arguments[1], own);
-        const std::string folded = foldForSearch(textOf(arguments[0]));
+        const std::string_view folded = foldInBuffer(textOf(arguments[0]));
         sqlite3_result_int(context, needle.isContainedInFolded(folded));
         texts->remember(sqlite3_value_int(arguments[2]), sqlite3_value_int64(arguments[3]), folded);
     } catch (const std::bad_alloc &) {
@@ -86,9 +86,9 @@ void knownTextContains(sqlite3_context *context, int, sqlite3_value **arguments)
         std::unique_ptr<FoldedNeedle> own;
         const FoldedNeedle &needle = needleOf(context, 2, arguments[2], own);
         if (own)
-            texts->noticeOtherConnections();
-        const std::string *folded = texts->find(sqlite3_value_int(arguments[0]),
-                                                sqlite3_value_int64(arguments[1]));
+            texts->beginSearch();
+        const auto folded = texts->find(sqlite3_value_int(arguments[0]),
+                                        sqlite3_value_int64(arguments[1]));
         if (folded)
             sqlite3_result_int(context, needle.isContainedInFolded(*folded));
     } catch (const std::bad_alloc &) {

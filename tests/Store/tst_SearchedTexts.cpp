@@ -10,6 +10,7 @@
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
+using namespace std::string_view_literals;
 
 /// What a connection remembers of the texts that were searched is what they are now.
 class tst_SearchedTexts : public QObject
@@ -115,18 +116,46 @@ private Q_SLOTS:
         }
     }
 
-    void holdsNoMoreThanItsCapacity()
+    void keepsWhatItHasOnceItIsFull()
     {
         SearchedTexts texts;
+        const auto connection = open(Connection::Mode::ReadWrite);
+        texts.follow(connection->handle());
         const std::string half(SearchedTexts::capacity / 2 - 1000, 'x');
+        texts.beginSearch();
         texts.remember(0, 1, half);
-        texts.remember(0, 2, half);
-        QVERIFY(texts.find(0, 1) && texts.find(0, 2));
-        (void)texts.find(0, 1); // The one used last stays.
+        texts.remember(0, 2, "short");
         texts.remember(0, 3, half);
-        QVERIFY(texts.find(0, 1) && !texts.find(0, 2) && texts.find(0, 3));
-        texts.remember(0, 4, std::string(SearchedTexts::capacity + 1, 'x'));
-        QVERIFY(!texts.find(0, 4) && texts.find(0, 3));
+        texts.remember(0, 4, half);
+        QCOMPARE(texts.find(0, 2).value(), "short"sv);
+        QVERIFY(texts.find(0, 1) == half && texts.find(0, 3) == half && !texts.find(0, 4));
+        texts.beginSearch();
+        QVERIFY(texts.find(0, 1) && texts.find(0, 2) && !texts.find(0, 4));
+        texts.beginSearch();
+        QVERIFY(texts.find(0, 1));
+    }
+    void makesRoomWhenOtherTextsAreSearched()
+    {
+        SearchedTexts texts;
+        const auto connection = open(Connection::Mode::ReadWrite);
+        texts.follow(connection->handle());
+        texts.beginSearch();
+        texts.remember(0, 1, std::string(SearchedTexts::capacity - 1000, 'x'));
+        texts.remember(0, 2, std::string(2000, 'x'));
+        texts.beginSearch();
+        QVERIFY(!texts.find(0, 5) && !texts.find(0, 6) && texts.find(0, 1));
+        texts.beginSearch();
+        QVERIFY(!texts.find(0, 1));
+        texts.remember(0, 5, "five");
+        QCOMPARE(texts.find(0, 5).value(), "five"sv);
+    }
+    void holdsNoTextThatIsLargerThanItself()
+    {
+        SearchedTexts texts;
+        texts.remember(0, 1, std::string(SearchedTexts::capacity, 'x'));
+        QVERIFY(!texts.find(0, 1));
+        texts.remember(0, 2, "");
+        QCOMPARE(texts.find(0, 2).value(), ""sv);
     }
 
 private:
