@@ -15,10 +15,8 @@ namespace tembra {
 
 namespace {
 
-// The cache holds the indexes of a large journal, which every key of a search goes through.
 constexpr char settingsOfEveryConnection[] = "PRAGMA cell_size_check=ON;"
                                              "PRAGMA mmap_size=0;"
-                                             "PRAGMA cache_size=-6144;"
                                              "PRAGMA cache_spill=OFF;"
                                              "PRAGMA temp_store=MEMORY;";
 
@@ -78,7 +76,8 @@ Result<void> applyWriteAheadLog(Connection &connection)
             QStringLiteral("The folder of the journal “%1” does not support a write-ahead log. "
                            "Keep the journal on a disk of this computer.")
                 .arg(connection.file()));
-    return connection.execute("PRAGMA synchronous=NORMAL");
+    // The cache holds the indexes of a large journal, which every key of a search goes through.
+    return connection.execute("PRAGMA synchronous=NORMAL; PRAGMA cache_size=-6144");
 }
 
 Result<void> applySettings(Connection &connection, SearchedTexts &texts, Connection::Mode mode)
