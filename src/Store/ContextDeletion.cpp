@@ -106,24 +106,29 @@ Result<void> ManagedObjectContext::Private::runDeletion(const DeletionPlan &plan
     const Result<ObjectList> live = liveObjectsOf(plan);
     if (!live)
         return failure(live.error());
+    const Result<void> done = writeDeletion(plan);
+    if (done)
+        finishDeletion(plan, *effects, *live);
+    return done;
+}
+
+Result<void> ManagedObjectContext::Private::writeDeletion(const DeletionPlan &plan)
+{
     // What is left refers to owners that are gone, for a moment.
     std::optional<ForeignKeysOff> unchecked;
     if (plan.left())
         unchecked.emplace(connection);
-    const Result<void> done = inTransaction([&](Transaction &transaction) -> Result<void> {
+    return inTransaction([&](Transaction &transaction) -> Result<void> {
         for (int entity = schema.entityCount() - 1; entity >= 0; --entity) {
             if (Result<void> deleted = deleteRows(transaction, plan, entity); !deleted)
                 return deleted;
         }
         if (!plan.left())
             return {};
-        const std::vector<qint64> &owners = plan.keys(plan.left()->destination);
-        return checkForNewcomers(plan).and_then(
-            [&] { return leftovers.leave(transaction, *plan.left(), owners); });
+        return checkForNewcomers(plan).and_then([&] {
+            return leftovers.leave(transaction, *plan.left(), plan.keys(plan.left()->destination));
+        });
     });
-    if (done)
-        finishDeletion(plan, *effects, *live);
-    return done;
 }
 
 /// Another context may have added to what is deleted since that was looked up. The foreign keys,

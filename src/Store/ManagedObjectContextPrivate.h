@@ -118,6 +118,7 @@ struct ManagedObjectContext::Private
     Result<void> deleteRows(Transaction &transaction, const DeletionPlan &plan, int entity);
     /// The live objects of the records that a deletion takes, those that it leaves for later too.
     Result<ObjectList> liveObjectsOf(const DeletionPlan &plan);
+    Result<void> writeDeletion(const DeletionPlan &plan);
     Result<void> checkForNewcomers(const DeletionPlan &plan);
     void finishDeletion(const DeletionPlan &plan, const DeletionEffects &effects,
                         const ObjectList &gone);

@@ -2,6 +2,7 @@
 
 #include "Foundation/Precondition.h"
 #include "Foundation/TextFolding.h"
+#include "Store/QueryDriver.h"
 #include "Store/SearchFunction.h"
 #include "Store/SqlText.h"
 
@@ -49,52 +50,6 @@ bool fits(const ObjectModel &model, const KeyPathStep &step, const PredicateArgu
         break;
     }
     return std::holds_alternative<Date>(argument);
-}
-
-/// True for a comparison that few records pass, as far as one can tell.
-bool narrows(const Comparison &comparison)
-{
-    const bool compares = comparison.op != ComparisonOperator::NotEqual
-                          && comparison.op != ComparisonOperator::Contains;
-    return compares && !comparison.any && comparison.argument && !isMissing(*comparison.argument);
-}
-
-bool isRecordEquality(const Comparison &comparison)
-{
-    return comparison.op == ComparisonOperator::Equal && comparison.argument
-           && std::holds_alternative<ObjectID>(*comparison.argument);
-}
-
-/// The condition through which the records are found; only an equality with a record leads anywhere.
-/// A plain one is quicker than one with ANY, which then merely tests what the plain one finds. Two
-/// with ANY together leave so few records that going through the first of them is quicker still.
-const PredicateNode *driverAmong(const std::vector<const PredicateNode *> &parts)
-{
-    const PredicateNode *plain = nullptr;
-    std::vector<const PredicateNode *> withAny;
-    for (const PredicateNode *part : parts) {
-        const auto *comparison = std::get_if<Comparison>(&part->content);
-        if (!comparison || !isRecordEquality(*comparison))
-            continue;
-        if (comparison->any)
-            withAny.push_back(part);
-        else if (!plain)
-            plain = part;
-    }
-    if (plain && withAny.size() < 2)
-        return plain;
-    return withAny.empty() ? nullptr : withAny.front();
-}
-
-bool leadsThroughAny(const PredicateNode *driver)
-{
-    return driver && std::get<Comparison>(driver->content).any;
-}
-
-bool isPlainRecordEquality(const PredicateNode &part)
-{
-    const auto *comparison = std::get_if<Comparison>(&part.content);
-    return comparison && !comparison->any && isRecordEquality(*comparison);
 }
 
 bool isEquality(ComparisonOperator op)

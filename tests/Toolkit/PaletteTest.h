@@ -44,6 +44,8 @@ protected:
     {
         m_choices.reset();
         m_palette.reset();
+        m_recent.reset(); // Writes its last changes, so before the folder goes.
+        m_folder.reset();
     }
 
     /// The last one: the first may stand among the recent ones.
