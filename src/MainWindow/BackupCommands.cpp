@@ -55,6 +55,12 @@ BackupCommands::BackupCommands(CoreDataInterface &coreData, const JournalService
     });
 }
 
+/// While all that is needed to hear of its end is still there.
+BackupCommands::~BackupCommands()
+{
+    stop();
+}
+
 void BackupCommands::addTo(QMenu &menu)
 {
     const auto add = [&](const QString &title, const QString &objectName) {

@@ -23,6 +23,7 @@ class BackupCommands final : public QObject
 public:
     BackupCommands(CoreDataInterface &coreData, const JournalServices &services,
                    StatusLine &statusLine, QWidget *window);
+    ~BackupCommands() override;
 
     void addTo(QMenu &menu);
     void createBackup(const QList<ObjectID> &teammates) { m_backup.createBackup(teammates); }
