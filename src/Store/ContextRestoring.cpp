@@ -4,7 +4,34 @@
 #include "Store/ManagedObjectContextPrivate.h"
 #include "Store/UndoHistory.h"
 
+#include <algorithm>
+
 namespace tembra {
+
+namespace {
+
+/// Those of the records that no other of them takes along when it is deleted.
+std::vector<ObjectID> topmost(const std::vector<ObjectChange> &restored, const StoreSchema &schema)
+{
+    QSet<ObjectID> owners;
+    for (const ObjectChange &change : restored) {
+        if (!schema.table(change.id.entity).references.empty())
+            owners.insert(change.id);
+    }
+    std::vector<ObjectID> found;
+    for (const ObjectChange &change : restored) {
+        const auto isTakenAlong = [&](const ToOneChange &toOne) {
+            const ToOneColumn &column = *schema.table(change.id.entity).toOne(toOne.property);
+            return column.rule == DeleteRule::Cascade
+                   && owners.contains({column.destination, toOne.newKey});
+        };
+        if (std::none_of(change.toOnes.begin(), change.toOnes.end(), isTakenAlong))
+            found.push_back(change.id);
+    }
+    return found;
+}
+
+} // namespace
 
 Result<void> ManagedObjectContext::Private::restoreRecords(const RecordArchive &archive)
 {
@@ -19,12 +46,8 @@ Result<void> ManagedObjectContext::Private::restoreRecords(const RecordArchive &
     if (!done)
         return done;
     note([&](PendingChanges &changes) { changes.note(restoration.changes); });
-    if (UndoHistory *history = recorder()) {
-        std::vector<ObjectID> ids;
-        for (const ObjectChange &change : restoration.changes.inserted)
-            ids.push_back(change.id);
-        history->recordInserted(std::move(ids));
-    }
+    if (UndoHistory *history = recorder())
+        history->recordInserted(topmost(restoration.changes.inserted, schema));
     Announcements announcements;
     applyRelated(restoration.gains, true, announcements);
     for (const auto &[id, change] : restoration.toOnes)

@@ -144,6 +144,7 @@ private Q_SLOTS:
         QCOMPARE(dumpStore(m_store->container->storeFile()), before);
         QCOMPARE(context().object<Part>(m_part->objectID())->content(), u"kept for undo"_s);
         m_store->undo().redo();
+        QCOMPARE(m_store->storedCount("part"), manyParts + 2 * Item::partCount);
         QCOMPARE(context().count(allParts).value(), qint64(2 * Item::partCount));
         m_store->undo().undo();
         QCOMPARE(dumpStore(m_store->container->storeFile()), before);
