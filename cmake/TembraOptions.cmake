@@ -17,7 +17,10 @@ endif()
 
 find_program(TEMBRA_CCACHE ccache)
 if(TEMBRA_CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${TEMBRA_CCACHE}")
+    # What it needs to know of precompiled headers.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${TEMBRA_CCACHE}")
+    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)

@@ -7,6 +7,7 @@ function(tembra_library name)
     add_library(${name} STATIC ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC "${CMAKE_SOURCE_DIR}/src")
     target_link_libraries(${name} PUBLIC ${ARG_LINK})
+    tembra_use_precompiled(${name} ${ARG_LINK})
 endfunction()
 
 # What every test sees of its surroundings: the same locale everywhere, and folders of its own, so
@@ -33,6 +34,9 @@ function(tembra_test name)
     add_executable(${name} ${name}.cpp ${ARG_SOURCES})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
     target_link_libraries(${name} PRIVATE ${ARG_LINK} Qt6::Test)
+    tembra_use_precompiled(${name} ${ARG_LINK})
+    # Nobody waits for a test's own code, but for its compilation.
+    target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O1>)
     string(REPLACE "tst_" "" title "${name}")
     if(ARG_GUI)
         add_test(NAME "${folder}/${title}"
