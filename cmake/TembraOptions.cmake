@@ -23,6 +23,13 @@ if(TEMBRA_CCACHE)
     add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()
 
+# The many test programs are linked in a quarter of the time.
+include(CheckLinkerFlag)
+check_linker_flag(CXX -fuse-ld=gold TEMBRA_HAS_GOLD)
+if(TEMBRA_HAS_GOLD)
+    add_link_options(-fuse-ld=gold)
+endif()
+
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
 # GCC 12 sees uninitialised values inside of std::variant and std::optional where there are none.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
