@@ -20,7 +20,7 @@ set(TEMBRA_TEST_ENVIRONMENT
     "XDG_STATE_HOME=${CMAKE_BINARY_DIR}/tests/home/state"
     "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:intercept_strndup=0"
     "LSAN_OPTIONS=suppressions=\"${CMAKE_SOURCE_DIR}/tests/support/lsan.supp\":print_suppressions=0"
-    "TSAN_OPTIONS=suppressions=\"${CMAKE_SOURCE_DIR}/tests/support/tsan.supp\":halt_on_error=1"
+    "TSAN_OPTIONS=suppressions=\"${CMAKE_SOURCE_DIR}/tests/support/tsan.supp\":halt_on_error=1:history_size=7"
     "UBSAN_OPTIONS=print_stacktrace=1")
 
 # A test program tests/<Folder>/tst_<Class>.cpp, registered with ctest under "<Folder>/<Class>".

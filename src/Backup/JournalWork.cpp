@@ -21,7 +21,8 @@ Result<std::unique_ptr<JournalWork>> JournalWork::start(PersistentContainer &con
 JournalWork::~JournalWork()
 {
     cancel();
-    m_thread.join();
+    if (m_thread.joinable())
+        m_thread.join();
 }
 
 void JournalWork::cancel()
@@ -40,6 +41,7 @@ void JournalWork::run(std::unique_ptr<ManagedObjectContext> context, const Work 
     QMetaObject::invokeMethod(
         this,
         [this, outcome = std::move(outcome)] {
+            m_thread.join(); // What it wrote is read from here on.
             m_outcome = outcome;
             Q_EMIT finished();
         },
