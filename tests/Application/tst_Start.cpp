@@ -7,6 +7,7 @@
 #include "RunningProgram.h"
 #include "Store/ManagedObjectContext.h"
 
+#include <QColor>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -45,6 +46,22 @@ void typeANote(const QString &name, const QString &text)
     RunningProgram::type(name);
     RunningProgram::press({u"Return"_s, u"ctrl+n"_s, u"ctrl+3"_s});
     RunningProgram::type(text);
+}
+
+} // namespace
+
+namespace {
+
+bool holdsYellow(const QImage &image, const QRect &place)
+{
+    for (int y = place.top(); y <= place.bottom(); ++y) {
+        for (int x = place.left(); x <= place.right(); ++x) {
+            const QColor color = image.pixelColor(x, y);
+            if (color.red() > 200 && color.green() > 150 && color.blue() < 100)
+                return true;
+        }
+    }
+    return false;
 }
 
 } // namespace
@@ -204,6 +221,8 @@ void tst_Start::picturesAreTaken()
     };
     QVERIFY2(brightness(light) > 180, qPrintable(QString::number(brightness(light))));
     QVERIFY2(brightness(dark) < 75, qPrintable(QString::number(brightness(dark))));
+    // Rows that are not selected are grey but for their emoji.
+    QVERIFY(holdsYellow(light, QRect(0, 110, 300, 280)));
     QCOMPARE(m_account->filesLeft(), QStringList());
 }
 
