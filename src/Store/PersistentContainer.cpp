@@ -103,8 +103,11 @@ Result<std::unique_ptr<ManagedObjectContext>> PersistentContainer::newBackground
 {
     require(d->store && QThread::currentThread() == thread(),
             "background contexts are made on the container's thread");
-    // Another context would not know what this one hides.
-    (void)d->viewContext->finishDeletions();
+    // Another context would not know what this one hides. What cannot be deleted now is no reason
+    // to refuse one: it is out of reach for whoever comes from a record that is still there.
+    if (const auto done = d->viewContext->finishDeletions(); !done)
+        qCWarning(storeLog, "A deletion could not be finished before a background context: %s",
+                  qUtf8Printable(done.error().description()));
     auto opened = Connection::open(d->store->connection->file(), Connection::Mode::ReadWrite,
                                    d->options.vfs);
     if (!opened)
