@@ -3,9 +3,9 @@
 #include "Foundation/Precondition.h"
 #include "JournalGenerator.h"
 #include "Model/JournalModel.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
-#include "Store/SearchFunction.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Query/SearchFunction.h"
 
 #include <QFile>
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "Foundation/CalendarArithmetic.h"
-#include "Foundation/Clock.h"
-#include "Foundation/DateFormatting.h"
+#include "Foundation/Time/CalendarArithmetic.h"
+#include "Foundation/Time/Clock.h"
+#include "Foundation/Time/DateFormatting.h"
 #include "Model/CoreDataInterface.h"
 #include "Model/DefaultsManager.h"
 #include "Model/DerivedTexts.h"
 #include "Model/JournalServices.h"
 #include "Model/NotificationCenter.h"
-#include "Store/ObjectID.h"
+#include "Store/Schema/ObjectID.h"
 
 #include <QTemporaryDir>
 

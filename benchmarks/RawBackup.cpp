@@ -1,7 +1,7 @@
 #include "RawBackup.h"
 
-#include "Foundation/JsonDecoder.h"
-#include "Foundation/JsonEncoder.h"
+#include "Foundation/Json/JsonDecoder.h"
+#include "Foundation/Json/JsonEncoder.h"
 #include "Foundation/Precondition.h"
 #include "Model/NoteField.h"
 #include "Model/RecordValues.h"

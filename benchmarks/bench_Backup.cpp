@@ -6,13 +6,13 @@
 #include "BenchmarkJournal.h"
 #include "Figures.h"
 #include "Foundation/Precondition.h"
-#include "MainWindow/DetailPaneViewController.h"
+#include "MainWindow/Detail/DetailPaneViewController.h"
 #include "MainWindow/MainWindow.h"
 #include "Model/JournalEncoding.h"
 #include "Model/JournalQueries.h"
 #include "RawBackup.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -8,7 +8,7 @@
 #include "Model/Note.h"
 #include "Model/Session.h"
 #include "RawQuery.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <QCoreApplication>
 

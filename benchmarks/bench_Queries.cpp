@@ -6,7 +6,7 @@
 #include "Model/Counterpart.h"
 #include "Model/JournalQueries.h"
 #include "RawQuery.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <QCoreApplication>
 

@@ -10,10 +10,10 @@
 #include "Figures.h"
 #include "Foundation/Precondition.h"
 #include "JournalGenerator.h"
-#include "MainWindow/DetailPaneViewController.h"
+#include "MainWindow/Detail/DetailPaneViewController.h"
 #include "MainWindow/MainWindow.h"
 #include "Model/JournalQueries.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

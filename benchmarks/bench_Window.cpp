@@ -3,13 +3,13 @@
 #include "BenchmarkJournal.h"
 #include "Figures.h"
 #include "Foundation/Precondition.h"
-#include "MainWindow/DetailPaneViewController.h"
+#include "MainWindow/Detail/DetailPaneViewController.h"
 #include "MainWindow/MainWindow.h"
 #include "Model/Counterpart.h"
 #include "Model/JournalQueries.h"
 #include "Model/Session.h"
 #include "RawQuery.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

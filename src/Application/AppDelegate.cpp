@@ -7,12 +7,12 @@
 #include "Backup/Backup.h"
 #include "Foundation/Logging.h"
 #include "Foundation/Precondition.h"
-#include "MainWindow/CounterpartsPaneViewController.h"
+#include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
 #include "MainWindow/MainWindow.h"
 #include "MainWindow/StatusLine.h"
 #include "MainWindow/ViewCoordinator.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 #include "Toolkit/Alert.h"
 
 #include <QApplication>

@@ -2,12 +2,12 @@
 
 #include "Application/ProgramServices.h"
 #include "MainWindow/JournalMenus.h"
-#include "MainWindow/SessionWindowController.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
+#include "MainWindow/Session/SessionWindowController.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Undo/UndoManager.h"
 #include "Tags/TagWindowController.h"
-#include "Toolkit/EmojiPalette.h"
+#include "Toolkit/Emoji/EmojiPalette.h"
 
 #include <QMenu>
 #include <QMenuBar>

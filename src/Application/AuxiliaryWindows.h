@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Application/WindowManager.h"
-#include "Toolkit/RecentEmoji.h"
+#include "Toolkit/Emoji/RecentEmoji.h"
 
 #include <QObject>
 #include <QString>

@@ -2,7 +2,7 @@
 
 #include "Application/DataFolder.h"
 #include "Model/JournalModel.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/PersistentContainer.h"
 
 namespace tembra {
 

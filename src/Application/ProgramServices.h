@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Foundation/CalendarArithmetic.h"
-#include "Foundation/Clock.h"
-#include "Foundation/DateFormatting.h"
-#include "Foundation/UserRegion.h"
+#include "Foundation/Time/CalendarArithmetic.h"
+#include "Foundation/Time/Clock.h"
+#include "Foundation/Time/DateFormatting.h"
+#include "Foundation/Time/UserRegion.h"
 #include "Model/CoreDataInterface.h"
 #include "Model/DefaultsManager.h"
 #include "Model/DerivedTexts.h"

@@ -3,10 +3,10 @@
 #include "Application/AppDelegate.h"
 #include "Application/WindowManager.h"
 #include "Foundation/Logging.h"
-#include "MainWindow/CounterpartsPaneViewController.h"
-#include "MainWindow/DetailPaneViewController.h"
+#include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
+#include "MainWindow/Detail/DetailPaneViewController.h"
 #include "MainWindow/MainWindow.h"
-#include "MainWindow/SessionWindowController.h"
+#include "MainWindow/Session/SessionWindowController.h"
 #include "Preferences/InputControls/AutoEditArrayController.h"
 #include "Tags/TagWindowController.h"
 

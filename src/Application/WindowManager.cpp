@@ -1,7 +1,7 @@
 #include "Application/WindowManager.h"
 
-#include "MainWindow/SessionDetailViewController.h"
-#include "MainWindow/SessionWindowController.h"
+#include "MainWindow/Session/SessionDetailViewController.h"
+#include "MainWindow/Session/SessionWindowController.h"
 #include "Model/CoreDataInterface.h"
 #include "Model/Session.h"
 

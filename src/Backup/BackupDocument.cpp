@@ -1,7 +1,7 @@
 #include "Backup/BackupDocument.h"
 
-#include "Foundation/PackageFile.h"
-#include "Foundation/PackageWriter.h"
+#include "Foundation/Files/PackageFile.h"
+#include "Foundation/Files/PackageWriter.h"
 
 namespace tembra {
 

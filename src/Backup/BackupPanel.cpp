@@ -3,13 +3,13 @@
 #include "Backup/Backup.h"
 #include "Backup/DetachedTask.h"
 #include "Backup/ImportTexts.h"
-#include "Foundation/Clock.h"
 #include "Foundation/Logging.h"
+#include "Foundation/Time/Clock.h"
 #include "Model/CoreDataInterface.h"
 #include "Model/JournalEncoding.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
-#include "Toolkit/PackageDialog.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Toolkit/Package/PackageDialog.h"
 
 #include <QStandardPaths>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Backup/JournalWork.h"
-#include "Store/ObjectID.h"
+#include "Store/Schema/ObjectID.h"
 
 #include <QList>
 

@@ -3,9 +3,9 @@
 #include "Backup/BackupDocument.h"
 #include "Backup/ImportTexts.h"
 #include "Model/CoreDataInterface.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "Toolkit/Alert.h"
-#include "Toolkit/PackageDialog.h"
+#include "Toolkit/Package/PackageDialog.h"
 
 #include <QPointer>
 #include <QStandardPaths>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Backup/JournalImport.h"
-#include "Store/KeyRanges.h"
+#include "Store/Rows/KeyRanges.h"
 
 #include <QObject>
 

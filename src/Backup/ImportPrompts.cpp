@@ -2,8 +2,8 @@
 
 #include "Backup/BackupDocument.h"
 #include "Backup/Import.h"
-#include "Foundation/DateFormatting.h"
-#include "Foundation/PackageFile.h"
+#include "Foundation/Files/PackageFile.h"
+#include "Foundation/Time/DateFormatting.h"
 #include "Toolkit/Alert.h"
 
 #include <QDateTime>

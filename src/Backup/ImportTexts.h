@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Backup/JournalImport.h"
-#include "Toolkit/PackageType.h"
+#include "Toolkit/Package/PackageType.h"
 
 #include <QString>
 

@@ -1,10 +1,10 @@
 #include "Backup/JournalImport.h"
 
-#include "Foundation/JsonDecoder.h"
+#include "Foundation/Json/JsonDecoder.h"
 #include "Model/Counterpart.h"
 #include "Model/RecordDecoding.h"
 #include "Model/RecordValues.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <algorithm>
 

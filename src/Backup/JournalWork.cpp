@@ -1,7 +1,7 @@
 #include "Backup/JournalWork.h"
 
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 namespace tembra {
 

@@ -2,7 +2,7 @@
 
 #include "Backup/BackupDocument.h"
 #include "Backup/ImportTexts.h"
-#include "Foundation/Clock.h"
+#include "Foundation/Time/Clock.h"
 #include "MainWindow/StatusLine.h"
 #include "Model/JournalServices.h"
 

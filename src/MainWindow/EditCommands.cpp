@@ -1,6 +1,6 @@
 #include "MainWindow/EditCommands.h"
 
-#include "Store/UndoManager.h"
+#include "Store/Undo/UndoManager.h"
 #include "Toolkit/Icons.h"
 
 #include <QAction>

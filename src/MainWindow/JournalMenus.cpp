@@ -2,7 +2,7 @@
 
 #include "MainWindow/EditCommands.h"
 #include "Model/CoreDataInterface.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "Toolkit/Icons.h"
 
 #include <QAction>

@@ -2,7 +2,7 @@
 
 #include "MainWindow/ViewCoordinator.h"
 #include "MainWindow/WindowState.h"
-#include "Store/ObjectID.h"
+#include "Store/Schema/ObjectID.h"
 
 #include <QMainWindow>
 

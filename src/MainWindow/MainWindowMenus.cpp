@@ -1,11 +1,11 @@
 #include "MainWindow/BackupCommands.h"
-#include "MainWindow/CounterpartsPaneViewController.h"
-#include "MainWindow/DetailPaneViewController.h"
+#include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
+#include "MainWindow/Detail/DetailPaneViewController.h"
 #include "MainWindow/EditCommands.h"
 #include "MainWindow/MainWindow.h"
-#include "MainWindow/SessionDetailViewController.h"
+#include "MainWindow/Session/SessionDetailViewController.h"
 #include "Model/CoreDataInterface.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "Toolkit/Icons.h"
 
 #include <QAction>

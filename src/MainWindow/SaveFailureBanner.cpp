@@ -1,6 +1,6 @@
 #include "MainWindow/SaveFailureBanner.h"
 
-#include "Toolkit/EmojiLabel.h"
+#include "Toolkit/Emoji/EmojiLabel.h"
 #include "Toolkit/Theme.h"
 
 #include <QAccessible>

@@ -1,9 +1,9 @@
 #include "MainWindow/ViewCoordinator.h"
 
 #include "Foundation/Logging.h"
-#include "MainWindow/CounterpartsPaneViewController.h"
-#include "MainWindow/DetailPaneViewController.h"
-#include "Toolkit/ArrayController.h"
+#include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
+#include "MainWindow/Detail/DetailPaneViewController.h"
+#include "Toolkit/List/ArrayController.h"
 
 namespace tembra {
 

@@ -7,9 +7,9 @@
 #include "Model/LegacyFlags.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Undo/UndoManager.h"
 
 #include <QScopedValueRollback>
 

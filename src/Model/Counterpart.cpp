@@ -1,17 +1,17 @@
 #include "Model/Counterpart.h"
 
-#include "Foundation/CalendarArithmetic.h"
-#include "Foundation/Clock.h"
 #include "Foundation/Logging.h"
 #include "Foundation/Precondition.h"
+#include "Foundation/Time/CalendarArithmetic.h"
+#include "Foundation/Time/Clock.h"
 #include "Model/DefaultsManager.h"
 #include "Model/DerivedTexts.h"
 #include "Model/JournalQueries.h"
 #include "Model/JournalServices.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
-#include "Store/FetchedResultsController.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Results/FetchedResultsController.h"
 
 namespace tembra {
 

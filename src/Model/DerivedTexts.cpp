@@ -1,14 +1,14 @@
 #include "Model/DerivedTexts.h"
 
-#include "Foundation/CalendarArithmetic.h"
-#include "Foundation/Clock.h"
+#include "Foundation/Time/CalendarArithmetic.h"
+#include "Foundation/Time/Clock.h"
 #include "Model/Counterpart.h"
 #include "Model/Note.h"
 #include "Model/NotificationCenter.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <QThread>
 

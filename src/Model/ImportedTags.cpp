@@ -4,8 +4,8 @@
 #include "Model/JournalQueries.h"
 #include "Model/RecordValues.h"
 #include "Model/Tag.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 namespace tembra {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Store/ObjectModel.h"
+#include "Store/Schema/ObjectModel.h"
 
 namespace tembra {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Foundation/Date.h"
-#include "Store/FetchRequest.h"
-#include "Store/ObjectID.h"
+#include "Foundation/Time/Date.h"
+#include "Store/Query/FetchRequest.h"
+#include "Store/Schema/ObjectID.h"
 
 #include <QList>
 #include <QString>

@@ -5,8 +5,8 @@
 #include "Model/Note.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include "Foundation/Result.h"
 #include "Model/RecordValues.h"
-#include "Store/RecordScan.h"
+#include "Store/Rows/RecordScan.h"
 
 #include <QHash>
 

@@ -1,12 +1,12 @@
 #include "Model/Note.h"
 
-#include "Foundation/DateFormatting.h"
 #include "Foundation/Logging.h"
+#include "Foundation/Time/DateFormatting.h"
 #include "Model/DerivedTexts.h"
 #include "Model/JournalQueries.h"
 #include "Model/JournalServices.h"
 #include "Model/Session.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 namespace tembra {
 

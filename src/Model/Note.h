@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Model/NoteField.h"
-#include "Store/ManagedObject.h"
+#include "Store/Objects/ManagedObject.h"
 
 #include <QString>
 

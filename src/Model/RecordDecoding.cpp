@@ -2,7 +2,7 @@
 
 #include "Model/RecordDecoding.h"
 
-#include "Foundation/JsonDecoder.h"
+#include "Foundation/Json/JsonDecoder.h"
 #include "Foundation/Logging.h"
 #include "Foundation/Precondition.h"
 #include "Model/Counterpart.h"
@@ -11,8 +11,8 @@
 #include "Model/RecordValues.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <QVariant>
 

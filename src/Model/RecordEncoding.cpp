@@ -1,6 +1,6 @@
 // How the records of the journal write themselves into a backup.
 
-#include "Foundation/JsonEncoder.h"
+#include "Foundation/Json/JsonEncoder.h"
 #include "Foundation/Precondition.h"
 #include "Model/Counterpart.h"
 #include "Model/JournalEncoding.h"
@@ -9,8 +9,8 @@
 #include "Model/RecordValues.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 namespace tembra {
 

@@ -1,7 +1,7 @@
 #include "Model/RecordValues.h"
 
-#include "Foundation/JsonDecoder.h"
-#include "Foundation/JsonEncoder.h"
+#include "Foundation/Json/JsonDecoder.h"
+#include "Foundation/Json/JsonEncoder.h"
 
 #include <QCoreApplication>
 

@@ -1,14 +1,14 @@
 #include "Model/Session.h"
 
-#include "Foundation/Clock.h"
-#include "Foundation/DateFormatting.h"
+#include "Foundation/Time/Clock.h"
+#include "Foundation/Time/DateFormatting.h"
 #include "Model/Counterpart.h"
 #include "Model/DerivedTexts.h"
 #include "Model/JournalServices.h"
 #include "Model/Note.h"
 #include "Model/SentimentScale.h"
 #include "Model/Tag.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <algorithm>
 

@@ -4,8 +4,8 @@
 #include "Foundation/Precondition.h"
 #include "Model/JournalQueries.h"
 #include "Model/Session.h"
-#include "Store/FetchedResultsController.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Results/FetchedResultsController.h"
 
 #include <algorithm>
 

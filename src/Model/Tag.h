@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Store/ManagedObject.h"
+#include "Store/Objects/ManagedObject.h"
 
 #include <QString>
 

@@ -1,8 +1,8 @@
 #include "Model/TagPasteboard.h"
 
 #include "Model/Tag.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <plist/plist.h>
 

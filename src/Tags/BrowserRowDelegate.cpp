@@ -1,6 +1,6 @@
 #include "Tags/BrowserRowDelegate.h"
 
-#include "Toolkit/EmojiText.h"
+#include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/Theme.h"
 
 #include <QAbstractItemView>

@@ -1,8 +1,8 @@
 #include "Tags/RecentTagDelegate.h"
 
 #include "Tags/TagListViewModel.h"
-#include "Toolkit/ArrayController.h"
-#include "Toolkit/EmojiText.h"
+#include "Toolkit/Emoji/EmojiText.h"
+#include "Toolkit/List/ArrayController.h"
 #include "Toolkit/Theme.h"
 
 #include <QPainter>

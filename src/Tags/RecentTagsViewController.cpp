@@ -2,10 +2,10 @@
 
 #include "Foundation/Logging.h"
 #include "Model/JournalQueries.h"
-#include "Store/FetchedResultsController.h"
+#include "Store/Results/FetchedResultsController.h"
 #include "Tags/RecentTagDelegate.h"
 #include "Tags/TagShortcutMonitor.h"
-#include "Toolkit/ArrayController.h"
+#include "Toolkit/List/ArrayController.h"
 #include "Toolkit/Theme.h"
 
 #include <QGuiApplication>

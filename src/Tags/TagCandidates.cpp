@@ -1,6 +1,6 @@
 #include "Tags/TagCandidates.h"
 
-#include "Store/FetchedResultsController.h"
+#include "Store/Results/FetchedResultsController.h"
 
 namespace tembra {
 

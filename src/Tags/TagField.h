@@ -3,7 +3,7 @@
 #include "Model/Session.h"
 #include "Model/Tag.h"
 #include "Tags/TagCandidates.h"
-#include "Toolkit/TokenField.h"
+#include "Toolkit/Token/TokenField.h"
 
 #include <QPointer>
 #include <QSet>

@@ -2,7 +2,7 @@
 
 #include "Preferences/InputControls/RowNameEditor.h"
 #include "Tags/TagsArrayController.h"
-#include "Toolkit/EmojiText.h"
+#include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/Theme.h"
 
 #include <QApplication>

@@ -2,8 +2,8 @@
 
 #include "Foundation/Logging.h"
 #include "Preferences/InputControls/DynamicTextField.h"
-#include "Store/FetchedResultsController.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Results/FetchedResultsController.h"
 #include "Tags/BrowserRowsView.h"
 #include "Tags/TagRowDelegate.h"
 

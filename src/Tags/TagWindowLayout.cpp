@@ -4,7 +4,7 @@
 #include "Tags/BrowserRowsView.h"
 #include "Tags/TagRowDelegate.h"
 #include "Tags/TagWindowController.h"
-#include "Toolkit/EmojiText.h"
+#include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
 #include "Toolkit/Theme.h"

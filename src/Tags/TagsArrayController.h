@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Toolkit/ArrayController.h"
+#include "Toolkit/List/ArrayController.h"
 
 namespace tembra {
 

@@ -1,6 +1,6 @@
 #include "Tags/TypedTag.h"
 
-#include "Foundation/TrailingEmoji.h"
+#include "Foundation/Text/TrailingEmoji.h"
 
 namespace tembra {
 

@@ -1,7 +1,7 @@
 #include "Toolkit/Alert.h"
 
 #include "Foundation/Precondition.h"
-#include "Toolkit/EmojiText.h"
+#include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/Icons.h"
 #include "Toolkit/Theme.h"
 

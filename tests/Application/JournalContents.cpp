@@ -5,7 +5,7 @@
 #include "Model/JournalQueries.h"
 #include "Model/Note.h"
 #include "Model/Session.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 namespace tembra {
 

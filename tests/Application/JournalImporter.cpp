@@ -12,7 +12,7 @@
 #include "Backup/BackupDocument.h"
 #include "Backup/JournalImport.h"
 #include "Foundation/Precondition.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <QCoreApplication>
 

@@ -16,8 +16,8 @@
 #include "Model/Note.h"
 #include "Model/NoteField.h"
 #include "Model/Session.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Undo/UndoManager.h"
 
 #include <QCoreApplication>
 #include <QTimer>

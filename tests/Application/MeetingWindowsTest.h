@@ -1,17 +1,17 @@
 #pragma once
 
 #include "Application/WindowManager.h"
-#include "MainWindow/DetailPaneViewController.h"
-#include "MainWindow/SessionDetailViewController.h"
-#include "MainWindow/SessionWindowController.h"
+#include "MainWindow/Detail/DetailPaneViewController.h"
+#include "MainWindow/Session/SessionDetailViewController.h"
+#include "MainWindow/Session/SessionWindowController.h"
 #include "Model/Note.h"
 #include "Preferences/InputControls/BindablePlaceholderTextField.h"
 #include "ProgramInProcess.h"
-#include "Store/UndoManager.h"
+#include "Store/Undo/UndoManager.h"
 #include "Tags/BrowserRowsView.h"
 #include "Tags/TagField.h"
 #include "Tags/TagWindowController.h"
-#include "Toolkit/EmojiComboBox.h"
+#include "Toolkit/Emoji/EmojiComboBox.h"
 
 #include <QTemporaryDir>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Backup/BackupDocument.h"
-#include "MainWindow/CounterpartsPaneViewController.h"
+#include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
 #include "ProgramInProcess.h"
 
 #include <QDir>

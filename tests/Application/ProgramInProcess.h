@@ -8,8 +8,8 @@
 #include "MainWindow/MainWindow.h"
 #include "Model/Counterpart.h"
 #include "Model/JournalModel.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 #include "support/FaultVfs.h"
 
 #include <QElapsedTimer>

@@ -4,7 +4,7 @@
 #include "Model/Counterpart.h"
 #include "Model/JournalQueries.h"
 #include "RunningProgram.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <QDir>
 #include <QTest>

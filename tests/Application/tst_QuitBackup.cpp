@@ -1,6 +1,6 @@
 #include "Application/AppDelegate.h"
 
-#include "MainWindow/CounterpartsPaneViewController.h"
+#include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
 #include "ProgramInProcess.h"
 #include "RunningProgram.h"
 #include "support/FolderContents.h"

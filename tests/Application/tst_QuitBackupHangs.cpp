@@ -2,7 +2,7 @@
 
 #include "MainWindow/StatusLine.h"
 #include "ProgramInProcess.h"
-#include "Toolkit/EmojiLabel.h"
+#include "Toolkit/Emoji/EmojiLabel.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -1,7 +1,7 @@
 #include "Application/Sample/SampleJournal.h"
 
 #include "Application/Sample/SampleDay.h"
-#include "Foundation/JsonDecoder.h"
+#include "Foundation/Json/JsonDecoder.h"
 #include "Model/RecordValues.h"
 #include "support/JournalFixture.h"
 

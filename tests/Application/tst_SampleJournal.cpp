@@ -4,10 +4,10 @@
 #include "Model/JournalEncoding.h"
 #include "Model/JournalQueries.h"
 #include "Model/SentimentScale.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Undo/UndoManager.h"
 #include "support/JournalFixture.h"
-#include "Toolkit/EmojiText.h"
+#include "Toolkit/Emoji/EmojiText.h"
 
 #include <QDateTime>
 #include <QRegularExpression>

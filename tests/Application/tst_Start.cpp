@@ -5,7 +5,7 @@
 #include "Model/JournalQueries.h"
 #include "Model/Note.h"
 #include "RunningProgram.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <QColor>
 #include <QDir>

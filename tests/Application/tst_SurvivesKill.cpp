@@ -1,7 +1,7 @@
 #include "Application/DataFolder.h"
 #include "Application/ProgramServices.h"
 #include "JournalContents.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/PersistentContainer.h"
 #include "WriterLog.h"
 
 #include <QProcess>

@@ -1,5 +1,5 @@
-#include "MainWindow/CounterpartListView.h"
-#include "MainWindow/SummaryCollectionView.h"
+#include "MainWindow/Counterparts/CounterpartListView.h"
+#include "MainWindow/Detail/SummaryCollectionView.h"
 #include "MeetingWindowsTest.h"
 #include "Model/DefaultsManager.h"
 #include "Preferences/InputControls/DynamicTextField.h"

@@ -2,7 +2,7 @@
 
 #include "Backup/BackupDocument.h"
 #include "Backup/Import.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
 #include "Toolkit/Alert.h"
 

@@ -1,9 +1,9 @@
 #include "Backup/BackupPanel.h"
 
 #include "Backup/BackupDocument.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
-#include "Toolkit/PackageDialog.h"
+#include "Toolkit/Package/PackageDialog.h"
 
 #include <QLineEdit>
 #include <QRegularExpression>

@@ -1,7 +1,7 @@
 #include "ImportTest.h"
 
-#include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Undo/UndoManager.h"
 
 #include <QDir>
 #include <QLineEdit>

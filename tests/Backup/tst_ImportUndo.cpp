@@ -1,6 +1,6 @@
 #include "ImportTest.h"
 
-#include "Store/UndoManager.h"
+#include "Store/Undo/UndoManager.h"
 
 using namespace tembra;
 using namespace Qt::StringLiterals;

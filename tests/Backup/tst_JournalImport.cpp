@@ -2,8 +2,8 @@
 
 #include "Model/JournalEncoding.h"
 #include "Model/JournalQueries.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 #include "support/JournalFixture.h"
 
 #include <QTest>

@@ -1,8 +1,8 @@
 #include "Backup/JournalWork.h"
 
 #include "Model/JournalQueries.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 #include "support/JournalFixture.h"
 
 #include <QSignalSpy>

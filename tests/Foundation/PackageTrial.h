@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Foundation/PackageWriter.h"
+#include "Foundation/Files/PackageWriter.h"
 #include "PackageFixture.h"
 
 #include <QTest>

@@ -4,7 +4,7 @@
 // Usage: PackageVersionWriter PACKAGE FIRST_VERSION (replaces | makes). Runs until it is killed. "makes"
 // moves each package to "PACKAGE away", so that every version makes a new one.
 
-#include "Foundation/PackageWriter.h"
+#include "Foundation/Files/PackageWriter.h"
 #include "Foundation/Precondition.h"
 #include "PackageVersions.h"
 

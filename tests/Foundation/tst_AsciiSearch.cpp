@@ -1,4 +1,4 @@
-#include "Foundation/AsciiSearch.h"
+#include "Foundation/Text/AsciiSearch.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "Foundation/CalendarArithmetic.h"
+#include "Foundation/Time/CalendarArithmetic.h"
 
 #include <QDateTime>
 #include <QTest>

@@ -1,6 +1,6 @@
-#include "Foundation/DateFormatting.h"
+#include "Foundation/Time/DateFormatting.h"
 
-#include "Foundation/IcuBridge.h"
+#include "Foundation/Text/IcuBridge.h"
 #include "support/FixedClock.h"
 
 #include <QDateTime>

@@ -1,4 +1,4 @@
-#include "Foundation/EmojiSegmentation.h"
+#include "Foundation/Text/EmojiSegmentation.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "Foundation/FileFault.h"
+#include "Foundation/Files/FileFault.h"
 
 #include <QTest>
 

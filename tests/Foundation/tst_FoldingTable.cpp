@@ -1,4 +1,4 @@
-#include "Foundation/FoldingTable.h"
+#include "Foundation/Text/FoldingTable.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "Foundation/JsonEncoder.h"
+#include "Foundation/Json/JsonEncoder.h"
 
 #include "StopsProgram.h"
 

@@ -1,6 +1,6 @@
-#include "Foundation/JsonDecoder.h"
-#include "Foundation/JsonEncoder.h"
-#include "Foundation/WellFormedText.h"
+#include "Foundation/Json/JsonDecoder.h"
+#include "Foundation/Json/JsonEncoder.h"
+#include "Foundation/Text/WellFormedText.h"
 
 #include <QRandomGenerator>
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "Foundation/JsonDecoder.h"
+#include "Foundation/Json/JsonDecoder.h"
 
 #include "JsonTextTable.h"
 

@@ -1,4 +1,4 @@
-#include "Foundation/PackageFile.h"
+#include "Foundation/Files/PackageFile.h"
 #include "PackageFixture.h"
 #include "support/FaultFileSystem.h"
 

@@ -1,4 +1,4 @@
-#include "Foundation/PackageWriter.h"
+#include "Foundation/Files/PackageWriter.h"
 #include "PackageFixture.h"
 #include "support/FaultFileSystem.h"
 

@@ -1,6 +1,6 @@
-#include "Foundation/OpenedFile.h"
-#include "Foundation/PackageWriter.h"
-#include "Foundation/Temporaries.h"
+#include "Foundation/Files/OpenedFile.h"
+#include "Foundation/Files/PackageWriter.h"
+#include "Foundation/Files/Temporaries.h"
 #include "PackageFixture.h"
 #include "support/FaultFileSystem.h"
 

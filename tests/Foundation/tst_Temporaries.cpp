@@ -1,4 +1,4 @@
-#include "Foundation/Temporaries.h"
+#include "Foundation/Files/Temporaries.h"
 
 #include <QFile>
 #include <QSet>

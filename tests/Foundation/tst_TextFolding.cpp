@@ -1,5 +1,5 @@
-#include "Foundation/TextFolding.h"
-#include "Foundation/UnicodeFolding.h"
+#include "Foundation/Text/TextFolding.h"
+#include "Foundation/Text/UnicodeFolding.h"
 
 #include <QElapsedTimer>
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "Foundation/TrailingEmoji.h"
+#include "Foundation/Text/TrailingEmoji.h"
 
 #include <QTest>
 

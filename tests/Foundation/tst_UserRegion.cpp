@@ -1,4 +1,4 @@
-#include "Foundation/UserRegion.h"
+#include "Foundation/Time/UserRegion.h"
 
 #include <QTest>
 #include <QTimeZone>

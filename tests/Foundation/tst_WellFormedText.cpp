@@ -1,4 +1,4 @@
-#include "Foundation/WellFormedText.h"
+#include "Foundation/Text/WellFormedText.h"
 
 #include <QTest>
 

@@ -2,7 +2,7 @@
 
 #include "TwoPanes.h"
 
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 namespace tembra {
 

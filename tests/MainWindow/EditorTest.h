@@ -1,11 +1,11 @@
 #pragma once
 
-#include "MainWindow/NotesArrayController.h"
-#include "MainWindow/SessionDetailViewController.h"
+#include "MainWindow/Session/NotesArrayController.h"
+#include "MainWindow/Session/SessionDetailViewController.h"
 #include "Preferences/InputControls/BindablePlaceholderTextField.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
-#include "Toolkit/EmojiComboBox.h"
+#include "Toolkit/Emoji/EmojiComboBox.h"
 
 #include <QDateTimeEdit>
 #include <QLabel>

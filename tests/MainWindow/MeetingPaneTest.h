@@ -2,11 +2,11 @@
 
 #include "TwoPanes.h"
 
-#include "MainWindow/SessionDetailViewController.h"
-#include "MainWindow/SessionTimelineModel.h"
-#include "MainWindow/SummaryCollectionView.h"
+#include "MainWindow/Detail/SessionTimelineModel.h"
+#include "MainWindow/Detail/SummaryCollectionView.h"
+#include "MainWindow/Session/SessionDetailViewController.h"
 #include "Preferences/InputControls/BindablePlaceholderTextField.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "Toolkit/EmptyState.h"
 
 #include <QLineEdit>

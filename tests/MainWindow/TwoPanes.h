@@ -1,8 +1,8 @@
 #pragma once
 
-#include "MainWindow/CounterpartListView.h"
-#include "MainWindow/CounterpartsPaneViewController.h"
-#include "MainWindow/DetailPaneViewController.h"
+#include "MainWindow/Counterparts/CounterpartListView.h"
+#include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
+#include "MainWindow/Detail/DetailPaneViewController.h"
 #include "MainWindow/ViewCoordinator.h"
 #include "Preferences/InputControls/AutoEditArrayController.h"
 #include "support/JournalFixture.h"

@@ -1,13 +1,13 @@
 #include "Backup/BackupDocument.h"
-#include "MainWindow/CounterpartsPaneViewController.h"
-#include "MainWindow/DetailPaneViewController.h"
+#include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
+#include "MainWindow/Detail/DetailPaneViewController.h"
 #include "MainWindow/MainWindow.h"
 #include "MainWindow/StatusLine.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
 #include "Toolkit/Alert.h"
-#include "Toolkit/EmojiLabel.h"
-#include "Toolkit/PackageDialog.h"
+#include "Toolkit/Emoji/EmojiLabel.h"
+#include "Toolkit/Package/PackageDialog.h"
 
 #include <QAction>
 #include <QApplication>

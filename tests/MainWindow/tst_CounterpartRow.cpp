@@ -1,5 +1,5 @@
 #include "CounterpartsPaneTest.h"
-#include "MainWindow/CounterpartRowDelegate.h"
+#include "MainWindow/Counterparts/CounterpartRowDelegate.h"
 
 #include <QAccessible>
 #include <QApplication>

@@ -1,7 +1,7 @@
 #include "CounterpartsPaneTest.h"
 
-#include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Undo/UndoManager.h"
 #include "support/FaultVfs.h"
 #include "Toolkit/EmptyState.h"
 

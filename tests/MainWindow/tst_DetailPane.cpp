@@ -1,6 +1,6 @@
 #include "MeetingPaneTest.h"
 
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <QRegularExpression>
 #include <QSignalSpy>

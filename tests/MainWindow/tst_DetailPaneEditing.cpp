@@ -1,7 +1,7 @@
 #include "MeetingPaneTest.h"
 
 #include "Model/DefaultsManager.h"
-#include "Store/UndoManager.h"
+#include "Store/Undo/UndoManager.h"
 #include "support/FaultVfs.h"
 
 #include <QAbstractItemModelTester>

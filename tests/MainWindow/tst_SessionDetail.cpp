@@ -1,6 +1,6 @@
 #include "EditorTest.h"
 
-#include "Store/UndoManager.h"
+#include "Store/Undo/UndoManager.h"
 #include "Toolkit/Popover.h"
 
 #include <QAbstractItemModelTester>

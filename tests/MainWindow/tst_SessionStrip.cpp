@@ -1,6 +1,6 @@
-#include "MainWindow/SessionTimelineModel.h"
-#include "MainWindow/SummaryCollectionView.h"
-#include "Store/ManagedObjectContext.h"
+#include "MainWindow/Detail/SessionTimelineModel.h"
+#include "MainWindow/Detail/SummaryCollectionView.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
 
 #include <QAbstractItemModelTester>

@@ -1,4 +1,4 @@
-#include "MainWindow/SummaryViewItem.h"
+#include "MainWindow/Detail/SummaryViewItem.h"
 #include "support/JournalFixture.h"
 
 #include <QImage>

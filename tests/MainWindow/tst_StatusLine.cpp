@@ -1,6 +1,6 @@
 #include "MainWindow/StatusLine.h"
 
-#include "Toolkit/EmojiLabel.h"
+#include "Toolkit/Emoji/EmojiLabel.h"
 
 #include <QAccessible>
 #include <QApplication>

@@ -1,12 +1,12 @@
 #include "BackupFixture.h"
 
-#include "Foundation/JsonDecoder.h"
+#include "Foundation/Json/JsonDecoder.h"
 #include "Foundation/Precondition.h"
 #include "Model/JournalEncoding.h"
 #include "Model/RecordDecoding.h"
 #include "Model/RecordValues.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <QRegularExpression>
 

@@ -1,6 +1,6 @@
 #include "ValuesOfDocument.h"
 
-#include "Foundation/JsonDecoder.h"
+#include "Foundation/Json/JsonDecoder.h"
 #include "Model/RecordValues.h"
 
 #include <QStringList>

@@ -1,7 +1,7 @@
 #include "BackupFixture.h"
 #include "Foundation/Precondition.h"
 #include "RandomJournal.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <QHash>
 #include <QRegularExpression>

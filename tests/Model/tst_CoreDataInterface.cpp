@@ -1,6 +1,6 @@
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Undo/UndoManager.h"
 #include "support/FaultVfs.h"
 #include "support/JournalFixture.h"
 

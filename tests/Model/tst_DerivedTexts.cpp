@@ -1,4 +1,4 @@
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
 
 #include <QSignalSpy>

@@ -1,8 +1,8 @@
 #include "BackupFixture.h"
 #include "Foundation/Logging.h"
 #include "MeetingsDocument.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <QTest>
 

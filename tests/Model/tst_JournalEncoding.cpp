@@ -1,10 +1,10 @@
 #include "Model/JournalEncoding.h"
 
 #include "BackupFixture.h"
-#include "Foundation/JsonEncoder.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
+#include "Foundation/Json/JsonEncoder.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Undo/UndoManager.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

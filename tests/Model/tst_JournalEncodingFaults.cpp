@@ -1,8 +1,8 @@
 #include "BackupFixture.h"
 #include "Model/JournalEncoding.h"
-#include "Store/Connection.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/File/Connection.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 #include "support/FaultVfs.h"
 
 #include <QLoggingCategory>

@@ -1,8 +1,8 @@
 #include "Model/JournalModel.h"
 #include "Model/JournalQueries.h"
-#include "Store/Connection.h"
-#include "Store/FetchStatement.h"
-#include "Store/PersistentContainer.h"
+#include "Store/File/Connection.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Query/FetchStatement.h"
 #include "support/JournalFixture.h"
 
 #include <QRegularExpression>

@@ -1,6 +1,6 @@
 #include "BackupFixture.h"
 #include "MeetingsDocument.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <QTest>
 

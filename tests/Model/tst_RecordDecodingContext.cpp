@@ -1,11 +1,11 @@
 #include "Model/RecordDecoding.h"
 
 #include "BackupFixture.h"
-#include "Foundation/JsonDecoder.h"
+#include "Foundation/Json/JsonDecoder.h"
 #include "LastWords.h"
 #include "MeetingsDocument.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <QTest>
 

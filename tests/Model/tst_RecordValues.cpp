@@ -1,6 +1,6 @@
 #include "Model/RecordValues.h"
 
-#include "Foundation/JsonEncoder.h"
+#include "Foundation/Json/JsonEncoder.h"
 #include "ValuesOfDocument.h"
 
 #include <QTest>

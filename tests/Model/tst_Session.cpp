@@ -1,5 +1,5 @@
 #include "Model/SentimentScale.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
 
 #include <QSignalSpy>

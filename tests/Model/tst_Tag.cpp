@@ -1,5 +1,5 @@
-#include "Store/FetchedResultsController.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Results/FetchedResultsController.h"
 #include "support/JournalFixture.h"
 
 #include <QSignalSpy>

@@ -1,7 +1,7 @@
 #include "Model/TagPasteboard.h"
 
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 #include "support/JournalFixture.h"
 
 #include <plist/plist.h>

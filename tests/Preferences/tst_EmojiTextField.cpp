@@ -1,8 +1,8 @@
 #include "Preferences/InputControls/EmojiTextField.h"
-#include "Toolkit/EmojiPalette.h"
-#include "Toolkit/EmojiText.h"
+#include "Toolkit/Emoji/EmojiPalette.h"
+#include "Toolkit/Emoji/EmojiText.h"
+#include "Toolkit/Emoji/RecentEmoji.h"
 #include "Toolkit/Popover.h"
-#include "Toolkit/RecentEmoji.h"
 
 #include <QApplication>
 #include <QClipboard>

@@ -1,6 +1,6 @@
 #include "PlainEvaluator.h"
 
-#include "Foundation/TextFolding.h"
+#include "Foundation/Text/TextFolding.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include "QueryJournal.h"
 
-#include "Store/PredicateNode.h"
+#include "Store/Query/PredicateNode.h"
 
 namespace tembra::test {
 

@@ -1,7 +1,7 @@
 #include "QueryJournal.h"
 
 #include "Foundation/Precondition.h"
-#include "Store/SqlText.h"
+#include "Store/Query/SqlText.h"
 
 namespace tembra::test {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Store/Connection.h"
-#include "Store/FetchStatement.h"
-#include "Store/ObjectModel.h"
+#include "Store/File/Connection.h"
+#include "Store/Query/FetchStatement.h"
+#include "Store/Schema/ObjectModel.h"
 
 #include <QRandomGenerator>
 #include <QTemporaryDir>

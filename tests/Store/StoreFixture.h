@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Store/Connection.h"
-#include "Store/ObjectModel.h"
-#include "Store/StoreOpening.h"
+#include "Store/File/Connection.h"
+#include "Store/File/StoreOpening.h"
+#include "Store/Schema/ObjectModel.h"
 #include "support/FolderContents.h"
 
 #include <QByteArray>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Store/ManagedObject.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/ObjectModel.h"
-#include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/ManagedObject.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Schema/ObjectModel.h"
+#include "Store/Undo/UndoManager.h"
 #include "support/FixedClock.h"
 
 #include <QTemporaryDir>

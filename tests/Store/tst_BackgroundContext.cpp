@@ -1,6 +1,6 @@
 #include "TestJournal.h"
 
-#include "Store/Connection.h"
+#include "Store/File/Connection.h"
 #include "support/FaultVfs.h"
 
 #include <QSignalSpy>

@@ -1,7 +1,7 @@
 #include "StoreFixture.h"
 
-#include "Store/Checkpointer.h"
-#include "Store/SchemaMigrator.h"
+#include "Store/File/Checkpointer.h"
+#include "Store/File/SchemaMigrator.h"
 
 #include <QKeyEvent>
 #include <QSignalSpy>

@@ -1,6 +1,6 @@
 #include "TestJournal.h"
 
-#include "Store/FetchedResultsController.h"
+#include "Store/Results/FetchedResultsController.h"
 
 #include <QSignalSpy>
 #include <QTest>

@@ -1,6 +1,6 @@
 #include "TestJournal.h"
 
-#include "Store/FetchedResultsModel.h"
+#include "Store/Results/FetchedResultsModel.h"
 
 #include <QAbstractItemModelTester>
 #include <QItemSelectionModel>

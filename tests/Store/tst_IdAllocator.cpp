@@ -1,4 +1,4 @@
-#include "Store/IdAllocator.h"
+#include "Store/File/IdAllocator.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "Store/KeyRanges.h"
+#include "Store/Rows/KeyRanges.h"
 
 #include <QTest>
 

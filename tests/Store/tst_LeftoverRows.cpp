@@ -1,6 +1,6 @@
-#include "Store/LeftoverRows.h"
+#include "Store/Rows/LeftoverRows.h"
 
-#include "Store/FetchedResultsController.h"
+#include "Store/Results/FetchedResultsController.h"
 #include "support/FaultVfs.h"
 #include "TestJournal.h"
 

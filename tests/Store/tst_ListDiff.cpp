@@ -1,4 +1,4 @@
-#include "Store/ListDiff.h"
+#include "Store/Results/ListDiff.h"
 
 #include <QRandomGenerator>
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "Store/ObjectUri.h"
+#include "Store/Schema/ObjectUri.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "Store/PendingChanges.h"
+#include "Store/Objects/PendingChanges.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "Store/Predicate.h"
+#include "Store/Query/Predicate.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "Store/PredicateParser.h"
+#include "Store/Query/PredicateParser.h"
 
 #include <QRandomGenerator>
 #include <QTest>

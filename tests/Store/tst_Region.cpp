@@ -1,6 +1,6 @@
 #include "QueryJournal.h"
 
-#include "Store/Region.h"
+#include "Store/Query/Region.h"
 
 #include <QTest>
 

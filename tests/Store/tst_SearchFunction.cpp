@@ -1,6 +1,6 @@
-#include "Store/SearchFunction.h"
+#include "Store/Query/SearchFunction.h"
 
-#include "Store/Connection.h"
+#include "Store/File/Connection.h"
 
 #include <QTemporaryDir>
 #include <QTest>

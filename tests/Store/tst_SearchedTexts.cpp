@@ -1,7 +1,7 @@
-#include "Store/SearchedTexts.h"
+#include "Store/Query/SearchedTexts.h"
 
-#include "Store/Connection.h"
-#include "Store/SearchFunction.h"
+#include "Store/File/Connection.h"
+#include "Store/Query/SearchFunction.h"
 
 #include <QTemporaryDir>
 #include <QTest>

@@ -1,6 +1,6 @@
 #include "StoreFixture.h"
 
-#include "Store/StoreLock.h"
+#include "Store/File/StoreLock.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 #include "StoreFixture.h"
 
-#include "Store/SchemaMigrator.h"
+#include "Store/File/SchemaMigrator.h"
 #include "support/FaultVfs.h"
 
 #include <QTest>

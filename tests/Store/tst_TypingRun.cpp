@@ -1,4 +1,4 @@
-#include "Store/TypingRun.h"
+#include "Store/Undo/TypingRun.h"
 
 #include <QTest>
 

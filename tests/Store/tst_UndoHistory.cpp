@@ -1,4 +1,4 @@
-#include "Store/UndoHistory.h"
+#include "Store/Undo/UndoHistory.h"
 #include "support/FixedClock.h"
 
 #include <QTest>

@@ -1,5 +1,5 @@
-#include "Store/FetchedResultsController.h"
-#include "Store/KeyRanges.h"
+#include "Store/Results/FetchedResultsController.h"
+#include "Store/Rows/KeyRanges.h"
 #include "TestJournal.h"
 
 #include <QSignalSpy>

@@ -2,8 +2,8 @@
 
 #include "Preferences/InputControls/DynamicTextField.h"
 #include "Preferences/InputControls/PopoverSourceButton.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Undo/UndoManager.h"
 #include "support/JournalFixture.h"
 #include "Tags/BrowserRowsView.h"
 #include "Tags/TagWindowController.h"

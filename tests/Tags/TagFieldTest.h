@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
 #include "Tags/TagField.h"
 

@@ -1,9 +1,9 @@
-#include "Store/UndoManager.h"
+#include "Store/Undo/UndoManager.h"
 #include "TagFieldTest.h"
 #include "Tags/RecentTagsViewController.h"
 #include "Tags/TagShortcutMonitor.h"
-#include "Toolkit/ArrayController.h"
 #include "Toolkit/FieldPopover.h"
+#include "Toolkit/List/ArrayController.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>

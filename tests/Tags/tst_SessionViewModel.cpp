@@ -1,6 +1,6 @@
 #include "Tags/SessionViewModel.h"
 
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
 
 #include <QSignalSpy>

@@ -1,7 +1,7 @@
 #include "Tags/TagCandidates.h"
 
-#include "Store/FetchedResultsController.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Results/FetchedResultsController.h"
 #include "support/JournalFixture.h"
 
 #include <QTest>

@@ -1,8 +1,8 @@
 #include "TagBrowserTest.h"
 
-#include "Toolkit/EmojiPalette.h"
+#include "Toolkit/Emoji/EmojiPalette.h"
+#include "Toolkit/Emoji/RecentEmoji.h"
 #include "Toolkit/Popover.h"
-#include "Toolkit/RecentEmoji.h"
 
 using namespace tembra;
 using namespace Qt::StringLiterals;

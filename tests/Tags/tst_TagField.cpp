@@ -1,7 +1,7 @@
-#include "Foundation/Clock.h"
+#include "Foundation/Time/Clock.h"
 #include "Model/TagPasteboard.h"
-#include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Undo/UndoManager.h"
 #include "TagFieldTest.h"
 
 #include <QAction>

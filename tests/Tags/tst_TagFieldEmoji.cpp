@@ -1,4 +1,4 @@
-#include "Store/UndoManager.h"
+#include "Store/Undo/UndoManager.h"
 #include "TagFieldTest.h"
 
 #include <QFile>

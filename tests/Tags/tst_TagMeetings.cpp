@@ -1,6 +1,6 @@
 #include "TagMeetingsTest.h"
 
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/PersistentContainer.h"
 #include "Toolkit/Popover.h"
 
 #include <QAbstractItemModelTester>

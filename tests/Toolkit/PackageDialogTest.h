@@ -2,7 +2,7 @@
 
 #include "PackageFolder.h"
 #include "Toolkit/Alert.h"
-#include "Toolkit/PackageDialog.h"
+#include "Toolkit/Package/PackageDialog.h"
 
 #include <QAction>
 #include <QApplication>

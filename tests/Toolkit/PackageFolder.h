@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Toolkit/PackageType.h"
+#include "Toolkit/Package/PackageType.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Toolkit/EmojiGrid.h"
-#include "Toolkit/EmojiGridModel.h"
-#include "Toolkit/EmojiGroupBar.h"
-#include "Toolkit/EmojiPalette.h"
-#include "Toolkit/RecentEmoji.h"
+#include "Toolkit/Emoji/EmojiGrid.h"
+#include "Toolkit/Emoji/EmojiGridModel.h"
+#include "Toolkit/Emoji/EmojiGroupBar.h"
+#include "Toolkit/Emoji/EmojiPalette.h"
+#include "Toolkit/Emoji/RecentEmoji.h"
 
 #include <QApplication>
 #include <QLabel>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Toolkit/TokenField.h"
+#include "Toolkit/Token/TokenField.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>

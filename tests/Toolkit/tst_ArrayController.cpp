@@ -1,4 +1,4 @@
-#include "Toolkit/ArrayController.h"
+#include "Toolkit/List/ArrayController.h"
 
 #include "Person.h"
 

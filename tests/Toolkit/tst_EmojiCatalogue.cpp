@@ -1,5 +1,5 @@
-#include "Toolkit/EmojiCatalogue.h"
-#include "Toolkit/EmojiSearch.h"
+#include "Toolkit/Emoji/EmojiCatalogue.h"
+#include "Toolkit/Emoji/EmojiSearch.h"
 
 #include <QFile>
 #include <QProcess>

@@ -1,6 +1,6 @@
-#include "Toolkit/EmojiGridModel.h"
+#include "Toolkit/Emoji/EmojiGridModel.h"
 
-#include "Toolkit/EmojiCatalogue.h"
+#include "Toolkit/Emoji/EmojiCatalogue.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>

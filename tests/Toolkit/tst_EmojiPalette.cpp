@@ -1,7 +1,7 @@
-#include "Toolkit/EmojiPalette.h"
+#include "Toolkit/Emoji/EmojiPalette.h"
 
 #include "PaletteTest.h"
-#include "Toolkit/EmojiCatalogue.h"
+#include "Toolkit/Emoji/EmojiCatalogue.h"
 #include "Toolkit/Popover.h"
 
 #include <QAccessible>

@@ -1,9 +1,9 @@
-#include "Toolkit/EmojiText.h"
+#include "Toolkit/Emoji/EmojiText.h"
 
-#include "Toolkit/EmojiComboBox.h"
-#include "Toolkit/EmojiHighlighter.h"
-#include "Toolkit/EmojiItemDelegate.h"
-#include "Toolkit/EmojiLabel.h"
+#include "Toolkit/Emoji/EmojiComboBox.h"
+#include "Toolkit/Emoji/EmojiHighlighter.h"
+#include "Toolkit/Emoji/EmojiItemDelegate.h"
+#include "Toolkit/Emoji/EmojiLabel.h"
 
 #include <QAccessible>
 #include <QElapsedTimer>

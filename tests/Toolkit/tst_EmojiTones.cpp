@@ -1,4 +1,4 @@
-#include "Toolkit/EmojiTones.h"
+#include "Toolkit/Emoji/EmojiTones.h"
 
 #include "PaletteTest.h"
 

@@ -1,4 +1,4 @@
-#include "Toolkit/PackageChoice.h"
+#include "Toolkit/Package/PackageChoice.h"
 
 #include "PackageFolder.h"
 

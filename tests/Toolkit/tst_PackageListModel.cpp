@@ -1,7 +1,7 @@
-#include "Toolkit/PackageListModel.h"
+#include "Toolkit/Package/PackageListModel.h"
 
 #include "PackageFolder.h"
-#include "Toolkit/PackageIconProvider.h"
+#include "Toolkit/Package/PackageIconProvider.h"
 
 #include <QAbstractItemModelTester>
 #include <QFileSystemModel>

@@ -1,4 +1,4 @@
-#include "Toolkit/RecentEmoji.h"
+#include "Toolkit/Emoji/RecentEmoji.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,7 +1,7 @@
-#include "Toolkit/TokenCompletionList.h"
+#include "Toolkit/Token/TokenCompletionList.h"
 
 #include "TokenFieldTest.h"
-#include "Toolkit/TokenCompletionModel.h"
+#include "Toolkit/Token/TokenCompletionModel.h"
 
 #include <QAbstractItemModelTester>
 #include <QElapsedTimer>

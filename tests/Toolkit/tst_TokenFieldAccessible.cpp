@@ -1,4 +1,4 @@
-#include "Toolkit/TokenFieldAccessible.h"
+#include "Toolkit/Token/TokenFieldAccessible.h"
 
 #include "TokenFieldTest.h"
 

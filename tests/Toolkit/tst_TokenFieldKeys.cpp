@@ -1,4 +1,4 @@
-#include "Toolkit/TokenField.h"
+#include "Toolkit/Token/TokenField.h"
 
 #include "TokenFieldTest.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Foundation/FileSystem.h"
+#include "Foundation/Files/FileSystem.h"
 
 #include <QList>
 

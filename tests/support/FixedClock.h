@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Foundation/Clock.h"
+#include "Foundation/Time/Clock.h"
 
 namespace tembra {
 

@@ -3,9 +3,9 @@
 #include "Foundation/Precondition.h"
 #include "Model/JournalModel.h"
 #include "Model/JournalQueries.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Undo/UndoManager.h"
 
 #include <QDateTime>
 #include <QTimeZone>

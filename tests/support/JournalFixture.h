@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Foundation/CalendarArithmetic.h"
-#include "Foundation/DateFormatting.h"
+#include "Foundation/Time/CalendarArithmetic.h"
+#include "Foundation/Time/DateFormatting.h"
 #include "Model/CoreDataInterface.h"
 #include "Model/Counterpart.h"
 #include "Model/DefaultsManager.h"

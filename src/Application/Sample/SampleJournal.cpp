@@ -3,13 +3,13 @@
 #include "Application/Sample/SampleDay.h"
 #include "Backup/BackupDocument.h"
 #include "Backup/JournalImport.h"
-#include "Foundation/Clock.h"
 #include "Foundation/Precondition.h"
+#include "Foundation/Time/Clock.h"
 #include "Model/CoreDataInterface.h"
 #include "Model/Session.h"
-#include "Store/ManagedObjectContext.h"
-#include "Store/PersistentContainer.h"
-#include "Store/UndoManager.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
+#include "Store/Undo/UndoManager.h"
 
 #include <QDateTime>
 #include <QFile>

@@ -3,9 +3,9 @@
 #include "Application/Sample/SampleDay.h"
 #include "Application/Sample/SampleWriter.h"
 #include "Backup/BackupDocument.h"
-#include "Foundation/CalendarArithmetic.h"
-#include "Foundation/Clock.h"
-#include "Foundation/DateFormatting.h"
+#include "Foundation/Time/CalendarArithmetic.h"
+#include "Foundation/Time/Clock.h"
+#include "Foundation/Time/DateFormatting.h"
 #include "Model/Counterpart.h"
 #include "Model/DefaultsManager.h"
 #include "Model/DerivedTexts.h"
@@ -13,7 +13,7 @@
 #include "Model/JournalModel.h"
 #include "Model/JournalServices.h"
 #include "Model/NotificationCenter.h"
-#include "Store/PersistentContainer.h"
+#include "Store/Objects/PersistentContainer.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -8,7 +8,7 @@
 #include "Model/SentimentScale.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
-#include "Store/ManagedObjectContext.h"
+#include "Store/Objects/ManagedObjectContext.h"
 
 #include <QDateTime>
 #include <QTimeZone>

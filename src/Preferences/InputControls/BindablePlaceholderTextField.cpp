@@ -1,8 +1,8 @@
 #include "Preferences/InputControls/BindablePlaceholderTextField.h"
 
 #include "Preferences/InputControls/RawText.h"
-#include "Toolkit/EmojiHighlighter.h"
-#include "Toolkit/PropertyObservation.h"
+#include "Toolkit/Emoji/EmojiHighlighter.h"
+#include "Toolkit/List/PropertyObservation.h"
 #include "Toolkit/Theme.h"
 
 #include <QAbstractItemView>

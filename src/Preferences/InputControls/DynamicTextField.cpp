@@ -1,7 +1,7 @@
 #include "Preferences/InputControls/DynamicTextField.h"
 
-#include "Foundation/EmojiSegmentation.h"
-#include "Toolkit/EmojiText.h"
+#include "Foundation/Text/EmojiSegmentation.h"
+#include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/Theme.h"
 
 #include <QPainter>

@@ -1,7 +1,7 @@
 #include "Preferences/InputControls/EmojiTextField.h"
 
 #include "Preferences/InputControls/OnlyEmojiValueFormatter.h"
-#include "Toolkit/EmojiText.h"
+#include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/Theme.h"
 
 #include <QApplication>

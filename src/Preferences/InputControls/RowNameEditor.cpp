@@ -1,6 +1,6 @@
 #include "Preferences/InputControls/RowNameEditor.h"
 
-#include "Toolkit/EmojiText.h"
+#include "Toolkit/Emoji/EmojiText.h"
 
 #include <QInputMethodEvent>
 

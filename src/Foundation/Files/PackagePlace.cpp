@@ -1,0 +1,27 @@
+#include "Foundation/Files/PackagePlace.h"
+
+namespace tembra {
+
+using namespace Qt::StringLiterals;
+
+Result<PackagePlace> PackagePlace::of(const QString &path)
+{
+    QString trimmed = path;
+    while (trimmed.size() > 1 && trimmed.endsWith(u'/'))
+        trimmed.chop(1);
+    const qsizetype slash = trimmed.lastIndexOf(u'/');
+    PackagePlace place{trimmed, u"."_s, trimmed.mid(slash + 1)};
+    if (slash >= 0)
+        place.folder = slash == 0 ? u"/"_s : trimmed.left(slash);
+    if (!isPlainName(place.name) || place.folder.contains(QChar::Null))
+        return failure(u"“%1” is not a name for a file. Choose another name."_s.arg(path));
+    return place;
+}
+
+bool isPlainName(const QString &name)
+{
+    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/')
+           && !name.contains(QChar::Null);
+}
+
+} // namespace tembra

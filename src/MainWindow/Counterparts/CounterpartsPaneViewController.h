@@ -1,0 +1,106 @@
+#pragma once
+
+#include "Model/Counterpart.h"
+#include "Toolkit/List/ArrayController.h"
+
+#include <QSet>
+#include <QWidget>
+
+#include <memory>
+
+class QAction;
+class QStackedWidget;
+
+namespace tembra {
+
+class AutoEditArrayController;
+class CoreDataInterface;
+class CounterpartListView;
+class CounterpartRowDelegate;
+class CounterpartsArrayController;
+class EmptyState;
+class NotificationCenter;
+class ViewCoordinator;
+struct ChangeSet;
+
+/// The left pane of the main window: the user's teammates, most neglected first.
+///
+/// The first selected teammate is the one the meeting pane shows. The list follows the store; its
+/// order is taken at the start, when the meeting pane asks for it, and when teammates come in from
+/// elsewhere (an undo, an import).
+class CounterpartsPaneViewController : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// @p viewCoordinator must know the meeting pane by the time something is selected.
+    CounterpartsPaneViewController(ViewCoordinator &viewCoordinator, CoreDataInterface &coreData,
+                                   NotificationCenter &notifications, QWidget *parent = nullptr);
+    ~CounterpartsPaneViewController() override;
+
+    AutoEditArrayController &counterpartsArrayController() const;
+    /// All teammates of the list, in its order.
+    QList<std::shared_ptr<Counterpart>> counterparts() const;
+    bool hasSelection() const;
+
+    /// Shows a teammate and makes it the selection, unless the meeting pane shows it already. One
+    /// that is about to come back by undo is shown when it has.
+    void reveal(ObjectID counterpart);
+    /// A name being typed goes into its record without ending the edit, unless an input method is
+    /// composing it. Always true: no name is refused.
+    bool commitEditing();
+
+public Q_SLOTS:
+    /// Segment 0 adds a teammate, any other asks and deletes the selected ones.
+    void handleTeammateAddDelete(int segment);
+    void handleDeleteFromMenu();
+    void renameSelected();
+    /// A backup of all teammates, in the order of the list.
+    void handleCreateBackup();
+    void handleImportBackup();
+    void handleTagsButton();
+
+Q_SIGNALS:
+    void selectionChanged();
+    void backupRequested(const QList<tembra::ObjectID> &teammates);
+    void importRequested();
+    void tagBrowserRequested();
+
+private:
+    void buildLayout();
+    QWidget *buildHeader();
+    QWidget *buildSegments();
+    QWidget *buildFooter();
+    void buildList();
+    void buildEmptyState();
+    void createActions();
+    void connectSignals();
+    void viewDidLoad();
+
+    void fetchCounterparts();
+    void followStore(const ChangeSet &changes);
+    /// Teammates that came in otherwise than by the list.
+    int counterpartEntity() const;
+    ArrayController::ObjectList unlistedInsertions(const ChangeSet &changes) const;
+    void showWhatThereIs();
+    void tableViewSelectionDidChange();
+    void setTimelineCounterpart(const std::shared_ptr<Counterpart> &counterpart);
+    void focusMeetings();
+    void askToDelete();
+    void deleteCounterparts(const ArrayController::ObjectList &counterparts);
+    void removeFromStore(const ArrayController::ObjectList &counterparts);
+    void reload();
+
+    ViewCoordinator &m_viewCoordinator;
+    CoreDataInterface &m_coreData;
+    NotificationCenter &m_notifications;
+    CounterpartsArrayController *m_counterpartsArrayController;
+    CounterpartListView *m_tableView = nullptr;
+    CounterpartRowDelegate *m_rowDelegate = nullptr;
+    QStackedWidget *m_stack = nullptr;
+    EmptyState *m_emptyState = nullptr;
+    QAction *m_renameAction = nullptr;
+    QSet<ObjectID> m_awaited; ///< About to come back by undo.
+};
+
+} // namespace tembra

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Foundation/Time/Date.h"
+
+#include <memory>
+
+namespace tembra {
+
+class Counterpart;
+class ManagedObjectContext;
+
+/// Adds @p count made-up meetings to a teammate, a day apart up to @p now, rated and with some notes
+/// filled, as one step of undo. For trying out how the program bears a long history.
+void stuffSessions(ManagedObjectContext &context, const std::shared_ptr<Counterpart> &counterpart,
+                   int count, Date now);
+
+} // namespace tembra

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Foundation/Result.h"
+#include "Store/Schema/ObjectID.h"
+#include "Store/Schema/Value.h"
+
+#include <QByteArray>
+
+#include <functional>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace tembra {
+
+class Connection;
+class Statement;
+class StoreSchema;
+struct ToManyLink;
+struct ToOneColumn;
+
+/// Reads records and links from the store, as they are written there.
+class RowReader
+{
+public:
+    using Row = std::vector<Value>; ///< By property number.
+    using RowVisitor = std::function<void(qint64 key, Row row)>;
+    using PairVisitor = std::function<void(qint64 owner, qint64 other)>;
+
+    RowReader(const StoreSchema &schema, Connection &connection);
+
+    /// Nothing when there is no such record.
+    Result<std::optional<Row>> row(ObjectID id);
+    /// Visits those of the records that exist, in no particular order.
+    Result<void> rows(int entity, std::span<const qint64> keys, const RowVisitor &visit);
+    Result<bool> exists(ObjectID id);
+    Result<bool> isLinked(const ToManyLink &link, qint64 owner, qint64 other);
+
+    /// Visits (owner, other) for every record that a to-many relationship of @p owners reaches.
+    Result<void> related(const ToManyLink &link, std::span<const qint64> owners,
+                         const PairVisitor &visit);
+    /// Visits the records whose to-one points to one of @p destinations.
+    Result<void> referringRows(const ToOneColumn &column, std::span<const qint64> destinations,
+                               const RowVisitor &visit);
+    /// Visits (record, destination) for every record whose to-one points to one of @p destinations.
+    Result<void> referrers(const ToOneColumn &column, std::span<const qint64> destinations,
+                           const PairVisitor &visit);
+
+private:
+    struct EntityStatements
+    {
+        QByteArray columns; ///< "a","b","c"
+        Statement *row = nullptr;
+        Statement *exists = nullptr;
+    };
+
+    Result<void> rowsOf(int entity, const QByteArray &column, std::span<const qint64> keys,
+                        const RowVisitor &visit);
+    Result<void> pairs(const QByteArray &sql, std::span<const qint64> keys,
+                       const PairVisitor &visit);
+    Row readRow(const Statement &statement, int entity, int firstColumn) const;
+
+    const StoreSchema &m_schema;
+    Connection &m_connection;
+    std::vector<EntityStatements> m_statements;
+};
+
+} // namespace tembra

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Foundation/Result.h"
+#include "Store/Objects/ChangeSet.h"
+#include "Store/Schema/ObjectID.h"
+#include "Store/Schema/Value.h"
+
+#include <QHash>
+
+#include <span>
+#include <vector>
+
+namespace tembra {
+
+class Connection;
+class Statement;
+class StoreSchema;
+class Transaction;
+struct ToManyLink;
+struct ToOneColumn;
+
+/// Writes records and links, within a transaction of the caller's. A to-one and a link to a record
+/// that has vanished are written as missing, so that one lost record never blocks what else is to
+/// be written.
+class RowWriter
+{
+public:
+    RowWriter(const StoreSchema &schema, Connection &connection);
+
+    Result<void> insertRow(Transaction &transaction, ObjectID id, const std::vector<Value> &values);
+    /// False when there is no such record any more.
+    Result<bool> updateRow(Transaction &transaction, ObjectID id, PropertyMask columns,
+                           const std::vector<Value> &values);
+    Result<void> deleteRows(Transaction &transaction, int entity, std::span<const qint64> keys);
+
+    Result<void> addLink(Transaction &transaction, const ToManyLink &link, qint64 owner,
+                         qint64 other);
+    Result<void> removeLink(Transaction &transaction, const ToManyLink &link, qint64 owner,
+                            qint64 other);
+    Result<void> removeLinks(Transaction &transaction, const ToManyLink &link,
+                             std::span<const qint64> owners);
+    /// Makes a to-one missing wherever it points to one of @p destinations.
+    Result<void> nullify(Transaction &transaction, const ToOneColumn &column,
+                         std::span<const qint64> destinations);
+
+private:
+    QByteArray placeholder(int entity, int property) const;
+    Result<Statement *> insertStatement(int entity);
+    Result<Statement *> updateStatement(int entity, PropertyMask columns);
+    Result<void> runForKeys(Transaction &transaction, const QByteArray &sql,
+                            std::span<const qint64> keys);
+
+    const StoreSchema &m_schema;
+    Connection &m_connection;
+    std::vector<Statement *> m_inserts;
+    std::vector<QHash<PropertyMask, Statement *>> m_updates;
+};
+
+} // namespace tembra

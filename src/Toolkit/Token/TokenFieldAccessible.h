@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Toolkit/Token/TokenText.h"
+
+#include <QAccessibleTextInterface>
+#include <QAccessibleWidget>
+
+namespace tembra {
+
+class TokenField;
+
+/// A token field for assistive technology: a text in which each token is its title.
+class TokenFieldAccessible final : public QAccessibleWidget,
+                                   public QAccessibleTextInterface,
+                                   public QAccessibleEditableTextInterface
+{
+public:
+    explicit TokenFieldAccessible(TokenField *field);
+
+    /// Makes it known; more than once does no harm.
+    static void install();
+    /// The titles and half-typed texts, separated by commas.
+    static QString textOf(const TokenField &field);
+
+    QAccessible::State state() const override;
+    QString text(QAccessible::Text part) const override;
+    void setText(QAccessible::Text part, const QString &text) override;
+    void *interface_cast(QAccessible::InterfaceType type) override;
+
+    void selection(int index, int *start, int *end) const override;
+    int selectionCount() const override;
+    void addSelection(int start, int end) override;
+    void removeSelection(int index) override;
+    void setSelection(int index, int start, int end) override;
+    int cursorPosition() const override;
+    void setCursorPosition(int offset) override;
+    QString text(int start, int end) const override;
+    int characterCount() const override;
+    QRect characterRect(int offset) const override;
+    int offsetAtPoint(const QPoint &point) const override;
+    void scrollToSubstring(int start, int end) override;
+    QString attributes(int offset, int *start, int *end) const override;
+
+    void deleteText(int start, int end) override;
+    void insertText(int offset, const QString &text) override;
+    void replaceText(int start, int end, const QString &text) override;
+
+private:
+    enum class Side { Start, End };
+
+    static QString toldText(const TokenField &field, const TokenText::Piece &piece);
+
+    TokenField *field() const;
+    int offsetOf(int position, Side side) const;
+    int positionOf(int offset) const;
+};
+
+} // namespace tembra
