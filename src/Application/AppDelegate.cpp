@@ -14,6 +14,7 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Objects/PersistentContainer.h"
 #include "Toolkit/Alert.h"
+#include "Toolkit/WindowActivation.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -248,16 +249,10 @@ bool AppDelegate::eventFilter(QObject *watched, QEvent *event)
 
 void AppDelegate::bringForward()
 {
-    if (m_window) {
-        m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
-        m_window->show();
-        m_window->raise();
-    }
-    QWidget *alert = QApplication::activeModalWidget();
-    if (QWidget *front = alert ? alert : m_window.get()) {
-        front->raise();
-        front->activateWindow();
-    }
+    if (m_window)
+        bringToFront(*m_window);
+    if (QWidget *alert = QApplication::activeModalWidget())
+        bringToFront(*alert);
 }
 
 MainWindow *AppDelegate::window() const

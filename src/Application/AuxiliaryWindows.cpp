@@ -8,23 +8,12 @@
 #include "Store/Undo/UndoManager.h"
 #include "Tags/TagWindowController.h"
 #include "Toolkit/Emoji/EmojiPalette.h"
+#include "Toolkit/WindowActivation.h"
 
 #include <QMenu>
 #include <QMenuBar>
 
 namespace tembra {
-
-namespace {
-
-void bringToFront(QWidget &window)
-{
-    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-    window.show();
-    window.raise();
-    window.activateWindow();
-}
-
-} // namespace
 
 AuxiliaryWindows::AuxiliaryWindows(ProgramServices &services, const QString &windowStateFile,
                                    std::function<void()> quitRequested, QObject *parent)

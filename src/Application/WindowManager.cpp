@@ -4,6 +4,7 @@
 #include "MainWindow/Session/SessionWindowController.h"
 #include "Model/CoreDataInterface.h"
 #include "Model/Session.h"
+#include "Toolkit/WindowActivation.h"
 
 #include <algorithm>
 
@@ -44,11 +45,7 @@ SessionWindowController &WindowManager::windowController(const std::shared_ptr<S
 
 void WindowManager::open(const std::shared_ptr<Session> &session)
 {
-    SessionWindowController &window = windowController(session);
-    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-    window.show();
-    window.raise();
-    window.activateWindow();
+    bringToFront(windowController(session));
 }
 
 void WindowManager::release(SessionWindowController *window)
