@@ -2,7 +2,10 @@
 
 #include "Foundation/Precondition.h"
 #include "Toolkit/List/ObjectSorting.h"
+#include "Toolkit/List/PropertyObservation.h"
 
+#include <QItemSelectionModel>
+#include <QMetaProperty>
 #include <QScopedValueRollback>
 #include <QSet>
 
@@ -35,6 +38,12 @@ QList<std::pair<int, int>> rangesOf(const QList<int> &rows)
             ranges.append({row, row});
     }
     return ranges;
+}
+
+QMetaProperty propertyOf(const QObject &object, const QByteArray &name)
+{
+    const QMetaObject *metaObject = object.metaObject();
+    return metaObject->property(metaObject->indexOfProperty(name.constData()));
 }
 
 } // namespace
@@ -242,6 +251,220 @@ ArrayController::ObjectList ArrayController::unlisted(const ObjectList &objects)
         result.append(object);
     }
     return result;
+}
+
+int ArrayController::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_arranged.size());
+}
+
+int ArrayController::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_columns.size());
+}
+
+QVariant ArrayController::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid())
+        return {};
+    QObject *object = m_arranged.at(index.row()).get();
+    if (role == ObjectRole)
+        return QVariant::fromValue(object);
+    if (role == Qt::DisplayRole || role == Qt::EditRole)
+        return propertyOf(*object, m_columns.at(index.column())).read(object);
+    return {};
+}
+
+bool ArrayController::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (!index.isValid() || role != Qt::EditRole)
+        return false;
+    const Object object = m_arranged.at(index.row());
+    const QMetaProperty property = propertyOf(*object, m_columns.at(index.column()));
+    const bool emptied = value.typeId() == QMetaType::QString && value.toString().isEmpty();
+    if (!property.write(object.get(), emptied ? QVariant(QString()) : value))
+        return false;
+    if (!property.hasNotifySignal())
+        Q_EMIT dataChanged(index, index);
+    return true;
+}
+
+QVariant ArrayController::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation == Qt::Horizontal && role == Qt::DisplayRole)
+        return m_headerTitles.value(section);
+    return {};
+}
+
+Qt::ItemFlags ArrayController::flags(const QModelIndex &index) const
+{
+    Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+    if (index.isValid() && m_editable.at(index.column()))
+        flags |= Qt::ItemIsEditable;
+    return flags;
+}
+
+void ArrayController::sort(int column, Qt::SortOrder order)
+{
+    setSortDescriptors({});
+    if (column >= 0 && column < columnCount())
+        setSortDescriptors({{m_columns.at(column), order == Qt::AscendingOrder}});
+    rearrangeObjects();
+}
+
+// One observation for each row and column: a list that many objects tell their changes to directly
+// would have to search all of them for the one that speaks.
+void ArrayController::observe(const Object &object)
+{
+    QList<PropertyObservation *> &observations = m_observations[object.get()];
+    for (int column = 0; column < m_columns.size(); ++column) {
+        const QMetaProperty property = propertyOf(*object, m_columns.at(column));
+        require(property.isValid(), "Every column is a property of every listed object");
+        if (!property.hasNotifySignal())
+            continue;
+        observations.append(new PropertyObservation(
+            object.get(), m_columns.at(column),
+            [this, listed = object.get(), column] { objectChanged(listed, column); }, this));
+    }
+}
+
+void ArrayController::stopObserving(const Object &object)
+{
+    const QList<PropertyObservation *> observations = m_observations.take(object.get());
+    for (PropertyObservation *observation : observations) {
+        disconnect(object.get(), nullptr, observation, nullptr);
+        // It may be telling of the very change that takes the object off the list.
+        observation->deleteLater();
+    }
+}
+
+void ArrayController::objectChanged(const QObject *object, int column)
+{
+    const int row = rowOf(object);
+    if (row >= 0 && column < columnCount())
+        Q_EMIT dataChanged(index(row, column), index(row, column));
+}
+
+QList<int> ArrayController::selectionIndexes() const
+{
+    QList<int> rows;
+    rows.reserve(m_selected.size());
+    for (const Object &object : m_selected)
+        rows.append(rowOf(object.get()));
+    return rows;
+}
+
+int ArrayController::selectionIndex() const
+{
+    return m_selected.isEmpty() ? -1 : rowOf(m_selected.first().get());
+}
+
+void ArrayController::setSelectedObjects(const ObjectList &objects)
+{
+    ObjectList listed;
+    QSet<const QObject *> seen;
+    for (const Object &object : objects) {
+        if (rowOf(object.get()) < 0 || seen.contains(object.get()))
+            continue;
+        seen.insert(object.get());
+        listed.append(object);
+    }
+    replaceSelection(listed);
+}
+
+void ArrayController::setSelectionIndexes(const QList<int> &rows)
+{
+    ObjectList objects;
+    for (const int row : rows) {
+        if (const Object object = objectAt(row))
+            objects.append(object);
+    }
+    setSelectedObjects(objects);
+}
+
+void ArrayController::setSelectionIndex(int row)
+{
+    setSelectionIndexes({row});
+}
+
+void ArrayController::bindSelection(QItemSelectionModel *selectionModel)
+{
+    require(!selectionModel || selectionModel->model() == this,
+            "A bound selection is of this list");
+    if (m_selectionModel)
+        disconnect(m_selectionModel, nullptr, this, nullptr);
+    m_selectionModel = selectionModel;
+    if (!selectionModel)
+        return;
+    connect(selectionModel, &QItemSelectionModel::selectionChanged, this,
+            &ArrayController::takeSelectionFromView);
+    showSelectionInView();
+}
+
+void ArrayController::replaceSelection(const ObjectList &objects)
+{
+    const bool changed = objects != m_selected;
+    m_selected = objects;
+    showSelectionInView();
+    if (changed)
+        Q_EMIT selectionChanged();
+}
+
+void ArrayController::keepSelectionListed()
+{
+    ObjectList listed = m_selected;
+    listed.removeIf([this](const Object &object) { return rowOf(object.get()) < 0; });
+    replaceSelection(listed);
+}
+
+void ArrayController::takeSelectionFromView(const QItemSelection &selected, const QItemSelection &)
+{
+    if (m_ignoreView)
+        return;
+    ObjectList objects;
+    QSet<const QObject *> known;
+    for (const Object &object : std::as_const(m_selected)) {
+        if (!m_selectionModel->rowIntersectsSelection(rowOf(object.get())))
+            continue;
+        objects.append(object);
+        known.insert(object.get());
+    }
+    for (const QItemSelectionRange &range : selected) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            const Object object = objectAt(row);
+            if (known.contains(object.get()))
+                continue;
+            known.insert(object.get());
+            objects.append(object);
+        }
+    }
+    if (objects == m_selected)
+        return;
+    m_selected = objects;
+    Q_EMIT selectionChanged();
+}
+
+void ArrayController::showSelectionInView()
+{
+    if (!m_selectionModel || m_ignoreView)
+        return;
+    const QScopedValueRollback ignoring(m_ignoreView, true);
+    QList<int> rows = selectionIndexes();
+    std::sort(rows.begin(), rows.end());
+    QItemSelection selection;
+    const int lastColumn = std::max(0, columnCount() - 1);
+    for (const int row : std::as_const(rows)) {
+        if (!selection.isEmpty() && selection.last().bottom() == row - 1)
+            selection.last() = QItemSelectionRange(selection.last().topLeft(),
+                                                   index(row, lastColumn));
+        else
+            selection.append(QItemSelectionRange(index(row, 0), index(row, lastColumn)));
+    }
+    m_selectionModel->select(selection, QItemSelectionModel::ClearAndSelect);
+    const QModelIndex current = m_selectionModel->currentIndex();
+    if (!rows.isEmpty() && !std::binary_search(rows.begin(), rows.end(), current.row()))
+        m_selectionModel->setCurrentIndex(index(selectionIndex(), std::max(0, current.column())),
+                                          QItemSelectionModel::NoUpdate);
 }
 
 } // namespace tembra
