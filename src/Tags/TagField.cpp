@@ -36,7 +36,7 @@ QString titleOf(const TokenField::Object &object)
 } // namespace
 
 TagField::TagField(ManagedObjectContext &context, const Clock &clock, QWidget *parent)
-    : TokenField(parent)
+    : TokenField(*this, parent)
     , tagsResultController(Tag::allTagsResultController(context))
     , m_context(context)
     , m_clock(clock)
@@ -111,7 +111,7 @@ QStringList TagField::completionsForSubstring(const QString &substring, int /*in
     return m_candidates.completions(substring, attachedTags(), newTagPrompt());
 }
 
-TokenField::Object TagField::representedObjectForEditingString(const QString &editingString)
+TagField::Object TagField::representedObjectForEditingString(const QString &editingString)
 {
     return m_candidates.tagTitled(editingString);
 }
@@ -126,7 +126,7 @@ QString TagField::editingStringForRepresentedObject(const Object &object) const
     return titleOf(object);
 }
 
-QList<TokenField::Object> TagField::shouldAddObjects(const QList<Proposal> &proposed, int /*index*/)
+QList<TagField::Object> TagField::shouldAddObjects(const QList<Proposal> &proposed, int /*index*/)
 {
     if (m_session && m_session->isDeleted())
         return {}; // What is half typed for a meeting that is gone becomes no tag.
@@ -204,7 +204,7 @@ bool TagField::canReadFromPasteboard(const QMimeData &mimeData) const
     return mimeData.hasFormat(TagPasteboard::type);
 }
 
-QList<TokenField::Object> TagField::readFromPasteboard(const QMimeData &mimeData)
+QList<TagField::Object> TagField::readFromPasteboard(const QMimeData &mimeData)
 {
     const QSet<const QObject *> attached = attachedTags();
     QList<Object> read;

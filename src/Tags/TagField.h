@@ -25,11 +25,13 @@ class RecentTagsViewController;
 /// Tags that come in are put on the meeting at once; those that go, when editing ends, which also
 /// notes when the new ones were used. What the meeting loses or gets elsewhere shows here at once.
 /// Without a meeting the tags are simply those of the field.
-class TagField final : public TokenField
+class TagField final : public TokenField, private TokenFieldDelegate
 {
     Q_OBJECT
 
 public:
+    using Object = TokenField::Object;
+
     TagField(ManagedObjectContext &context, const Clock &clock, QWidget *parent = nullptr);
     ~TagField() override;
 
@@ -63,6 +65,10 @@ Q_SIGNALS:
     void tagsDidChange();
 
 protected:
+    void focusInEvent(QFocusEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
     QStringList completionsForSubstring(const QString &substring, int indexOfToken) override;
     Object representedObjectForEditingString(const QString &editingString) override;
     QString displayStringForRepresentedObject(const Object &object) const override;
@@ -74,10 +80,6 @@ protected:
     bool canReadFromPasteboard(const QMimeData &mimeData) const override;
     QList<Object> readFromPasteboard(const QMimeData &mimeData) override;
 
-    void focusInEvent(QFocusEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
-
-private:
     std::unique_ptr<FetchedResultsController> tagsResultController;
     QMenu *tagEditMenu = nullptr;
     QList<std::shared_ptr<Tag>> tagsToTimeStamp;

@@ -37,7 +37,7 @@ private Q_SLOTS:
         QVERIFY(!m_program->hasChanges());
         QVERIFY(field->isEditing());
         QVERIFY(field->hasFocus());
-        QCOMPARE(field->editedSubstring(), u"half"_s);
+        QCOMPARE(field->editor().halfTypedText().text, u"half"_s);
         QVERIFY(field->tags().isEmpty());
         QVERIFY(allTags().isEmpty());
         // And typing goes on where it was.

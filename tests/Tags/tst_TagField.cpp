@@ -211,7 +211,7 @@ private Q_SLOTS:
         QCOMPARE(m_test->titles(), (QStringList{u"here "_s, u"there "_s}));
         m_test->meeting->removeTag(*there);
         QCOMPARE(m_test->titles(), QStringList{u"here "_s});
-        QCOMPARE(m_test->field->editedSubstring(), u"ha"_s);
+        QCOMPARE(m_test->field->editor().halfTypedText().text, u"ha"_s);
     }
 
     void aRenamedTagShowsAtOnce()
@@ -225,7 +225,7 @@ private Q_SLOTS:
         m_test->journal.context().processPendingChanges();
         QCOMPARE(m_test->titles(), QStringList{u"new 🎯"_s});
         QVERIFY(m_test->field->toolTip().isEmpty());
-        QCOMPARE(m_test->field->editedSubstring(), u"ha"_s);
+        QCOMPARE(m_test->field->editor().halfTypedText().text, u"ha"_s);
     }
 
     void aDeletedTagGoesWhileItIsSelected()

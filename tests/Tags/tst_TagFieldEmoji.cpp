@@ -155,7 +155,7 @@ private:
         QVERIFY(m_test->journal.context().deleteObject(tag));
         m_test->journal.context().processPendingChanges();
         QVERIFY2(m_test->field->tags().isEmpty(), shown);
-        QVERIFY2(m_test->field->editedSubstring().isEmpty(), shown);
+        QVERIFY2(m_test->field->editor().halfTypedText().text.isEmpty(), shown);
     }
 
     QSet<char32_t> m_shownAsEmoji;

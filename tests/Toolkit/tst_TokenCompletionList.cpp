@@ -1,9 +1,7 @@
 #include "Toolkit/Token/TokenCompletionList.h"
 
 #include "TokenFieldTest.h"
-#include "Toolkit/Token/TokenCompletionModel.h"
 
-#include <QAbstractItemModelTester>
 #include <QElapsedTimer>
 #include <QListView>
 #include <QScreen>
@@ -40,7 +38,6 @@ class TestTokenCompletionList : public TokenFieldTest
 private Q_SLOTS:
     void init();
     void cleanup() { TokenFieldTest::cleanup(); }
-    void isAModel();
     void followsTheKeys();
     void asksForTheTextAndItsIndex();
     void highlightsNothingUnasked();
@@ -74,19 +71,6 @@ void TestTokenCompletionList::init()
 {
     TokenFieldTest::init();
     m_field->offered = QStringList{u"Plans 🚀"_s, u"Planning"_s, u"plus"_s, u"Risk ⚡️"_s};
-}
-
-void TestTokenCompletionList::isAModel()
-{
-    TokenCompletionModel model;
-    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-    model.setEntries({u"One"_s, QString(5'000, u'x')});
-    QCOMPARE(model.rowCount(), 2);
-    QCOMPARE(model.index(0, 0).data().toString(), u"One"_s);
-    QVERIFY(model.index(1, 0).data().toString().size() < 5'000);
-    QCOMPARE(model.entry(1).size(), 5'000);
-    model.setEntries({});
-    QCOMPARE(model.rowCount(), 0);
 }
 
 void TestTokenCompletionList::followsTheKeys()

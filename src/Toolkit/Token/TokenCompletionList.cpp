@@ -2,11 +2,10 @@
 
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/Theme.h"
+#include "Toolkit/Token/TokenCompletion.h"
 #include "Toolkit/Token/TokenCompletionDelegate.h"
-#include "Toolkit/Token/TokenCompletionModel.h"
 
 #include <QGuiApplication>
-#include <QKeyEvent>
 #include <QListView>
 #include <QPainter>
 #include <QPainterPath>
@@ -62,9 +61,9 @@ bool needsRoundMask()
 
 } // namespace
 
-TokenCompletionList::TokenCompletionList(QWidget *field)
+TokenCompletionList::TokenCompletionList(TokenCompletion &completion, QWidget *field)
     : QFrame(field, Qt::ToolTip | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
-    , m_model(new TokenCompletionModel(this))
+    , m_completion(completion)
     , m_view(rowsView(this))
 {
     setObjectName(u"completionList"_s);
@@ -74,23 +73,34 @@ TokenCompletionList::TokenCompletionList(QWidget *field)
     setAttribute(Qt::WA_X11DoNotAcceptFocus);
     setAttribute(Qt::WA_TranslucentBackground, !needsRoundMask());
     setFocusPolicy(Qt::NoFocus);
-    m_view->setModel(m_model);
+    m_view->setModel(&m_completion);
     m_view->setAccessibleName(tr("Completions", "list of texts that complete what is typed"));
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(listPadding, listPadding, listPadding, listPadding);
     layout->setSizeConstraint(QLayout::SetNoConstraint);
     layout->addWidget(m_view);
     connect(m_view, &QListView::clicked, this,
-            [this](const QModelIndex &index) { Q_EMIT taken(m_model->entry(index.row())); });
+            [this](const QModelIndex &index) { m_completion.take(index.row()); });
+    connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, &m_completion,
+            [this](const QModelIndex &index) { m_completion.setHighlightedRow(index.row()); });
+    connect(&m_completion, &TokenCompletion::highlightedRowChanged, this,
+            &TokenCompletionList::showHighlight);
+    connect(&m_completion, &TokenCompletion::openChanged, this, [this](bool isOpen) {
+        if (!isOpen)
+            hide();
+    });
 }
 
-void TokenCompletionList::setEntries(const QStringList &entries)
+void TokenCompletionList::showHighlight()
 {
-    m_model->setEntries(entries);
-    m_view->scrollToTop();
-    m_isLedByKeys = false;
-    if (m_highlightsFirst && !entries.isEmpty())
-        highlight(0);
+    const QModelIndex index = m_completion.index(m_completion.highlightedRow(), 0);
+    if (!index.isValid()) {
+        m_view->setCurrentIndex({});
+        m_view->scrollToTop();
+    } else if (index != m_view->currentIndex()) {
+        m_view->setCurrentIndex(index);
+        m_view->scrollTo(index);
+    }
 }
 
 void TokenCompletionList::showBeside(const QRect &anchor)
@@ -115,12 +125,12 @@ void TokenCompletionList::showBeside(const QRect &anchor)
 
 QSize TokenCompletionList::wantedSize() const
 {
-    const int rows = std::min(m_model->rowCount(), mostRows);
+    const int rows = std::min(m_completion.rowCount(), mostRows);
     const QFontMetrics metrics(m_view->font());
     int width = leastWidth;
     // The rows at the top decide: to measure all of them would take too long for a keystroke.
     for (int row = 0; row < rows; ++row) {
-        const QString text = displayText(m_model->entry(row).left(mostWidth));
+        const QString text = displayText(m_completion.entry(row).left(mostWidth));
         const int emojiRoom = mayHoldEmoji(text) ? 2 * metrics.height() : 0;
         width = std::max(width, metrics.horizontalAdvance(text) + emojiRoom);
     }
@@ -130,61 +140,9 @@ QSize TokenCompletionList::wantedSize() const
             rows * TokenCompletionDelegate::rowHeight(m_view->font()) + 2 * listPadding};
 }
 
-bool TokenCompletionList::hasHighlight() const
+int TokenCompletionList::rowsPerPage() const
 {
-    return isVisible() && m_view->currentIndex().isValid();
-}
-
-void TokenCompletionList::takeHighlighted()
-{
-    if (hasHighlight())
-        Q_EMIT taken(m_model->entry(m_view->currentIndex().row()));
-}
-
-bool TokenCompletionList::handleKey(const QKeyEvent *event)
-{
-    if (!isVisible() || (event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
-        return false;
-    const int row = rowFor(event->key());
-    if (row < 0)
-        return false;
-    highlight(row);
-    m_isLedByKeys = true;
-    return true;
-}
-
-/// Where a key leads; -1 if it is none of the list's.
-int TokenCompletionList::rowFor(int key) const
-{
-    const int last = m_model->rowCount() - 1;
-    const int current = m_view->currentIndex().isValid() ? m_view->currentIndex().row() : -1;
-    const int page = std::max(1, m_view->viewport()->height()
-                                         / TokenCompletionDelegate::rowHeight(m_view->font())
-                                     - 1);
-    switch (key) {
-    case Qt::Key_Down:
-        return current == last ? 0 : current + 1;
-    case Qt::Key_Up:
-        return current <= 0 ? last : current - 1;
-    case Qt::Key_PageDown:
-        return std::min(last, std::max(current, 0) + page);
-    case Qt::Key_PageUp:
-        return current < 0 ? last : std::max(0, current - page);
-    // As long as the keys have not led into the list, these move the caret.
-    case Qt::Key_Home:
-        return m_isLedByKeys ? 0 : -1;
-    case Qt::Key_End:
-        return m_isLedByKeys ? last : -1;
-    default:
-        return -1;
-    }
-}
-
-void TokenCompletionList::highlight(int row)
-{
-    const QModelIndex index = m_model->index(row, 0);
-    m_view->setCurrentIndex(index);
-    m_view->scrollTo(index);
+    return m_view->viewport()->height() / TokenCompletionDelegate::rowHeight(m_view->font());
 }
 
 bool TokenCompletionList::event(QEvent *event)
@@ -210,14 +168,13 @@ void TokenCompletionList::showEvent(QShowEvent *event)
 {
     QFrame::showEvent(event);
     parentWidget()->window()->installEventFilter(this);
-    Q_EMIT shown(true);
 }
 
 void TokenCompletionList::hideEvent(QHideEvent *event)
 {
     QFrame::hideEvent(event);
     parentWidget()->window()->removeEventFilter(this);
-    Q_EMIT shown(false);
+    m_completion.close();
 }
 
 void TokenCompletionList::paintEvent(QPaintEvent *)

@@ -1,33 +1,27 @@
 #pragma once
 
+#include "Toolkit/Token/TokenDragAndDrop.h"
+#include "Toolkit/Token/TokenEditor.h"
 #include "Toolkit/Token/TokenView.h"
-
-#include <QTextCursor>
-
-#include <optional>
-#include <variant>
-
-class QMenu;
 
 namespace tembra {
 
+class TokenCompletion;
 class TokenCompletionList;
 
 /// A text field whose content are objects, shown as tokens, with half-typed text between them.
 ///
-/// Typed text becomes tokens at Return, at a comma and when editing ends; what they are, say the
-/// overridden functions. Editing begins with the keyboard focus or with a change by the user, and
-/// ends with the focus, with Return where nothing is half-typed, or by `endEditing`. Another window
-/// or a menu does not end it. The field keeps no undo of its own.
+/// Typed text becomes tokens at Return, at a comma and when editing ends; the delegate says what they
+/// are. Editing begins with the keyboard focus or with a change by the user, and ends with the focus,
+/// with Return where nothing is half-typed, or by `endEditing`. Another window or a menu does not end
+/// it. The field keeps no undo history.
 class TokenField : public TokenView
 {
     Q_OBJECT
 
 public:
-    /// What is to become a token: an object, or a text for which there is none.
-    using Proposal = std::variant<Object, QString>;
-
-    explicit TokenField(QWidget *parent = nullptr);
+    /// @p delegate, which must live as long, is not called before the field has tokens or events.
+    explicit TokenField(TokenFieldDelegate &delegate, QWidget *parent = nullptr);
     ~TokenField() override;
 
     QList<Object> objectValue() const; ///< The tokens, in order.
@@ -35,7 +29,7 @@ public:
     void setObjectValue(const QList<Object> &objects);
     /// A token behind the last one; half-typed text, caret and selection stay.
     void appendObject(const Object &object);
-    /// Takes the tokens of an object away; all else stays.
+    /// Removes the tokens of an object, also one being edited whose text was not changed.
     void removeObject(const Object &object);
     /// Asks for the display strings anew; all else stays.
     void refreshTokens();
@@ -43,11 +37,11 @@ public:
     bool isEditing() const { return m_isEditing; }
     /// Turns half-typed text into tokens. The focus stays where it is.
     void endEditing();
-    /// The half-typed text around the caret.
-    QString editedSubstring() const;
     bool isCompletionListShown() const;
     /// Whether the first completion is highlighted while one types, so that Return takes it.
     void setHighlightsFirstCompletion(bool highlightsFirst);
+    /// The content and what can be done to it without a widget.
+    TokenEditor &editor() const { return *m_editor; }
 
 Q_SIGNALS:
     void textDidChange(); ///< The user changed half-typed text or tokens.
@@ -57,22 +51,6 @@ Q_SIGNALS:
     void completionListShown(bool shown);
 
 protected:
-    /// What to offer for a half-typed text that will be the token of this number.
-    virtual QStringList completionsForSubstring(const QString &substring, int indexOfToken);
-    /// The object a text stands for; null leaves it a text.
-    virtual Object representedObjectForEditingString(const QString &editingString);
-    virtual QString editingStringForRepresentedObject(const Object &object) const;
-    /// What of @p proposed to insert as tokens, from number @p index on. A text without an answer
-    /// goes away.
-    virtual QList<Object> shouldAddObjects(const QList<Proposal> &proposed, int index);
-    virtual bool hasMenuForRepresentedObject(const Object &object) const;
-    /// The context menu of a token, shown as it is; it stays the subclass's.
-    virtual QMenu *menuForRepresentedObject(const Object &object);
-    /// Adds the objects to @p mimeData; the text is there already. False if nothing was added.
-    virtual bool writeRepresentedObjects(const QList<Object> &objects, QMimeData &mimeData) const;
-    virtual bool canReadFromPasteboard(const QMimeData &mimeData) const;
-    virtual QList<Object> readFromPasteboard(const QMimeData &mimeData);
-
     bool event(QEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -93,60 +71,35 @@ protected:
     void insertFromMimeData(const QMimeData *source) override;
 
 private:
-    friend class TokenFieldAccessible;
-    class Change;
-    enum class Author { User, Program };
-
-    /// A token that was turned back into text.
-    struct EditedToken
-    {
-        Object object;
-        QString text;
-        QTextCursor place; ///< The beginning of the text.
-    };
-
-    void tellChanges(Author author);
+    void connectEditor();
+    void connectCompletion();
+    void contentChanged(TokenEditor::Author author, bool hasOtherTokens);
+    void followTextCursor();
     void announceTokens();
     void beginEditing();
     void restorePreedit();
 
-    void typeText(const QString &text);
-    int tokenize(int from, int to);
-    void tokenizeAll();
-    Proposal proposalFor(const QString &text);
-    void replace(int from, int to, const QList<Object> &objects);
-    bool pasteText(const QString &text);
-    bool pasteObjects(const QMimeData &mimeData);
-    bool pasteData(const QMimeData &mimeData);
-    void insertPieces(QTextCursor &cursor, const QList<TokenText::Piece> &pieces);
-    void editToken(int position);
-    bool restoreEditedToken();
-    void select(int anchor, int position);
-
     void complete();
-    void placeCompletions();
-    void hideCompletions();
-    void hideStaleCompletions();
-    void takeCompletion(const QString &entry);
+    void placeCompletionList();
+    void closeStaleCompletion();
+    void takeCompletion(const QString &entry, int textStart);
 
-    bool handleListKey(QKeyEvent *event);
-    bool handleEditingKey(QKeyEvent *event);
-    bool handleReturn(const QKeyEvent *event);
-    bool handleDeletion(const QKeyEvent *event);
-    bool handleSideKey(const QKeyEvent *event);
+    bool handleCompletionKey(const QKeyEvent &event);
+    bool handleEditingKey(QKeyEvent &event);
+    bool handleReturn(const QKeyEvent &event);
+    bool handleDeletion(const QKeyEvent &event);
+    bool handleSideKey(const QKeyEvent &event);
 
     void pressToken(int position, bool extends);
-    void dragSelection();
-    void moveDragged(int position);
+    QMenu *menuOfToken(int position);
+    QMenu *standardMenu();
 
-    TokenCompletionList *m_completions;
-    QList<TokenText::Piece> m_known; ///< What was told last.
-    std::optional<EditedToken> m_edited;
-    int m_changeDepth = 0;
-    int m_completedFrom = -1; ///< Where the text begins that the list is for.
+    TokenFieldDelegate &m_delegate;
+    std::unique_ptr<TokenEditor> m_editor;
+    std::unique_ptr<TokenCompletion> m_completion;
+    TokenCompletionList *m_completionList;
+    TokenDragAndDrop m_dragAndDrop;
     bool m_isEditing = false;
-    std::optional<QPoint> m_pressed; ///< In the selection: a click or a drag, the pointer will tell.
-    QTextCursor m_dragged; ///< The selection while it is dragged.
 };
 
 } // namespace tembra

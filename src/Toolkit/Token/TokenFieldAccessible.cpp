@@ -1,6 +1,6 @@
 #include "Toolkit/Token/TokenFieldAccessible.h"
 
-#include "Toolkit/Token/TokenFieldChange.h"
+#include "Toolkit/Token/TokenField.h"
 
 #include <algorithm>
 
@@ -40,30 +40,33 @@ TokenField *TokenFieldAccessible::field() const
     return static_cast<TokenField *>(widget());
 }
 
-/// What stands for a piece in the text as it is told.
-QString TokenFieldAccessible::toldText(const TokenField &field, const TokenText::Piece &piece)
+/// The accessible text of a fragment.
+QString TokenFieldAccessible::textOf(const TokenField &field, const TokenText::Fragment &fragment)
 {
-    return piece.object ? field.displayStringForRepresentedObject(piece.object) : piece.text;
+    return fragment.object
+               ? field.editor().delegate().displayStringForRepresentedObject(fragment.object)
+               : fragment.text;
 }
 
 QString TokenFieldAccessible::textOf(const TokenField &field)
 {
     QStringList texts;
-    for (const TokenText::Piece &piece : field.tokens()->pieces())
-        texts.append(toldText(field, piece));
+    for (const TokenText::Fragment &fragment : field.editor().text().fragments())
+        texts.append(textOf(field, fragment));
     return texts.join(titleSeparator);
 }
 
-/// From a position in the document to one in the text as it is told. Between two pieces that is
-/// the end of the one, or the start of the other.
+/// Maps a position in the document to an offset in the accessible text. Between two fragments that
+/// is the end of the one, or the start of the other.
 int TokenFieldAccessible::offsetOf(int position, Side side) const
 {
     qsizetype offset = 0;
-    for (const TokenText::Piece &piece : field()->tokens()->pieces()) {
-        const qsizetype length = toldText(*field(), piece).size();
-        const bool isEnd = position == piece.end() && side == Side::End;
-        if (position < piece.end() || isEnd) {
-            const qsizetype inside = piece.object ? (isEnd ? length : 0) : position - piece.start;
+    for (const TokenText::Fragment &fragment : field()->editor().text().fragments()) {
+        const qsizetype length = textOf(*field(), fragment).size();
+        const bool isEnd = position == fragment.end() && side == Side::End;
+        if (position < fragment.end() || isEnd) {
+            const qsizetype inside = fragment.object ? (isEnd ? length : 0)
+                                                     : position - fragment.start;
             return int(offset + inside);
         }
         offset += length + titleSeparator.size();
@@ -74,12 +77,12 @@ int TokenFieldAccessible::offsetOf(int position, Side side) const
 int TokenFieldAccessible::positionOf(int offset) const
 {
     qsizetype start = 0;
-    for (const TokenText::Piece &piece : field()->tokens()->pieces()) {
-        const qsizetype length = toldText(*field(), piece).size();
+    for (const TokenText::Fragment &fragment : field()->editor().text().fragments()) {
+        const qsizetype length = textOf(*field(), fragment).size();
         if (offset <= start + length) {
-            if (piece.object)
-                return offset <= start ? piece.start : piece.end();
-            return piece.start + std::max(0, int(offset - start));
+            if (fragment.object)
+                return offset <= start ? fragment.start : fragment.end();
+            return fragment.start + std::max(0, int(offset - start));
         }
         start += length + titleSeparator.size();
     }
@@ -148,7 +151,7 @@ void TokenFieldAccessible::removeSelection(int index)
 void TokenFieldAccessible::setSelection(int index, int start, int end)
 {
     if (index == 0)
-        field()->select(positionOf(start), positionOf(end));
+        field()->editor().select(positionOf(start), positionOf(end));
 }
 
 int TokenFieldAccessible::cursorPosition() const
@@ -158,7 +161,7 @@ int TokenFieldAccessible::cursorPosition() const
 
 void TokenFieldAccessible::setCursorPosition(int offset)
 {
-    field()->select(positionOf(offset), positionOf(offset));
+    field()->editor().select(positionOf(offset), positionOf(offset));
 }
 
 QString TokenFieldAccessible::text(int start, int end) const
@@ -175,10 +178,10 @@ int TokenFieldAccessible::characterCount() const
 QRect TokenFieldAccessible::characterRect(int offset) const
 {
     const int position = positionOf(offset);
-    const bool isToken = field()->tokens()->objectAt(position) != nullptr;
+    const bool isToken = field()->editor().text().objectAt(position) != nullptr;
     QTextCursor cursor(field()->document());
     cursor.setPosition(position);
-    const QRect rect = isToken ? field()->tokenRect(field()->tokens()->tokensBefore(position))
+    const QRect rect = isToken ? field()->tokenRect(field()->editor().text().tokensBefore(position))
                                : field()->cursorRect(cursor);
     return {field()->viewport()->mapToGlobal(rect.topLeft()), rect.size()};
 }
@@ -220,7 +223,7 @@ void TokenFieldAccessible::replaceText(int start, int end, const QString &text)
     if (field()->isReadOnly())
         return;
     setSelection(0, start, end);
-    field()->typeText(text);
+    field()->editor().typeText(text);
 }
 
 } // namespace tembra

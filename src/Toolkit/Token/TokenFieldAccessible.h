@@ -9,7 +9,7 @@ namespace tembra {
 
 class TokenField;
 
-/// A token field for assistive technology: a text in which each token is its title.
+/// Shows a token field to assistive technology as a text in which each token is its title.
 class TokenFieldAccessible final : public QAccessibleWidget,
                                    public QAccessibleTextInterface,
                                    public QAccessibleEditableTextInterface
@@ -17,7 +17,7 @@ class TokenFieldAccessible final : public QAccessibleWidget,
 public:
     explicit TokenFieldAccessible(TokenField *field);
 
-    /// Makes it known; more than once does no harm.
+    /// Registers the factory of this class, once.
     static void install();
     /// The titles and half-typed texts, separated by commas.
     static QString textOf(const TokenField &field);
@@ -48,7 +48,7 @@ public:
 private:
     enum class Side { Start, End };
 
-    static QString toldText(const TokenField &field, const TokenText::Piece &piece);
+    static QString textOf(const TokenField &field, const TokenText::Fragment &fragment);
 
     TokenField *field() const;
     int offsetOf(int position, Side side) const;

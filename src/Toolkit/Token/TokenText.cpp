@@ -91,31 +91,31 @@ TokenText::TokenText(QTextDocument *document, TitleOf titleOf)
 QList<TokenText::Object> TokenText::objects() const
 {
     QList<Object> result;
-    for (const Piece &piece : pieces()) {
-        if (piece.object)
-            result.append(piece.object);
+    for (const Fragment &fragment : fragments()) {
+        if (fragment.object)
+            result.append(fragment.object);
     }
     return result;
 }
 
-QList<TokenText::Piece> TokenText::pieces() const
+QList<TokenText::Fragment> TokenText::fragments() const
 {
-    return pieces(0, m_document->characterCount() - 1);
+    return fragments(0, m_document->characterCount() - 1);
 }
 
-QList<TokenText::Piece> TokenText::pieces(int from, int to) const
+QList<TokenText::Fragment> TokenText::fragments(int from, int to) const
 {
-    QList<Piece> result;
+    QList<Fragment> result;
     const QTextBlock block = m_document->firstBlock();
     const auto addText = [&result](const QString &text, int start) {
-        // One text may be several fragments.
+        // A document may hold one text in several fragments.
         if (result.isEmpty() || result.constLast().object)
             result.append({nullptr, {}, start, 0});
         result.last().text.append(text);
         result.last().length += int(text.size());
     };
-    for (auto fragments = block.begin(); !fragments.atEnd(); ++fragments) {
-        const QTextFragment fragment = fragments.fragment();
+    for (auto iterator = block.begin(); !iterator.atEnd(); ++iterator) {
+        const QTextFragment fragment = iterator.fragment();
         const int start = std::max(fragment.position(), from);
         const int end = std::min(fragment.position() + fragment.length(), to);
         if (start >= end)
@@ -126,12 +126,12 @@ QList<TokenText::Piece> TokenText::pieces(int from, int to) const
         for (int i = start; object && i < end; ++i)
             result.append({object, {}, i, 1});
     }
-    for (Piece &piece : result)
-        piece.text = decodedFromParagraph(piece.text);
+    for (Fragment &fragment : result)
+        fragment.text = decodedFromParagraph(fragment.text);
     return result;
 }
 
-TokenText::Piece TokenText::textAround(int position) const
+TokenText::Fragment TokenText::textAround(int position) const
 {
     const QString text = m_document->firstBlock().text();
     const auto caret = std::min(qsizetype(position), text.size());
@@ -152,7 +152,7 @@ TokenText::Object TokenText::objectAt(int position) const
 {
     if (position < 0 || m_document->characterAt(position) != tokenCharacter)
         return nullptr;
-    const QList<Piece> found = pieces(position, position + 1);
+    const QList<Fragment> found = fragments(position, position + 1);
     return found.isEmpty() ? nullptr : found.constFirst().object;
 }
 
@@ -243,22 +243,22 @@ void TokenText::setFont(const QFont &font)
         token.width = -1;
     QTextCursor cursor(m_document);
     cursor.beginEditBlock();
-    for (const Piece &piece : pieces()) {
-        if (!piece.object)
+    for (const Fragment &fragment : fragments()) {
+        if (!fragment.object)
             continue;
-        cursor.setPosition(piece.start);
-        cursor.setPosition(piece.end(), QTextCursor::KeepAnchor);
-        cursor.setCharFormat(formatFor(piece.object));
+        cursor.setPosition(fragment.start);
+        cursor.setPosition(fragment.end(), QTextCursor::KeepAnchor);
+        cursor.setCharFormat(formatFor(fragment.object));
     }
     cursor.endEditBlock();
 }
 
-void TokenText::forgetRemoved()
+void TokenText::releaseRemoved()
 {
     QSet<quintptr> present;
-    for (const Piece &piece : pieces()) {
-        if (piece.object)
-            present.insert(addressOf(piece.object));
+    for (const Fragment &fragment : fragments()) {
+        if (fragment.object)
+            present.insert(addressOf(fragment.object));
     }
     m_tokens.removeIf([&present](const auto &entry) { return !present.contains(entry.key()); });
 }

@@ -14,8 +14,8 @@ class QTextDocument;
 
 namespace tembra {
 
-/// What the document of a token field holds: objects, each of them one character, and half-typed
-/// texts between them. All of it is one paragraph.
+/// The content of a token field, kept in a text document: tokens, each of them one character that
+/// stands for an object, and half-typed texts between them. All of it is one paragraph.
 ///
 /// Positions are those of the document. Texts go in with stand-ins for the characters that a
 /// paragraph cannot hold, and for U+FFFC, which stands for a token here; they come out as they were.
@@ -35,8 +35,8 @@ public:
         double width = -1; ///< Of the title as drawn; negative until it is measured.
     };
 
-    /// A token, or the text up to the next one.
-    struct Piece
+    /// A token, or a half-typed text up to the next token.
+    struct Fragment
     {
         Object object; ///< Null for a text.
         QString text;
@@ -44,17 +44,20 @@ public:
         int length = 0;
 
         int end() const { return start + length; }
-        friend bool operator==(const Piece &, const Piece &) = default;
+        friend bool operator==(const Fragment &, const Fragment &) = default;
     };
 
     TokenText(QTextDocument *document, TitleOf titleOf);
 
+    QTextDocument *document() const { return m_document; }
+
+    /// The objects of the tokens, in order.
     QList<Object> objects() const;
-    QList<Piece> pieces() const;
-    /// What lies between two positions; texts are cut there.
-    QList<Piece> pieces(int from, int to) const;
+    QList<Fragment> fragments() const;
+    /// The fragments between two positions; texts are cut there.
+    QList<Fragment> fragments(int from, int to) const;
     /// The text that @p position lies in or touches; empty where there is none.
-    Piece textAround(int position) const;
+    Fragment textAround(int position) const;
     QString text(int from, int to) const;
     /// The object whose character follows @p position.
     Object objectAt(int position) const;
@@ -74,8 +77,8 @@ public:
     bool refreshTitles();
     /// The font decides where the caret stands beside a token.
     void setFont(const QFont &font);
-    /// Lets go of the objects that are no tokens any more.
-    void forgetRemoved();
+    /// Drops the references to objects that are no tokens any more.
+    void releaseRemoved();
 
 private:
     Object objectOf(const QTextFormat &format) const;

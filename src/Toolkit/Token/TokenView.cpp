@@ -3,7 +3,7 @@
 #include "Toolkit/Emoji/EmojiHighlighter.h"
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/Theme.h"
-#include "Toolkit/Token/TokenObject.h"
+#include "Toolkit/Token/TokenRenderer.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QHelpEvent>
@@ -44,13 +44,10 @@ int positionInLayout(const QTextLayout &layout, int position)
 
 } // namespace
 
-TokenView::TokenView(QWidget *parent)
+TokenView::TokenView(TokenText::TitleOf displayString, QWidget *parent)
     : QTextEdit(parent)
-    , m_text(std::make_unique<TokenText>(document(),
-                                         [this](const Object &object) {
-                                             return displayStringForRepresentedObject(object);
-                                         }))
-    , m_tokenObject(new TokenObject(m_text.get(), this))
+    , m_text(std::make_unique<TokenText>(document(), std::move(displayString)))
+    , m_renderer(new TokenRenderer(m_text.get(), this))
 {
     setAcceptRichText(false);
     setUndoRedoEnabled(false);
@@ -59,7 +56,7 @@ TokenView::TokenView(QWidget *parent)
     setViewportMargins(frameInset, frameInset, frameInset, frameInset);
     setFrameStyle(QFrame::NoFrame);
     viewport()->setMouseTracking(true);
-    document()->documentLayout()->registerHandler(TokenText::objectType, m_tokenObject);
+    document()->documentLayout()->registerHandler(TokenText::objectType, m_renderer);
     new EmojiHighlighter(document());
     applyMeasures();
     applyWrapping();
@@ -68,11 +65,6 @@ TokenView::TokenView(QWidget *parent)
 }
 
 TokenView::~TokenView() = default;
-
-QString TokenView::displayStringForRepresentedObject(const Object &) const
-{
-    return {};
-}
 
 void TokenView::setWraps(bool wraps)
 {
@@ -91,8 +83,8 @@ void TokenView::applyWrapping()
 /// All lines are equally high, with or without tokens and emoji, so nothing jumps while typing.
 void TokenView::applyMeasures()
 {
-    m_tokenObject->setFont(font());
-    const TokenMetrics &metrics = m_tokenObject->metrics();
+    m_renderer->setFont(font());
+    const TokenMetrics &metrics = m_renderer->metrics();
     m_text->setFont(font());
     QTextCursor cursor(document());
     QTextBlockFormat format = cursor.blockFormat();
@@ -135,13 +127,13 @@ void TokenView::fitScrollBar()
 void TokenView::fitTokens()
 {
     const int room = viewport()->width() - 2 * sideMargin;
-    if (m_tokenObject->setMaximumWidth(std::clamp(room, leastTokenRoom, widestToken)))
+    if (m_renderer->setMaximumWidth(std::clamp(room, leastTokenRoom, widestToken)))
         layOutTokens();
 }
 
 int TokenView::heightOfLines(int lines) const
 {
-    return int(std::ceil(lines * m_tokenObject->metrics().lineHeight)) + 2 * frameInset;
+    return int(std::ceil(lines * m_renderer->metrics().lineHeight)) + 2 * frameInset;
 }
 
 int TokenView::textHeight() const
@@ -225,14 +217,14 @@ QRectF TokenView::tokenCell(int position, TokenText::Token *token) const
     const QTextLine line = layout.lineForTextPosition(inLayout);
     if (!line.isValid())
         return {};
-    const double width = m_tokenObject->width(token);
+    const double width = m_renderer->width(token);
     const double start = line.cursorToX(inLayout);
     // Among right-to-left text it stands at the other side of its beginning. Beyond the ends of
     // the line the nearest character would answer.
     const double middle = start + width / 2;
     const bool isAfterStart = middle < line.naturalTextRect().right()
                               && line.xToCursor(middle, QTextLine::CursorOnCharacter) == inLayout;
-    const TokenMetrics &metrics = m_tokenObject->metrics();
+    const TokenMetrics &metrics = m_renderer->metrics();
     const double baseline = line.y() + line.ascent();
     const double padding = (metrics.pillHeight - metrics.textHeight) / 2;
     const QRectF cell(isAfterStart ? start : start - width,
@@ -278,14 +270,6 @@ bool TokenView::isInSelection(const QPoint &point) const
            && exact <= cursor.selectionEnd();
 }
 
-int TokenView::selectedToken() const
-{
-    const QTextCursor cursor = textCursor();
-    const int start = cursor.selectionStart();
-    const bool isOne = cursor.selectionEnd() == start + 1 && m_text->objectAt(start);
-    return isOne ? start : -1;
-}
-
 void TokenView::setHoveredToken(int position)
 {
     if (m_hoveredToken == position)
@@ -313,8 +297,8 @@ bool TokenView::showTokenToolTip(const QPoint &point, const QPoint &globalPoint)
     if (position < 0)
         return false;
     const QRectF cell = tokenCell(position);
-    const QString title = displayStringForRepresentedObject(m_text->objectAt(position));
-    if (!m_tokenObject->isElided(cell, title))
+    const QString title = m_text->token(m_text->objectAt(position))->title;
+    if (!m_renderer->isElided(cell, title))
         return false;
     const QString text = displayText(title);
     QToolTip::showText(globalPoint,
@@ -357,7 +341,7 @@ void TokenView::paintTokens(QPainter &painter, const QRect &exposed)
     const QTextLayout &layout = *document()->firstBlock().layout();
     const int top = exposed.top() + verticalScrollBar()->value();
     const int bottom = exposed.bottom() + verticalScrollBar()->value();
-    const double lineHeight = m_tokenObject->metrics().lineHeight;
+    const double lineHeight = m_renderer->metrics().lineHeight;
     int from = -1, to = 0;
     for (int i = 0; i < layout.lineCount(); ++i) {
         const QTextLine line = layout.lineAt(i);
@@ -367,21 +351,21 @@ void TokenView::paintTokens(QPainter &painter, const QRect &exposed)
         to = line.textStart() + line.textLength();
     }
     // What is being composed makes the layout longer, the document begins no later for it.
-    for (const TokenText::Piece &piece :
-         m_text->pieces(from - int(layout.preeditAreaText().size()), to)) {
-        if (piece.object)
-            paintToken(painter, piece);
+    for (const TokenText::Fragment &fragment :
+         m_text->fragments(from - int(layout.preeditAreaText().size()), to)) {
+        if (fragment.object)
+            paintToken(painter, fragment);
     }
 }
 
-void TokenView::paintToken(QPainter &painter, const TokenText::Piece &token)
+void TokenView::paintToken(QPainter &painter, const TokenText::Fragment &token)
 {
     TokenText::Token *shown = m_text->token(token.object);
     const QRectF cell = tokenCell(token.start, shown);
     if (!cell.intersects(viewport()->rect()))
         return;
     const QTextCursor cursor = textCursor();
-    TokenObject::State state;
+    TokenRenderer::State state;
     state.isSelected = token.start >= cursor.selectionStart()
                        && token.start < cursor.selectionEnd();
     state.isHovered = token.start == m_hoveredToken;
@@ -390,7 +374,7 @@ void TokenView::paintToken(QPainter &painter, const TokenText::Piece &token)
     // The pill alone shows that it is selected, not the text's rectangle.
     if (state.isSelected)
         painter.fillRect(cell.adjusted(0, -2, 0, 2).toAlignedRect(), viewport()->palette().base());
-    m_tokenObject->draw(&painter, cell, shown->title, state, palette());
+    m_renderer->draw(&painter, cell, shown->title, state, palette());
 }
 
 } // namespace tembra

@@ -6,10 +6,10 @@
 
 namespace tembra {
 
-class TokenObject;
+class TokenRenderer;
 
-/// A text edit that shows objects as tokens: drawing, measures and finding them. What the user does
-/// to them is `TokenField`'s.
+/// A text edit that shows objects as tokens: it draws and measures them, and finds the one at a point.
+/// `TokenField` handles what the user does to them.
 class TokenView : public QTextEdit
 {
     Q_OBJECT
@@ -17,7 +17,8 @@ class TokenView : public QTextEdit
 public:
     using Object = TokenText::Object;
 
-    explicit TokenView(QWidget *parent = nullptr);
+    /// @p displayString gives the title of a token.
+    explicit TokenView(TokenText::TitleOf displayString, QWidget *parent = nullptr);
     ~TokenView() override;
 
     bool wraps() const { return m_wraps; }
@@ -26,26 +27,22 @@ public:
     void setWraps(bool wraps);
     /// Where the token of that number is, in the viewport; null if there is none.
     QRect tokenRect(int index) const;
+    /// The position of the token at @p point of the viewport; -1 if there is none.
+    int tokenAt(const QPoint &point) const;
+    bool isInSelection(const QPoint &point) const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 protected:
-    virtual QString displayStringForRepresentedObject(const Object &object) const;
-
     bool event(QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
-    TokenText *tokens() const { return m_text.get(); }
-    /// The position of the token at @p point of the viewport; -1 if there is none.
-    int tokenAt(const QPoint &point) const;
-    bool isInSelection(const QPoint &point) const;
-    /// The position of the one token that is selected, and nothing else; else -1.
-    int selectedToken() const;
-    /// The token that the pointer is over, -1 for none.
+    TokenText &tokenText() const { return *m_text; }
+    /// Sets the position of the token under the pointer; -1 for none.
     void setHoveredToken(int position);
     /// Whether an input method is composing.
     bool isComposing() const;
@@ -68,11 +65,11 @@ private:
     QPointF scrollOffset() const;
     bool showTokenToolTip(const QPoint &point, const QPoint &globalPoint);
     void paintTokens(QPainter &painter, const QRect &exposed);
-    void paintToken(QPainter &painter, const TokenText::Piece &token);
+    void paintToken(QPainter &painter, const TokenText::Fragment &token);
     void paintFrame();
 
     std::unique_ptr<TokenText> m_text;
-    TokenObject *m_tokenObject;
+    TokenRenderer *m_renderer;
     bool m_wraps = true;
     int m_hoveredToken = -1;
 };

@@ -25,7 +25,7 @@ struct TokenMetrics
 };
 
 /// Draws tokens as pills, and tells the layout of a document how wide they are.
-class TokenObject final : public QObject, public QTextObjectInterface
+class TokenRenderer final : public QObject, public QTextObjectInterface
 {
     Q_OBJECT
     Q_INTERFACES(QTextObjectInterface)
@@ -39,7 +39,7 @@ public:
         bool hasFocus = false;
     };
 
-    TokenObject(TokenText *text, QObject *parent);
+    TokenRenderer(TokenText *text, QObject *parent);
 
     void setFont(const QFont &font);
     const TokenMetrics &metrics() const { return m_metrics; }

@@ -1,4 +1,4 @@
-#include "Toolkit/Token/TokenObject.h"
+#include "Toolkit/Token/TokenRenderer.h"
 
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/Theme.h"
@@ -26,7 +26,7 @@ struct PillColors
     QColor fill, border, text;
 };
 
-PillColors colorsOf(const TokenObject::State &state, const QPalette &palette)
+PillColors colorsOf(const TokenRenderer::State &state, const QPalette &palette)
 {
     const auto color = [&](QPalette::ColorRole role) {
         return palette.color(state.isEnabled ? QPalette::Active : QPalette::Disabled, role);
@@ -69,27 +69,27 @@ TokenMetrics::TokenMetrics(const QFont &font)
 {
 }
 
-TokenObject::TokenObject(TokenText *text, QObject *parent)
+TokenRenderer::TokenRenderer(TokenText *text, QObject *parent)
     : QObject(parent)
     , m_text(text)
     , m_metrics(m_font)
 {
 }
 
-void TokenObject::setFont(const QFont &font)
+void TokenRenderer::setFont(const QFont &font)
 {
     m_font = font;
     m_metrics = TokenMetrics(font);
 }
 
-bool TokenObject::setMaximumWidth(double width)
+bool TokenRenderer::setMaximumWidth(double width)
 {
     const bool changed = width != m_maximumWidth;
     m_maximumWidth = width;
     return changed;
 }
 
-double TokenObject::titleWidth(const QString &title) const
+double TokenRenderer::titleWidth(const QString &title) const
 {
     const QString shown = shownTitle(title);
     const double width = hasEmoji(shown) ? emojiTextSize(shown, m_font).width()
@@ -97,12 +97,12 @@ double TokenObject::titleWidth(const QString &title) const
     return std::ceil(width);
 }
 
-QSizeF TokenObject::intrinsicSize(QTextDocument *, int, const QTextFormat &format)
+QSizeF TokenRenderer::intrinsicSize(QTextDocument *, int, const QTextFormat &format)
 {
     return {width(m_text->token(format)), m_metrics.textHeight};
 }
 
-double TokenObject::width(TokenText::Token *token) const
+double TokenRenderer::width(TokenText::Token *token) const
 {
     if (!token)
         return 0;
@@ -114,12 +114,13 @@ double TokenObject::width(TokenText::Token *token) const
     return std::min(width, m_maximumWidth);
 }
 
-void TokenObject::drawObject(QPainter *, const QRectF &, QTextDocument *, int, const QTextFormat &)
+void TokenRenderer::drawObject(QPainter *, const QRectF &, QTextDocument *, int,
+                               const QTextFormat &)
 {
 }
 
-void TokenObject::draw(QPainter *painter, const QRectF &cell, const QString &title,
-                       const State &state, const QPalette &palette) const
+void TokenRenderer::draw(QPainter *painter, const QRectF &cell, const QString &title,
+                         const State &state, const QPalette &palette) const
 {
     const PillColors colors = colorsOf(state, palette);
     painter->save();
@@ -135,7 +136,7 @@ void TokenObject::draw(QPainter *painter, const QRectF &cell, const QString &tit
     painter->restore();
 }
 
-bool TokenObject::isElided(const QRectF &cell, const QString &title) const
+bool TokenRenderer::isElided(const QRectF &cell, const QString &title) const
 {
     return title.size() > shownCharacters || titleWidth(title) > titleIn(cell).width();
 }
