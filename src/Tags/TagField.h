@@ -39,7 +39,6 @@ public:
     /// Editing ends in the meeting it belongs to.
     void setSession(const std::shared_ptr<Session> &session);
     /// Whether a text that names no tag becomes a new one; else it is dropped.
-    bool createsNewTags() const { return m_createsNewTags; }
     void setCreatesNewTags(bool creates) { m_createsNewTags = creates; }
     /// What follows the typed text in the completion that makes a new tag of it.
     QString newTagPrompt() const;
@@ -56,7 +55,7 @@ public:
     RecentTagsViewController &recentTagsViewController() const { return *m_recentTags; }
     std::shared_ptr<Tag> tagToEdit() const { return m_tagToEdit; }
 
-    bool rejectInsertion = false; ///< Kept for whoever asks; nobody does.
+    bool rejectInsertion = false; ///< Has no effect.
 
 public Q_SLOTS:
     void handleTagEdit();

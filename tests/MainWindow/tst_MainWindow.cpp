@@ -341,7 +341,7 @@ private Q_SLOTS:
         m_journal->addCounterpart(u"Ben"_s);
         open();
         auto &controller = m_window->counterpartsViewController().counterpartsArrayController();
-        controller.setSelectionIndexes({0, 1});
+        controller.setSelectedObjects({controller.objectAt(0), controller.objectAt(1)});
         m_window->reveal(ana->objectID());
         QCOMPARE(controller.selectedObjects().size(), 2);
     }

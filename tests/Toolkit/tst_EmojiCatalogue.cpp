@@ -105,7 +105,7 @@ void TestEmojiCatalogue::hasEveryEmojiInOrder()
             QCOMPARE(group.title, bases.at(at).group);
             QVERIFY(!entry.name.isEmpty());
             ++at;
-            for (const EmojiEntry &tone : entry.tones) {
+            for (const EmojiEntry &tone : entry.skinTones) {
                 QVERIFY2(hasTone(tone.text), qPrintable(tone.name));
                 ++variants;
             }
@@ -153,14 +153,14 @@ void TestEmojiCatalogue::foldsVariantsIntoTheirBase()
 void TestEmojiCatalogue::ordersTheTonesOfTwo()
 {
     const EmojiEntry *handshake = m_catalogue.find(u"🤝"_s);
-    QCOMPARE(handshake->tones.size(), size_t(25));
-    QCOMPARE(handshake->tones.at(0).text, u"🤝🏻"_s);
-    QCOMPARE(handshake->tones.at(1).text, u"🫱🏻‍🫲🏼"_s);
-    QCOMPARE(handshake->tones.at(5).text, u"🫱🏼‍🫲🏻"_s);
-    QCOMPARE(handshake->tones.at(6).text, u"🤝🏼"_s);
-    QCOMPARE(handshake->tones.at(24).text, u"🤝🏿"_s);
-    QCOMPARE(m_catalogue.find(u"👋"_s)->tones.size(), size_t(5));
-    QVERIFY(m_catalogue.find(u"😀"_s)->tones.empty());
+    QCOMPARE(handshake->skinTones.size(), size_t(25));
+    QCOMPARE(handshake->skinTones.at(0).text, u"🤝🏻"_s);
+    QCOMPARE(handshake->skinTones.at(1).text, u"🫱🏻‍🫲🏼"_s);
+    QCOMPARE(handshake->skinTones.at(5).text, u"🫱🏼‍🫲🏻"_s);
+    QCOMPARE(handshake->skinTones.at(6).text, u"🤝🏼"_s);
+    QCOMPARE(handshake->skinTones.at(24).text, u"🤝🏿"_s);
+    QCOMPARE(m_catalogue.find(u"👋"_s)->skinTones.size(), size_t(5));
+    QVERIFY(m_catalogue.find(u"😀"_s)->skinTones.empty());
 }
 
 void TestEmojiCatalogue::findsByText()
@@ -257,15 +257,15 @@ void TestEmojiCatalogue::readsLines()
     const EmojiEntry &wave = catalogue.groups().at(0).emoji.at(0);
     QCOMPARE(wave.text, u"👋"_s);
     QCOMPARE(wave.name, u"winkende Hand"_s);
-    QCOMPARE(wave.words, u"Gruß|winken"_s);
-    QCOMPARE(wave.tones.size(), size_t(1));
-    QCOMPARE(wave.tones.at(0).text, u"👋🏻"_s);
-    QCOMPARE(wave.tones.at(0).name, u"winkende Hand: hell"_s);
-    QCOMPARE(wave.tones.at(0).words, QString());
-    QCOMPARE(catalogue.groups().at(1).emoji.at(0).words, QString());
+    QCOMPARE(wave.keywords, u"Gruß|winken"_s);
+    QCOMPARE(wave.skinTones.size(), size_t(1));
+    QCOMPARE(wave.skinTones.at(0).text, u"👋🏻"_s);
+    QCOMPARE(wave.skinTones.at(0).name, u"winkende Hand: hell"_s);
+    QCOMPARE(wave.skinTones.at(0).keywords, QString());
+    QCOMPARE(catalogue.groups().at(1).emoji.at(0).keywords, QString());
     const EmojiSearch search(catalogue);
     QCOMPARE(search.find(u"GRUSS"_s), QList<const EmojiEntry *>{&wave});
-    QCOMPARE(search.find(u"hell"_s), QList<const EmojiEntry *>{&wave.tones.at(0)});
+    QCOMPARE(search.find(u"hell"_s), QList<const EmojiEntry *>{&wave.skinTones.at(0)});
 }
 
 /// What the build would make for @p language.
@@ -320,7 +320,7 @@ void TestEmojiCatalogue::isMadeWithoutAnnotations()
         const EmojiEntry *entry = bare.find(emoji.text);
         QVERIFY2(entry, qPrintable(emoji.name));
         QCOMPARE(entry->name, emoji.name);
-        QCOMPARE(entry->words, QString());
+        QCOMPARE(entry->keywords, QString());
     }
     QCOMPARE(made(u"de"_s, {}), QString());
 }

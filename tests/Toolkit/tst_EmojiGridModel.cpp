@@ -32,9 +32,9 @@ private:
         for (int i = 0; i < 12; ++i)
             emoji.push_back({.text = QString::number(i) + QChar(0xFE0F),
                              .name = u"number %1"_s.arg(i),
-                             .words = {},
-                             .tones = {}});
-        emoji.at(1).tones.push_back(emoji.at(0));
+                             .keywords = {},
+                             .skinTones = {}});
+        emoji.at(1).skinTones.push_back(emoji.at(0));
         return emoji;
     }();
 };
@@ -92,10 +92,10 @@ void TestEmojiGridModel::tellsAboutAnEmoji()
     QCOMPARE(emoji.data(EmojiGridModel::EmojiRole).toString(), u"1\uFE0F"_s);
     QCOMPARE(emoji.data(Qt::AccessibleTextRole).toString(), u"number 1"_s);
     QCOMPARE(emoji.data(Qt::ToolTipRole).toString(), u"number 1"_s);
-    QCOMPARE(emoji.data(EmojiGridModel::HasTonesRole).toBool(), true);
-    QCOMPARE(model.index(1, 2).data(EmojiGridModel::HasTonesRole).toBool(), false);
-    model.setOffersTones(false);
-    QCOMPARE(emoji.data(EmojiGridModel::HasTonesRole).toBool(), false);
+    QCOMPARE(emoji.data(EmojiGridModel::HasSkinTonesRole).toBool(), true);
+    QCOMPARE(model.index(1, 2).data(EmojiGridModel::HasSkinTonesRole).toBool(), false);
+    model.setOffersSkinTones(false);
+    QCOMPARE(emoji.data(EmojiGridModel::HasSkinTonesRole).toBool(), false);
     QCOMPARE(model.index(0, 0).data(Qt::AccessibleTextRole).toString(), u"A"_s);
 }
 

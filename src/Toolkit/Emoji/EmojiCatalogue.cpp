@@ -80,10 +80,10 @@ void EmojiCatalogue::addLine(const QString &line)
     const qsizetype nameEnd = isTone ? line.size() : line.indexOf(u'\t', nameStart);
     EmojiEntry entry{.text = line.mid(isTone ? 1 : 0, nameStart - 1 - (isTone ? 1 : 0)),
                      .name = line.mid(nameStart, nameEnd - nameStart),
-                     .words = line.mid(nameEnd + 1),
-                     .tones = {}};
+                     .keywords = line.mid(nameEnd + 1),
+                     .skinTones = {}};
     std::vector<EmojiEntry> &group = m_groups.back().emoji;
-    (isTone ? group.back().tones : group).push_back(std::move(entry));
+    (isTone ? group.back().skinTones : group).push_back(std::move(entry));
 }
 
 /// Once every entry has its place for good.
@@ -92,7 +92,7 @@ void EmojiCatalogue::index()
     for (const EmojiGroup &group : m_groups) {
         for (const EmojiEntry &entry : group.emoji) {
             m_entries.insert(withoutVariationSelectors(entry.text), &entry);
-            for (const EmojiEntry &tone : entry.tones) {
+            for (const EmojiEntry &tone : entry.skinTones) {
                 m_entries.insert(withoutVariationSelectors(tone.text), &tone);
                 m_bases.insert(&tone, &entry);
             }

@@ -8,23 +8,23 @@
 
 namespace tembra {
 
-/// An emoji, what it is called, and the same in skin tones.
+/// An emoji with its name, its keywords and its variants in skin tones.
 struct EmojiEntry
 {
     QString text; ///< The characters to insert, complete.
     QString name;
-    QString words; ///< More to find it by, parted by "|".
-    std::vector<EmojiEntry> tones; ///< Most have none.
+    QString keywords; ///< Separated by "|".
+    std::vector<EmojiEntry> skinTones; ///< Most have none.
 };
 
-/// Emoji that belong together.
+/// A group of emoji under one title.
 struct EmojiGroup
 {
     QString title; ///< In English, as Unicode has it.
     std::vector<EmojiEntry> emoji;
 };
 
-/// Every emoji there is, in groups, in the order in which a palette shows them. Never changes.
+/// Lists every emoji, in groups, in the order in which a palette shows them. It is immutable.
 class EmojiCatalogue
 {
 public:

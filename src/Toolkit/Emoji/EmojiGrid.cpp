@@ -17,7 +17,7 @@ namespace tembra {
 
 namespace {
 
-bool asksForTones(const QKeyEvent *event)
+bool isSkinToneKey(const QKeyEvent *event)
 {
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
     return event->key() == Qt::Key_Menu
@@ -27,12 +27,9 @@ bool asksForTones(const QKeyEvent *event)
 
 } // namespace
 
-EmojiGrid::EmojiGrid(EmojiGridModel &model, QWidget *parent)
-    : QTableView(parent)
-    , m_model(model)
-    , m_delegate(new EmojiGridDelegate(this))
+EmojiGrid::EmojiGrid(EmojiGridModel &model, QWidget *parent) : QTableView(parent), m_model(model)
 {
-    setItemDelegate(m_delegate);
+    setItemDelegate(new EmojiGridDelegate(this));
     horizontalHeader()->hide();
     verticalHeader()->hide();
     for (QHeaderView *header : {horizontalHeader(), verticalHeader()}) {
@@ -51,8 +48,8 @@ EmojiGrid::EmojiGrid(EmojiGridModel &model, QWidget *parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(ScrollPerPixel);
     m_longPress.setSingleShot(true);
-    connect(&m_longPress, &QTimer::timeout, this, &EmojiGrid::pressedLong);
-    connect(this, &QAbstractItemView::clicked, this, &EmojiGrid::wasClicked);
+    connect(&m_longPress, &QTimer::timeout, this, &EmojiGrid::handleLongPress);
+    connect(this, &QAbstractItemView::clicked, this, &EmojiGrid::handleClick);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &EmojiGrid::scrolled);
     setModel(&m_model);
     connect(&m_model, &QAbstractItemModel::modelReset, this, &EmojiGrid::layOutRows);
@@ -91,30 +88,25 @@ void EmojiGrid::fitToContent()
     setFixedSize(m_model.columnCount() * cell, m_model.rowCount() * cell);
 }
 
-const EmojiEntry *EmojiGrid::currentEntry() const
-{
-    return m_model.entry(currentIndex());
-}
-
 void EmojiGrid::scrollToRow(int row)
 {
     executeDelayedItemsLayout();
     verticalScrollBar()->setValue(verticalScrollBar()->value() + rowViewportPosition(row));
 }
 
-void EmojiGrid::wantTones(const QModelIndex &index)
+void EmojiGrid::requestSkinTones(const QModelIndex &index)
 {
-    if (index.data(EmojiGridModel::HasTonesRole).toBool())
-        Q_EMIT tonesWanted(index);
+    if (index.data(EmojiGridModel::HasSkinTonesRole).toBool())
+        Q_EMIT skinTonesRequested(index);
 }
 
-void EmojiGrid::pressedLong()
+void EmojiGrid::handleLongPress()
 {
-    m_wasLongPress = currentIndex().data(EmojiGridModel::HasTonesRole).toBool();
-    wantTones(currentIndex());
+    m_wasLongPress = currentIndex().data(EmojiGridModel::HasSkinTonesRole).toBool();
+    requestSkinTones(currentIndex());
 }
 
-void EmojiGrid::wasClicked(const QModelIndex &index)
+void EmojiGrid::handleClick(const QModelIndex &index)
 {
     const EmojiEntry *entry = m_model.entry(index);
     if (entry && !m_wasLongPress)
@@ -124,10 +116,10 @@ void EmojiGrid::wasClicked(const QModelIndex &index)
 void EmojiGrid::keyPressEvent(QKeyEvent *event)
 {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (asksForTones(event)) {
-        wantTones(currentIndex());
+    if (isSkinToneKey(event)) {
+        requestSkinTones(currentIndex());
     } else if (isReturn) {
-        if (const EmojiEntry *entry = currentEntry())
+        if (const EmojiEntry *entry = m_model.entry(currentIndex()))
             Q_EMIT chosen(entry->text);
     } else if (!moveByKey(event)) {
         // Not the base class: it would search for what is typed among the cells.
@@ -220,17 +212,7 @@ void EmojiGrid::contextMenuEvent(QContextMenuEvent *event)
     const QModelIndex index = isKeyboard ? currentIndex() : indexAt(event->pos());
     if (m_model.entry(index))
         setCurrentIndex(index);
-    wantTones(index);
-}
-
-void EmojiGrid::paintEvent(QPaintEvent *event)
-{
-    m_delegate->beginPass();
-    QTableView::paintEvent(event);
-    const QRegion missing = m_delegate->missing();
-    // After whatever the user does meanwhile.
-    if (!missing.isEmpty())
-        QTimer::singleShot(0, viewport(), [this, missing] { viewport()->update(missing); });
+    requestSkinTones(index);
 }
 
 bool EmojiGrid::viewportEvent(QEvent *event)

@@ -5,11 +5,9 @@
 
 namespace tembra {
 
-class EmojiGridDelegate;
 class EmojiGridModel;
-struct EmojiEntry;
 
-/// Emoji in rows under headings, of which only what is seen is drawn.
+/// A table view of emoji in rows under headings.
 ///
 /// Arrows, Home, End and the page keys move; Return or a click chooses. The Menu key, Alt+Down, a
 /// right click or a long press asks for the skin tones of an emoji that has some.
@@ -25,13 +23,12 @@ public:
     void setVisibleRows(int rows);
     /// As large as all it has.
     void fitToContent();
-    const EmojiEntry *currentEntry() const;
     /// Scrolls so that @p row is the first.
     void scrollToRow(int row);
 
 Q_SIGNALS:
     void chosen(const QString &emoji);
-    void tonesWanted(const QModelIndex &index);
+    void skinTonesRequested(const QModelIndex &index);
     /// The pointer is over an emoji, or (an invalid index) over none any more.
     void pointedAt(const QModelIndex &index);
     void scrolled();
@@ -44,20 +41,18 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
     bool viewportEvent(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
 private:
     void layOutRows();
-    void wantTones(const QModelIndex &index);
-    void pressedLong();
-    void wasClicked(const QModelIndex &index);
+    void requestSkinTones(const QModelIndex &index);
+    void handleLongPress();
+    void handleClick(const QModelIndex &index);
     bool moveByKey(const QKeyEvent *event);
 
     EmojiGridModel &m_model;
-    EmojiGridDelegate *m_delegate;
     QTimer m_longPress;
     bool m_wasLongPress = false; ///< Letting go is no click then.
 };

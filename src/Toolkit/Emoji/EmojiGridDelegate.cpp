@@ -14,8 +14,7 @@ namespace {
 
 /// Emoji in the grid against those within text.
 constexpr double gridScale = 1.7;
-constexpr int passMilliseconds = 40;
-constexpr int tonesMark = 4;
+constexpr int skinToneMarkSize = 4;
 
 QFont gridFont(QFont font)
 {
@@ -57,15 +56,15 @@ void drawState(QPainter *painter, const QStyleOptionViewItem &option, bool isCur
 }
 
 /// A corner tells that there is more behind an emoji.
-void drawTonesMark(QPainter *painter, const QStyleOptionViewItem &option)
+void drawSkinToneMark(QPainter *painter, const QStyleOptionViewItem &option)
 {
     const bool rightToLeft = option.direction == Qt::RightToLeft;
     const QRectF cell = QRectF(option.rect).adjusted(4, 4, -4, -4);
     const QPointF corner = rightToLeft ? cell.bottomLeft() : cell.bottomRight();
-    const double inward = rightToLeft ? tonesMark : -tonesMark;
+    const double inward = rightToLeft ? skinToneMarkSize : -skinToneMarkSize;
     QPainterPath path(corner);
     path.lineTo(corner + QPointF(inward, 0));
-    path.lineTo(corner - QPointF(0, tonesMark));
+    path.lineTo(corner - QPointF(0, skinToneMarkSize));
     path.closeSubpath();
     painter->fillPath(path, theme::secondaryText(option.palette, QPalette::Window));
 }
@@ -95,29 +94,12 @@ void EmojiGridDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
     } else {
         const auto *view = qobject_cast<const QAbstractItemView *>(option.widget);
         drawState(painter, option, view && view->currentIndex() == index);
-        drawEmoji(painter, option, text);
-        if (index.data(EmojiGridModel::HasTonesRole).toBool())
-            drawTonesMark(painter, option);
+        drawEmojiText(painter, option.rect, text, gridFont(option.font),
+                      option.palette.color(QPalette::WindowText), Qt::AlignCenter, false);
+        if (index.data(EmojiGridModel::HasSkinTonesRole).toBool())
+            drawSkinToneMark(painter, option);
     }
     painter->restore();
-}
-
-void EmojiGridDelegate::drawEmoji(QPainter *painter, const QStyleOptionViewItem &option,
-                                  const QString &text) const
-{
-    if (m_pass.isValid() && m_pass.hasExpired(passMilliseconds) && !m_drawn.contains(text)) {
-        m_missing += option.rect;
-        return;
-    }
-    drawEmojiText(painter, option.rect, text, gridFont(option.font),
-                  option.palette.color(QPalette::WindowText), Qt::AlignCenter, false);
-    m_drawn.insert(text);
-}
-
-void EmojiGridDelegate::beginPass()
-{
-    m_missing = {};
-    m_pass.start();
 }
 
 } // namespace tembra

@@ -148,8 +148,8 @@ QVariant EmojiGridModel::data(const QModelIndex &index, int role) const
         return emoji->name;
     case EmojiRole:
         return emoji->text;
-    case HasTonesRole:
-        return m_offersTones && !emoji->tones.empty();
+    case HasSkinTonesRole:
+        return m_offersSkinTones && !emoji->skinTones.empty();
     default:
         return {};
     }

@@ -9,15 +9,15 @@ namespace tembra {
 
 struct EmojiEntry;
 
-/// Emoji under a heading.
+/// A list of emoji under a heading.
 struct EmojiSection
 {
     QString title; ///< Empty: no heading.
     QList<const EmojiEntry *> emoji;
 };
 
-/// Sections of emoji as rows of so many cells. A heading is a row whose first cell is the title.
-/// Only cells with an emoji are enabled.
+/// Arranges sections of emoji in rows of a fixed number of cells. A heading is a row whose first cell
+/// is the title. Only cells with an emoji are enabled.
 class EmojiGridModel final : public QAbstractTableModel
 {
     Q_OBJECT
@@ -25,14 +25,14 @@ class EmojiGridModel final : public QAbstractTableModel
 public:
     enum Role {
         EmojiRole = Qt::UserRole, ///< The characters to insert.
-        HasTonesRole, ///< Whether it comes in skin tones.
+        HasSkinTonesRole, ///< Whether it comes in skin tones.
     };
 
     explicit EmojiGridModel(int columns, QObject *parent = nullptr);
 
     void setSections(const QList<EmojiSection> &sections);
-    /// Whether emoji are said to come in skin tones; they are from the beginning.
-    void setOffersTones(bool offersTones) { m_offersTones = offersTones; }
+    /// Whether `HasSkinTonesRole` tells of skin tones; it does by default.
+    void setOffersSkinTones(bool offersSkinTones) { m_offersSkinTones = offersSkinTones; }
 
     bool isHeading(int row) const;
     /// Null for a heading and for a cell behind the last emoji of a section.
@@ -65,7 +65,7 @@ private:
     QModelIndex indexIn(int row, int column) const;
 
     int m_columns;
-    bool m_offersTones = true;
+    bool m_offersSkinTones = true;
     QList<EmojiSection> m_sections;
     std::vector<Row> m_rows;
 };

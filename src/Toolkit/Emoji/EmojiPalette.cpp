@@ -6,8 +6,8 @@
 #include "Toolkit/Emoji/EmojiGroupBar.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
 #include "Toolkit/Emoji/EmojiSearch.h"
-#include "Toolkit/Emoji/EmojiTones.h"
 #include "Toolkit/Emoji/RecentEmoji.h"
+#include "Toolkit/Emoji/SkinTonePicker.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
 #include "Toolkit/Popover.h"
@@ -117,7 +117,7 @@ void EmojiPalette::connectSignals()
     connect(m_nothingFound, &EmptyState::triggered, m_field, &QLineEdit::clear);
     connect(m_groupBar, &EmojiGroupBar::groupChosen, this, &EmojiPalette::goToGroup);
     connect(m_grid, &EmojiGrid::chosen, this, &EmojiPalette::choose);
-    connect(m_grid, &EmojiGrid::tonesWanted, this, &EmojiPalette::showTones);
+    connect(m_grid, &EmojiGrid::skinTonesRequested, this, &EmojiPalette::showSkinTones);
     connect(m_grid, &EmojiGrid::pointedAt, this, [this](const QModelIndex &index) {
         showName(index.isValid() ? index : m_grid->currentIndex());
     });
@@ -193,18 +193,18 @@ void EmojiPalette::showName(const QModelIndex &index)
     m_name->setText(index.data(Qt::AccessibleTextRole).toString());
 }
 
-void EmojiPalette::showTones(const QModelIndex &index)
+void EmojiPalette::showSkinTones(const QModelIndex &index)
 {
     const EmojiEntry *base = m_catalogue.base(m_model->entry(index));
     auto *popover = new Popover(this);
-    auto *tones = new EmojiTones(*base);
+    auto *tones = new SkinTonePicker(*base);
     popover->setContent(tones);
     connect(popover, &Popover::closed, this, [this, popover] {
         showName(m_grid->currentIndex());
         popover->deleteLater();
     });
-    connect(tones, &EmojiTones::currentChanged, this, &EmojiPalette::showName);
-    connect(tones, &EmojiTones::chosen, this, [this, popover](const QString &emoji) {
+    connect(tones, &SkinTonePicker::currentChanged, this, &EmojiPalette::showName);
+    connect(tones, &SkinTonePicker::chosen, this, [this, popover](const QString &emoji) {
         popover->close();
         choose(emoji);
     });
@@ -223,11 +223,11 @@ bool EmojiPalette::eventFilter(QObject *watched, QEvent *event)
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     auto *key = static_cast<QKeyEvent *>(event);
-    return watched == m_field ? searchKey(key) : typedElsewhere(key);
+    return watched == m_field ? handleSearchKey(key) : handleTypedKey(key);
 }
 
 /// While a text is searched for, the keyboard stays in the field and still reaches the emoji.
-bool EmojiPalette::searchKey(QKeyEvent *event)
+bool EmojiPalette::handleSearchKey(QKeyEvent *event)
 {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (!isReturn && !movesInGrid(event, !m_field->text().isEmpty()))
@@ -242,7 +242,7 @@ bool EmojiPalette::searchKey(QKeyEvent *event)
 }
 
 /// Whatever is typed goes into the search.
-bool EmojiPalette::typedElsewhere(QKeyEvent *event)
+bool EmojiPalette::handleTypedKey(QKeyEvent *event)
 {
     const bool isBlank = event->key() == Qt::Key_Space && m_field->text().isEmpty();
     const bool pressesButton = event->key() == Qt::Key_Space && !m_grid->hasFocus();

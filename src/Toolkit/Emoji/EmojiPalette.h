@@ -22,8 +22,8 @@ class EmptyState;
 class Popover;
 class RecentEmoji;
 
-/// The palette from which an emoji is picked: what was used last, then all there are by group, and
-/// a search by name and keyword.
+/// Lets the user choose an emoji: among those used last, among all by group, or by a search for name
+/// and keyword.
 ///
 /// Typing searches wherever the keyboard is; the arrows move among the emoji; Return, or a click,
 /// chooses. Emoji that come in skin tones offer them on the Menu key, Alt+Down, a right click or a
@@ -61,10 +61,10 @@ private:
     void goToGroup(int group);
     void followScrolling();
     void showName(const QModelIndex &index);
-    void showTones(const QModelIndex &index);
+    void showSkinTones(const QModelIndex &index);
     void choose(const QString &emoji);
-    bool searchKey(QKeyEvent *event);
-    bool typedElsewhere(QKeyEvent *event);
+    bool handleSearchKey(QKeyEvent *event);
+    bool handleTypedKey(QKeyEvent *event);
 
     RecentEmoji &m_recent;
     const EmojiCatalogue &m_catalogue;

@@ -67,7 +67,7 @@ EmojiSearch::EmojiSearch(const EmojiCatalogue &catalogue)
     for (const EmojiGroup &group : catalogue.groups()) {
         for (const EmojiEntry &entry : group.emoji) {
             add(entry, entry);
-            for (const EmojiEntry &tone : entry.tones)
+            for (const EmojiEntry &tone : entry.skinTones)
                 add(tone, entry);
         }
     }
@@ -79,7 +79,7 @@ void EmojiSearch::add(const EmojiEntry &entry, const EmojiEntry &base)
     m_candidates.push_back({.entry = &entry,
                             .base = &base,
                             .name = name,
-                            .all = name + '|' + folded(base.words) + '|' + folded(entry.text)});
+                            .all = name + '|' + folded(base.keywords) + '|' + folded(entry.text)});
 }
 
 QList<const EmojiEntry *> EmojiSearch::find(const QString &text) const

@@ -147,7 +147,7 @@ QPointF placed(const QRectF &rect, double width, const QFontMetricsF &metrics,
     return {x, y + metrics.ascent()};
 }
 
-bool bringsEmojiGlyphs(const QString &family)
+bool hasEmojiGlyphs(const QString &family)
 {
     const QRawFont font = QRawFont::fromFont(QFont(family));
     return std::ranges::any_of(std::initializer_list<uint>{0x26A1, 0x2764, 0x2705},
@@ -163,9 +163,9 @@ QString familyWithoutEmoji(const QString &family)
     if (found != known.constEnd())
         return *found;
     QString result = family;
-    if (bringsEmojiGlyphs(family)) {
+    if (hasEmojiGlyphs(family)) {
         for (const QString &other : {u"Noto Sans"_s, u"Cantarell"_s, u"Liberation Sans"_s}) {
-            if (QFontDatabase::hasFamily(other) && !bringsEmojiGlyphs(other)) {
+            if (QFontDatabase::hasFamily(other) && !hasEmojiGlyphs(other)) {
                 result = other;
                 break;
             }

@@ -6,8 +6,8 @@
 
 namespace tembra {
 
-/// The emoji that were inserted last, from one start to the next. Kept in a file of window
-/// matters, apart from the user's settings.
+/// Keeps the emoji that were inserted last in the file of the window state, apart from the user's
+/// settings.
 class RecentEmoji
 {
 public:
@@ -16,7 +16,7 @@ public:
 
     explicit RecentEmoji(const QString &file);
 
-    /// The last one first; each once.
+    /// The most recent one first, each once.
     QStringList emoji() const;
     void add(const QString &emoji);
 

@@ -65,7 +65,7 @@ void ArrayController::setColumns(const QList<QByteArray> &properties)
             observe(object);
         endResetModel();
     }
-    showSelectionInView();
+    writeSelectionToView();
 }
 
 void ArrayController::setHeaderTitles(const QStringList &titles)
@@ -99,7 +99,7 @@ void ArrayController::setContent(const ObjectList &objects)
         m_rows.clear();
         endResetModel();
     }
-    keepSelectionListed();
+    deselectUnlisted();
 }
 
 void ArrayController::setSortDescriptors(const QList<SortDescriptor> &descriptors)
@@ -127,7 +127,7 @@ void ArrayController::rearrangeObjects()
         changePersistentIndexList(before, after);
         Q_EMIT layoutChanged({}, VerticalSortHint);
     }
-    showSelectionInView();
+    writeSelectionToView();
 }
 
 ArrayController::Object ArrayController::objectAt(int row) const
@@ -174,29 +174,20 @@ void ArrayController::remove()
 
 void ArrayController::addObjects(const ObjectList &objects)
 {
-    insertObjects(rowCount(), objects);
-}
-
-void ArrayController::insertObjects(int row, const ObjectList &objects)
-{
     const ObjectList added = unlisted(objects);
     if (added.isEmpty())
         return;
-    row = std::clamp(row, 0, rowCount());
-    const qsizetype place = row < rowCount() ? m_content.indexOf(m_arranged.at(row))
-                                             : m_content.size();
     {
         const QScopedValueRollback ignoring(m_ignoreView, true);
-        beginInsertRows({}, row, row + int(added.size()) - 1);
-        for (qsizetype i = 0; i < added.size(); ++i) {
-            m_content.insert(place + i, added.at(i));
-            m_arranged.insert(row + i, added.at(i));
-            observe(added.at(i));
-        }
+        beginInsertRows({}, rowCount(), rowCount() + int(added.size()) - 1);
+        m_content += added;
+        m_arranged += added;
+        for (const Object &object : added)
+            observe(object);
         m_rows.clear();
         endInsertRows();
     }
-    showSelectionInView();
+    writeSelectionToView();
 }
 
 void ArrayController::removeObjects(const ObjectList &objects)
@@ -226,7 +217,7 @@ void ArrayController::removeObjects(const ObjectList &objects)
             removeRanges(ranges);
         }
     }
-    keepSelectionListed();
+    deselectUnlisted();
 }
 
 void ArrayController::removeRanges(const QList<std::pair<int, int>> &ranges)
@@ -372,19 +363,10 @@ void ArrayController::setSelectedObjects(const ObjectList &objects)
     replaceSelection(listed);
 }
 
-void ArrayController::setSelectionIndexes(const QList<int> &rows)
-{
-    ObjectList objects;
-    for (const int row : rows) {
-        if (const Object object = objectAt(row))
-            objects.append(object);
-    }
-    setSelectedObjects(objects);
-}
-
 void ArrayController::setSelectionIndex(int row)
 {
-    setSelectionIndexes({row});
+    const Object object = objectAt(row);
+    setSelectedObjects(object ? ObjectList{object} : ObjectList());
 }
 
 void ArrayController::bindSelection(QItemSelectionModel *selectionModel)
@@ -397,27 +379,27 @@ void ArrayController::bindSelection(QItemSelectionModel *selectionModel)
     if (!selectionModel)
         return;
     connect(selectionModel, &QItemSelectionModel::selectionChanged, this,
-            &ArrayController::takeSelectionFromView);
-    showSelectionInView();
+            &ArrayController::readSelectionFromView);
+    writeSelectionToView();
 }
 
 void ArrayController::replaceSelection(const ObjectList &objects)
 {
     const bool changed = objects != m_selected;
     m_selected = objects;
-    showSelectionInView();
+    writeSelectionToView();
     if (changed)
         Q_EMIT selectionChanged();
 }
 
-void ArrayController::keepSelectionListed()
+void ArrayController::deselectUnlisted()
 {
     ObjectList listed = m_selected;
     listed.removeIf([this](const Object &object) { return rowOf(object.get()) < 0; });
     replaceSelection(listed);
 }
 
-void ArrayController::takeSelectionFromView(const QItemSelection &selected, const QItemSelection &)
+void ArrayController::readSelectionFromView(const QItemSelection &selected, const QItemSelection &)
 {
     if (m_ignoreView)
         return;
@@ -444,7 +426,7 @@ void ArrayController::takeSelectionFromView(const QItemSelection &selected, cons
     Q_EMIT selectionChanged();
 }
 
-void ArrayController::showSelectionInView()
+void ArrayController::writeSelectionToView()
 {
     if (!m_selectionModel || m_ignoreView)
         return;

@@ -14,7 +14,7 @@ namespace tembra {
 
 class PropertyObservation;
 
-/// A list of objects with an order and a selection, shown as a table whose columns are properties.
+/// Manages a list of objects with an order and a selection, as a table whose columns are properties.
 ///
 /// `content` is the list as it was given; `arrangedObjects` is the same list in the order of the
 /// sort descriptors as of the last rearrangement: an object whose values change keeps its row until
@@ -71,7 +71,6 @@ public:
     int selectionIndex() const;
     /// Selects those of @p objects that are listed.
     void setSelectedObjects(const ObjectList &objects);
-    void setSelectionIndexes(const QList<int> &rows);
     void setSelectionIndex(int row);
 
     /// Keeps the selection of a view and of this controller in step, both ways. One view at a time;
@@ -87,9 +86,8 @@ public:
     /// Takes the selected objects off the list and hands them to the deleter; then nothing is selected.
     virtual void remove();
 
-    /// Appends objects to the list, or puts them before the object at @p row; known ones are left out.
+    /// Appends objects to the list; those that are listed already are left out.
     void addObjects(const ObjectList &objects);
-    void insertObjects(int row, const ObjectList &objects);
     /// Takes objects off the list and out of the selection; unknown ones are no error.
     void removeObjects(const ObjectList &objects);
 
@@ -112,9 +110,9 @@ private:
     void objectChanged(const QObject *object, int column);
     void removeRanges(const QList<std::pair<int, int>> &ranges);
     void replaceSelection(const ObjectList &objects);
-    void keepSelectionListed();
-    void takeSelectionFromView(const QItemSelection &selected, const QItemSelection &deselected);
-    void showSelectionInView();
+    void deselectUnlisted();
+    void readSelectionFromView(const QItemSelection &selected, const QItemSelection &deselected);
+    void writeSelectionToView();
 
     QList<QByteArray> m_columns;
     QStringList m_headerTitles;

@@ -3,9 +3,9 @@
 #include "Foundation/Precondition.h"
 #include "Toolkit/Alert.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
-#include "Toolkit/Package/PackageChoice.h"
 #include "Toolkit/Package/PackageIconProvider.h"
 #include "Toolkit/Package/PackageListModel.h"
+#include "Toolkit/Package/ResolvedPackagePath.h"
 #include "Toolkit/Theme.h"
 
 #include <QAccessible>
@@ -124,7 +124,7 @@ PackageDialog::PackageDialog(Panel panel, const PackageType &type, const QString
     findParts();
     setUpModel();
     setUpMessage();
-    takeDeletingAway();
+    disableDeletion();
     connectSignals();
     if (m_panel == Panel::Save)
         m_suggestedName = m_type.withSuffix(QFileInfo(startPath).fileName());
@@ -139,22 +139,23 @@ void PackageDialog::accept()
         activate(selectedIndex());
         return;
     }
-    const PackageChoice choice = m_panel == Panel::Open
-                                     ? PackageChoice::toOpen(m_type, directory(), typed)
-                                     : PackageChoice::toSave(m_type, directory(), typed);
+    const ResolvedPackagePath choice = m_panel == Panel::Open
+                                           ? ResolvedPackagePath::toOpen(m_type, directory(), typed)
+                                           : ResolvedPackagePath::toSave(m_type, directory(),
+                                                                         typed);
     switch (choice.kind) {
-    case PackageChoice::Kind::Package:
+    case ResolvedPackagePath::Kind::Package:
         choose(choice.path);
         break;
-    case PackageChoice::Kind::Replacement:
+    case ResolvedPackagePath::Kind::Replacement:
         askToReplace(choice.path);
         break;
-    case PackageChoice::Kind::Folder:
+    case ResolvedPackagePath::Kind::Folder:
         showFolder(choice.path);
         m_nameEdit->setText(m_suggestedName);
         break;
-    case PackageChoice::Kind::Refusal:
-        say(choice.sentence);
+    case ResolvedPackagePath::Kind::Refusal:
+        showMessage(choice.sentence);
         break;
     }
 }
@@ -232,7 +233,7 @@ void PackageDialog::leavePackage()
         showFolder(outside);
 }
 
-void PackageDialog::say(const QString &sentence)
+void PackageDialog::showMessage(const QString &sentence)
 {
     m_message->setText(sentence);
     m_messageRow->setVisible(!sentence.isEmpty());
@@ -247,7 +248,7 @@ void PackageDialog::askToReplace(const QString &path)
 {
     const AlertContents question{.messageText = tr("%1 already exists. Do you want to replace it?",
                                                    "%1 is the quoted name of a package")
-                                                    .arg(PackageChoice::quotedName(path)),
+                                                    .arg(ResolvedPackagePath::quotedName(path)),
                                  .informativeText = tr("What it holds will be overwritten.",
                                                        "Said of a package that is to be replaced"),
                                  .buttons = {tr("Replace", "Button that overwrites a package"),
@@ -335,7 +336,7 @@ void PackageDialog::setUpMessage()
 }
 
 /// A dialog that asks for a name is not the place to delete backups, or folders by one key.
-void PackageDialog::takeDeletingAway()
+void PackageDialog::disableDeletion()
 {
     for (const QAbstractItemView *view :
          {static_cast<QAbstractItemView *>(m_list), static_cast<QAbstractItemView *>(m_table)})
@@ -359,7 +360,7 @@ void PackageDialog::connectSignals()
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PackageDialog::takeSelection);
     connect(m_nameEdit, &QLineEdit::textChanged, this, [this] {
-        say({});
+        showMessage({});
         updateButton();
     });
     connect(this, &QFileDialog::directoryEntered, this, &PackageDialog::leavePackage);

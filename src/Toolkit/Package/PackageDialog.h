@@ -56,7 +56,7 @@ private:
     void setUpModel();
     void setUpColumns();
     void setUpMessage();
-    void takeDeletingAway();
+    void disableDeletion();
     void connectSignals();
 
     void activate(const QModelIndex &index);
@@ -65,7 +65,7 @@ private:
     void updateButton();
     void showFolder(const QString &path);
     void leavePackage();
-    void say(const QString &sentence);
+    void showMessage(const QString &sentence);
     void askToReplace(const QString &path);
     void choose(const QString &path);
 

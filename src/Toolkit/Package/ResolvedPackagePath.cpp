@@ -1,4 +1,4 @@
-#include "Toolkit/Package/PackageChoice.h"
+#include "Toolkit/Package/ResolvedPackagePath.h"
 
 #include <QApplication>
 #include <QDir>
@@ -22,26 +22,27 @@ QString absolutePath(const QDir &folder, const QString &typed)
     return QDir::cleanPath(folder.absoluteFilePath(path));
 }
 
-PackageChoice refusal(const QString &sentence)
+ResolvedPackagePath refusal(const QString &sentence)
 {
-    return {.kind = PackageChoice::Kind::Refusal, .path = {}, .sentence = sentence};
+    return {.kind = ResolvedPackagePath::Kind::Refusal, .path = {}, .sentence = sentence};
 }
 
-PackageChoice choice(PackageChoice::Kind kind, const QString &path)
+ResolvedPackagePath choice(ResolvedPackagePath::Kind kind, const QString &path)
 {
     return {.kind = kind, .path = path, .sentence = {}};
 }
 
-PackageChoice refusalInside(const QString &package)
+ResolvedPackagePath refusalInside(const QString &package)
 {
-    return refusal(PackageChoice::tr("%1 counts as one file. Nothing inside of it can be chosen.",
-                                     "%1 is the quoted name of a package")
-                       .arg(PackageChoice::quotedName(package)));
+    return refusal(
+        ResolvedPackagePath::tr("%1 counts as one file. Nothing inside of it can be chosen.",
+                                "%1 is the quoted name of a package")
+            .arg(ResolvedPackagePath::quotedName(package)));
 }
 
 } // namespace
 
-QString PackageChoice::quotedName(const QString &path)
+QString ResolvedPackagePath::quotedName(const QString &path)
 {
     const QString name = QFontMetrics(QApplication::font())
                              .elidedText(QFileInfo(path).fileName(), Qt::ElideMiddle,
@@ -50,8 +51,8 @@ QString PackageChoice::quotedName(const QString &path)
     return tr("“%1”", "A name in quotation marks").arg(u'\u2068' + name + u'\u2069');
 }
 
-PackageChoice PackageChoice::toOpen(const PackageType &type, const QDir &folder,
-                                    const QString &typed)
+ResolvedPackagePath ResolvedPackagePath::toOpen(const PackageType &type, const QDir &folder,
+                                                const QString &typed)
 {
     const QString path = absolutePath(folder, typed);
     const QFileInfo file(path);
@@ -77,8 +78,8 @@ PackageChoice PackageChoice::toOpen(const PackageType &type, const QDir &folder,
             .arg(quotedName(path)));
 }
 
-PackageChoice PackageChoice::toSave(const PackageType &type, const QDir &folder,
-                                    const QString &typed)
+ResolvedPackagePath ResolvedPackagePath::toSave(const PackageType &type, const QDir &folder,
+                                                const QString &typed)
 {
     const QString path = absolutePath(folder, typed);
     if (const QString around = type.packageAround(path); !around.isEmpty())

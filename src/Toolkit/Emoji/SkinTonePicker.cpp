@@ -1,4 +1,4 @@
-#include "Toolkit/Emoji/EmojiTones.h"
+#include "Toolkit/Emoji/SkinTonePicker.h"
 
 #include "Toolkit/Emoji/EmojiCatalogue.h"
 #include "Toolkit/Emoji/EmojiGrid.h"
@@ -19,7 +19,7 @@ constexpr int toneCount = 5;
 QList<EmojiSection> sectionsOf(const EmojiEntry &base)
 {
     QList<const EmojiEntry *> tones;
-    for (const EmojiEntry &tone : base.tones)
+    for (const EmojiEntry &tone : base.skinTones)
         tones.append(&tone);
     if (tones.size() > toneCount)
         return {{.title = {}, .emoji = {&base}}, {.title = {}, .emoji = tones}};
@@ -29,25 +29,25 @@ QList<EmojiSection> sectionsOf(const EmojiEntry &base)
 
 int columnsFor(const EmojiEntry &base)
 {
-    return base.tones.size() > toneCount ? toneCount : int(base.tones.size()) + 1;
+    return base.skinTones.size() > toneCount ? toneCount : int(base.skinTones.size()) + 1;
 }
 
 } // namespace
 
-EmojiTones::EmojiTones(const EmojiEntry &base, QWidget *parent)
+SkinTonePicker::SkinTonePicker(const EmojiEntry &base, QWidget *parent)
     : QWidget(parent)
     , m_model(new EmojiGridModel(columnsFor(base), this))
     , m_grid(new EmojiGrid(*m_model))
 {
-    m_model->setOffersTones(false);
+    m_model->setOffersSkinTones(false);
     m_model->setSections(sectionsOf(base));
-    m_grid->setObjectName(u"emojiTones"_s);
+    m_grid->setObjectName(u"skinTones"_s);
     m_grid->setAccessibleName(tr("Skin tones", "Name of a row of variants of an emoji"));
     m_grid->fitToContent();
     m_grid->setCurrentIndex(m_model->first());
-    connect(m_grid, &EmojiGrid::chosen, this, &EmojiTones::chosen);
+    connect(m_grid, &EmojiGrid::chosen, this, &SkinTonePicker::chosen);
     connect(m_grid->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            &EmojiTones::currentChanged);
+            &SkinTonePicker::currentChanged);
     connect(m_grid, &EmojiGrid::pointedAt, this, [this](const QModelIndex &index) {
         Q_EMIT currentChanged(index.isValid() ? index : m_grid->currentIndex());
     });

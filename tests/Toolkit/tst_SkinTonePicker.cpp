@@ -1,4 +1,4 @@
-#include "Toolkit/Emoji/EmojiTones.h"
+#include "Toolkit/Emoji/SkinTonePicker.h"
 
 #include "PaletteTest.h"
 
@@ -7,7 +7,7 @@
 using namespace tembra;
 using namespace Qt::StringLiterals;
 
-class TestEmojiTones : public PaletteTest
+class TestSkinTonePicker : public PaletteTest
 {
     Q_OBJECT
 
@@ -15,7 +15,7 @@ private Q_SLOTS:
     void init() { openPalette(); }
     void cleanup() { closePalette(); }
     void offersTones_data();
-    void offersTones();
+    void offersSkinTones();
     void offersTonesOfTwo();
     void offersNoTonesWhereThereAreNone();
     void aLongPressOffersTonesAndChoosesNothing();
@@ -24,15 +24,15 @@ private:
     EmojiGrid *openTones(const QString &emoji) const;
 };
 
-EmojiGrid *TestEmojiTones::openTones(const QString &emoji) const
+EmojiGrid *TestSkinTonePicker::openTones(const QString &emoji) const
 {
     m_grid->setCurrentIndex(indexOf(emoji));
     m_grid->setFocus();
     QTest::keyClick(m_grid, Qt::Key_Menu);
-    return popup() ? popup()->findChild<EmojiGrid *>(u"emojiTones"_s) : nullptr;
+    return popup() ? popup()->findChild<EmojiGrid *>(u"skinTones"_s) : nullptr;
 }
 
-void TestEmojiTones::offersTones_data()
+void TestSkinTonePicker::offersTones_data()
 {
     QTest::addColumn<QString>("way");
     for (const char *way :
@@ -40,7 +40,7 @@ void TestEmojiTones::offersTones_data()
         QTest::newRow(way) << QString::fromLatin1(way);
 }
 
-void TestEmojiTones::offersTones()
+void TestSkinTonePicker::offersSkinTones()
 {
     QFETCH(QString, way);
     QTest::keyClicks(m_search, u"waving hand"_s);
@@ -63,7 +63,7 @@ void TestEmojiTones::offersTones()
         QTest::keyClick(m_search, Qt::Key_Down, Qt::AltModifier);
     }
     QVERIFY(popup());
-    auto *tones = popup()->findChild<EmojiGrid *>(u"emojiTones"_s);
+    auto *tones = popup()->findChild<EmojiGrid *>(u"skinTones"_s);
     QVERIFY(tones);
     QVERIFY(tones->hasFocus());
     QCOMPARE(tones->model()->rowCount(), 1);
@@ -79,7 +79,7 @@ void TestEmojiTones::offersTones()
     QCOMPARE(m_recent->emoji().constFirst(), u"👋🏼"_s);
 }
 
-void TestEmojiTones::offersTonesOfTwo()
+void TestSkinTonePicker::offersTonesOfTwo()
 {
     EmojiGrid *tones = openTones(u"🤝"_s);
     QVERIFY(tones);
@@ -92,7 +92,7 @@ void TestEmojiTones::offersTonesOfTwo()
     QCOMPARE(m_choices->constFirst().constFirst().toString(), u"🫱🏼‍🫲🏻"_s);
 }
 
-void TestEmojiTones::offersNoTonesWhereThereAreNone()
+void TestSkinTonePicker::offersNoTonesWhereThereAreNone()
 {
     QCOMPARE(openTones(u"😀"_s), nullptr);
     QCOMPARE(openTones(u"🏁"_s), nullptr);
@@ -100,7 +100,7 @@ void TestEmojiTones::offersNoTonesWhereThereAreNone()
     QVERIFY(tones);
     // No more behind these; Escape leads back and chooses nothing.
     QTest::keyClick(tones, Qt::Key_Menu);
-    QCOMPARE(popup()->findChild<EmojiGrid *>(u"emojiTones"_s), tones);
+    QCOMPARE(popup()->findChild<EmojiGrid *>(u"skinTones"_s), tones);
     QTest::keyClick(tones, Qt::Key_Escape);
     QCOMPARE(popup(), nullptr);
     QCOMPARE(m_choices->count(), 0);
@@ -109,7 +109,7 @@ void TestEmojiTones::offersNoTonesWhereThereAreNone()
     QCOMPARE(m_name->text(), u"waving hand"_s);
 }
 
-void TestEmojiTones::aLongPressOffersTonesAndChoosesNothing()
+void TestSkinTonePicker::aLongPressOffersTonesAndChoosesNothing()
 {
     const QPoint place = placeOf(u"👋"_s);
     QTest::mousePress(m_grid->viewport(), Qt::LeftButton, {}, place);
@@ -126,5 +126,5 @@ void TestEmojiTones::aLongPressOffersTonesAndChoosesNothing()
     QCOMPARE(m_choices->count(), 1);
 }
 
-QTEST_MAIN(TestEmojiTones)
-#include "tst_EmojiTones.moc"
+QTEST_MAIN(TestSkinTonePicker)
+#include "tst_SkinTonePicker.moc"

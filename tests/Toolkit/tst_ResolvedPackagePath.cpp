@@ -1,4 +1,4 @@
-#include "Toolkit/Package/PackageChoice.h"
+#include "Toolkit/Package/ResolvedPackagePath.h"
 
 #include "PackageFolder.h"
 
@@ -7,9 +7,9 @@
 using namespace tembra;
 using namespace Qt::StringLiterals;
 
-using Kind = PackageChoice::Kind;
+using Kind = ResolvedPackagePath::Kind;
 
-class tst_PackageChoice : public QObject
+class tst_ResolvedPackagePath : public QObject
 {
     Q_OBJECT
 
@@ -94,7 +94,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, typed);
         QFETCH(QString, path);
-        const PackageChoice choice = toOpen(typed);
+        const ResolvedPackagePath choice = toOpen(typed);
         QCOMPARE(choice.kind, Kind::Package);
         QCOMPARE(choice.path, m_folder->path(path));
     }
@@ -102,7 +102,8 @@ private Q_SLOTS:
     void absolutePathsAreTakenFromAnywhere()
     {
         const QString path = m_folder->path(u"Monday.box"_s);
-        const PackageChoice choice = PackageChoice::toOpen(m_folder->type, QDir::root(), path);
+        const ResolvedPackagePath choice = ResolvedPackagePath::toOpen(m_folder->type, QDir::root(),
+                                                                       path);
         QCOMPARE(choice.kind, Kind::Package);
         QCOMPARE(choice.path, path);
     }
@@ -121,7 +122,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, typed);
         QFETCH(QString, path);
-        for (const PackageChoice &choice : {toOpen(typed), toSave(typed)}) {
+        for (const ResolvedPackagePath &choice : {toOpen(typed), toSave(typed)}) {
             QCOMPARE(choice.kind, Kind::Folder);
             QCOMPARE(choice.path, m_folder->path() + path);
         }
@@ -177,7 +178,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, typed);
         QFETCH(QString, path);
-        const PackageChoice choice = toSave(typed);
+        const ResolvedPackagePath choice = toSave(typed);
         QCOMPARE(choice.kind, Kind::Package);
         QCOMPARE(choice.path, m_folder->path(path));
         addPackageAndVerifyReplacement(choice.path, typed);
@@ -211,33 +212,33 @@ private Q_SLOTS:
     void longNamesAreShortenedInSentences()
     {
         const QString name = u"start "_s + u"x"_s.repeated(200) + u" end.box"_s;
-        const QString quoted = PackageChoice::quotedName(u"/folder/"_s + name);
+        const QString quoted = ResolvedPackagePath::quotedName(u"/folder/"_s + name);
         QVERIFY(quoted.size() < 60);
         QVERIFY(quoted.contains(u"start"_s));
         QVERIFY(quoted.contains(u"end.box"_s));
     }
 
 private:
-    PackageChoice toOpen(const QString &typed) const
+    ResolvedPackagePath toOpen(const QString &typed) const
     {
-        return PackageChoice::toOpen(m_folder->type, QDir(m_folder->path()), typed);
+        return ResolvedPackagePath::toOpen(m_folder->type, QDir(m_folder->path()), typed);
     }
 
-    PackageChoice toSave(const QString &typed) const
+    ResolvedPackagePath toSave(const QString &typed) const
     {
-        return PackageChoice::toSave(m_folder->type, QDir(m_folder->path()), typed);
+        return ResolvedPackagePath::toSave(m_folder->type, QDir(m_folder->path()), typed);
     }
 
     /// Once there is a package, saving there means to replace it.
     void addPackageAndVerifyReplacement(const QString &path, const QString &typed) const
     {
         QVERIFY(QDir().mkpath(path));
-        const PackageChoice choice = toSave(typed);
+        const ResolvedPackagePath choice = toSave(typed);
         QCOMPARE(choice.kind, Kind::Replacement);
         QCOMPARE(choice.path, path);
     }
 
-    static void verifyRefusal(const PackageChoice &choice, const QString &name,
+    static void verifyRefusal(const ResolvedPackagePath &choice, const QString &name,
                               const QString &reason)
     {
         QCOMPARE(choice.kind, Kind::Refusal);
@@ -250,5 +251,5 @@ private:
     QByteArray m_homeBefore;
 };
 
-QTEST_MAIN(tst_PackageChoice)
-#include "tst_PackageChoice.moc"
+QTEST_MAIN(tst_ResolvedPackagePath)
+#include "tst_ResolvedPackagePath.moc"

@@ -10,14 +10,14 @@ class EmojiGrid;
 class EmojiGridModel;
 struct EmojiEntry;
 
-/// An emoji and its variants in skin tones, to choose one; the content of a small popover.
-class EmojiTones final : public QWidget
+/// Lets the user choose among an emoji and its variants in skin tones, in a small popover.
+class SkinTonePicker final : public QWidget
 {
     Q_OBJECT
 
 public:
     /// @p base must live as long.
-    explicit EmojiTones(const EmojiEntry &base, QWidget *parent = nullptr);
+    explicit SkinTonePicker(const EmojiEntry &base, QWidget *parent = nullptr);
 
 Q_SIGNALS:
     void chosen(const QString &emoji);

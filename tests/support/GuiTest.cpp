@@ -1,0 +1,64 @@
+#include "support/GuiTest.h"
+
+#include <QClipboard>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QPushButton>
+
+#include <algorithm>
+
+namespace tembra::gui {
+
+bool waitUntilActive(const QWidget &window)
+{
+    return QTest::qWaitFor([&window] { return QApplication::activeWindow() == &window; });
+}
+
+Alert *sheetOf(const QWidget &window)
+{
+    const QList<Alert *> alerts = window.findChildren<Alert *>();
+    const auto shown = std::ranges::find_if(alerts, &QWidget::isVisible);
+    if (shown == alerts.end() || !waitUntilActive(**shown))
+        return nullptr;
+    return *shown;
+}
+
+void pressAlertButton(const Alert &alert, int index)
+{
+    QTest::mouseClick(alert.buttons().at(index), Qt::LeftButton);
+}
+
+void typeText(QWidget &widget, const QString &text)
+{
+    for (const char32_t character : text.toStdU32String()) {
+        const QString key = QString::fromUcs4(&character, 1);
+        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, 0, Qt::NoModifier, key);
+            QCoreApplication::sendEvent(&widget, &event);
+        }
+    }
+}
+
+void commitText(QWidget &widget, const QString &text)
+{
+    QInputMethodEvent event;
+    event.setCommitString(text);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+void pasteText(QWidget &widget, const QString &text)
+{
+    QApplication::clipboard()->setText(text);
+    QTest::keyClick(&widget, Qt::Key_V, Qt::ControlModifier);
+}
+
+void handlePendingEvents()
+{
+    // Handling an event may post others; a few rounds reach what these lead to.
+    for (int round = 0; round < 5; ++round) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+    }
+}
+
+} // namespace tembra::gui
