@@ -72,7 +72,7 @@ BenchmarkJournal::BenchmarkJournal(int sessions)
                  "PRAGMA synchronous=NORMAL; PRAGMA cache_spill=OFF; PRAGMA temp_store=MEMORY;",
                  nullptr, nullptr, nullptr);
     sqlite3_wal_autocheckpoint(m_raw, 0);
-    require(SearchFunction::registerOn(m_raw).has_value(), "the search function can be registered");
+    require(registerSearchFunction(m_raw).has_value(), "the search function can be registered");
 }
 
 BenchmarkJournal::~BenchmarkJournal()

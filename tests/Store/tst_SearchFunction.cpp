@@ -1,9 +1,12 @@
 #include "Store/Query/SearchFunction.h"
 
+#include "Foundation/Text/TextFolding.h"
 #include "Store/File/Connection.h"
 
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <random>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
@@ -19,6 +22,8 @@ private Q_SLOTS:
     void findsNothingInNothing();
     void takesEachRowsOwnNeedle();
     void takesTheNeedleOfEachRun();
+    void findsWhatWasChangedAndRolledBack();
+    void findsWhatAPlainSearchFinds();
     void isNotForSchemas();
 
 private:
@@ -105,6 +110,46 @@ void tst_SearchFunction::takesTheNeedleOfEachRun()
     QCOMPARE(found(sql, {u"ZÉBRA"_s}), (QList<qint64>{2, 5}));
     QCOMPARE(found(sql, {u"cafe"_s}), QList<qint64>{1});
     QCOMPARE(found(sql, {u""_s}), (QList<qint64>{1, 2, 4, 5, 6}));
+}
+
+void tst_SearchFunction::findsWhatWasChangedAndRolledBack()
+{
+    const QByteArray sql = "SELECT id FROM t WHERE text_contains(text, ?) ORDER BY id";
+    QVERIFY(m_connection->execute("BEGIN; UPDATE t SET text = 'tea' WHERE id = 1"));
+    QCOMPARE(found(sql, {u"cafe"_s}), QList<qint64>());
+    QCOMPARE(found(sql, {u"TEA"_s}), QList<qint64>{1});
+    QVERIFY(m_connection->execute("ROLLBACK"));
+    QCOMPARE(found(sql, {u"cafe"_s}), QList<qint64>{1});
+    QCOMPARE(found(sql, {u"TEA"_s}), QList<qint64>());
+}
+
+/// Many texts in one run of a statement, as the needle is folded once for all of them.
+void tst_SearchFunction::findsWhatAPlainSearchFinds()
+{
+    const QStringList words{u"Größe"_s, u"ÉTÉ"_s, u"zebra"_s, u"встреча"_s, u"東京"_s, u"ﬁn"_s};
+    std::mt19937 random(7);
+    const auto below = [&](int bound) { return int(random() % unsigned(bound)); };
+    QVERIFY(m_connection->execute("CREATE TABLE words (id INTEGER PRIMARY KEY, text TEXT)"));
+    QStringList texts;
+    const auto insert = m_connection->prepare("INSERT INTO words VALUES (?, ?)");
+    QVERIFY(insert);
+    for (int key = 1; key <= 300; ++key) {
+        texts.append(words[below(6)] + u' ' + words[below(6)]);
+        (*insert)->bindKey(1, key);
+        (*insert)->bind(2, texts.last());
+        QVERIFY((*insert)->run());
+    }
+    for (int round = 0; round < 100; ++round) {
+        const QString needle = words[below(6)].mid(below(2), 1 + below(4));
+        const std::string folded = foldForSearch(needle.toStdString());
+        QList<qint64> expected;
+        for (int key = 1; key <= 300; ++key) {
+            if (foldForSearch(texts[key - 1].toStdString()).find(folded) != std::string::npos)
+                expected.append(key);
+        }
+        QCOMPARE(found("SELECT id FROM words WHERE text_contains(text, ?) ORDER BY id", {needle}),
+                 expected);
+    }
 }
 
 void tst_SearchFunction::isNotForSchemas()

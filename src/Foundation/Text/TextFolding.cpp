@@ -66,10 +66,11 @@ private:
     std::string m_bytes;
 };
 
-FoldingBuffer &threadBuffer()
+/// Valid until this thread folds another text.
+std::string_view foldInBuffer(std::string_view utf8)
 {
     thread_local FoldingBuffer buffer;
-    return buffer;
+    return buffer.fold(utf8);
 }
 
 } // namespace
@@ -77,11 +78,6 @@ FoldingBuffer &threadBuffer()
 std::string foldForSearch(std::string_view utf8)
 {
     return std::string(foldInBuffer(utf8));
-}
-
-std::string_view foldInBuffer(std::string_view utf8)
-{
-    return threadBuffer().fold(utf8);
 }
 
 FoldedNeedle::FoldedNeedle(std::string_view utf8)
@@ -96,11 +92,7 @@ bool FoldedNeedle::isContainedIn(std::string_view utf8) const
         return true;
     if (m_folded.size() <= longestForAsciiSearch && isAscii(utf8))
         return m_isAscii && containsIgnoringAsciiCase(utf8, m_folded);
-    return isContainedInFolded(foldInBuffer(utf8));
-}
-
-bool FoldedNeedle::isContainedInFolded(std::string_view folded) const
-{
+    const std::string_view folded = foldInBuffer(utf8);
     return memmem(folded.data(), folded.size(), m_folded.data(), m_folded.size()) != nullptr;
 }
 

@@ -10,8 +10,6 @@ namespace tembra {
 /// signs, which make another letter, stay. U+0000 is a character like any other; bytes that are
 /// no UTF-8 become U+FFFD.
 std::string foldForSearch(std::string_view utf8);
-/// The same without a copy: valid until this thread folds another text.
-std::string_view foldInBuffer(std::string_view utf8);
 
 /// What is searched for, folded once to be looked for in many texts.
 class FoldedNeedle
@@ -22,8 +20,6 @@ public:
     /// Whether the text, folded, contains the needle. An empty needle is in every text, and so is
     /// one of nothing but what is folded away. Callable from several threads.
     bool isContainedIn(std::string_view utf8) const;
-    /// The same for a text that foldForSearch() has folded.
-    bool isContainedInFolded(std::string_view folded) const;
 
 private:
     std::string m_folded;

@@ -76,14 +76,13 @@ Result<void> applyWriteAheadLog(Connection &connection)
             QStringLiteral("The folder of the journal “%1” does not support a write-ahead log. "
                            "Keep the journal on a disk of this computer.")
                 .arg(connection.file()));
-    // The cache holds the indexes of a large journal, which every key of a search goes through.
-    return connection.execute("PRAGMA synchronous=NORMAL; PRAGMA cache_size=-6144");
+    return connection.execute("PRAGMA synchronous=NORMAL");
 }
 
-Result<void> applySettings(Connection &connection, SearchedTexts &texts, Connection::Mode mode)
+Result<void> applySettings(Connection &connection, Connection::Mode mode)
 {
     applySafetySettings(connection.handle());
-    if (auto registered = SearchFunction::registerOn(connection.handle(), &texts); !registered)
+    if (auto registered = registerSearchFunction(connection.handle()); !registered)
         return registered;
     return connection.execute(settingsOfEveryConnection).and_then([&] {
         return mode == Connection::Mode::ReadOnly ? applyReadOnly(connection)
@@ -113,8 +112,7 @@ Result<std::unique_ptr<Connection>> Connection::open(const QString &file, Mode m
     try {
         auto priv = std::make_unique<Private>(file, openDatabase(file, mode, vfs));
         std::unique_ptr<Connection> connection(new Connection(std::move(priv)));
-        if (auto applied = applySettings(*connection, connection->d->searchedTexts, mode);
-            !applied) {
+        if (auto applied = applySettings(*connection, mode); !applied) {
             connection->setCheckpointsOnClose(false);
             return failure(applied.error());
         }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Store/File/Connection.h"
-#include "Store/Query/SearchedTexts.h"
 
 #include <QHash>
 
@@ -37,7 +36,6 @@ struct Connection::Private
     Error failed(int sqliteCode);
 
     QString file;
-    SearchedTexts searchedTexts; ///< The database tells them of changes until it is closed.
     SQLite::Database database;
     QHash<QByteArray, std::shared_ptr<Statement>> statements; ///< Closed before the database.
     StoreFault lastFault = StoreFault::None;

@@ -3,7 +3,6 @@
 #include "Foundation/Precondition.h"
 #include "Foundation/Text/TextFolding.h"
 #include "Store/Query/QueryDriver.h"
-#include "Store/Query/SearchFunction.h"
 #include "Store/Query/SqlText.h"
 
 #include <algorithm>
@@ -13,15 +12,6 @@ namespace tembra {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// More than an entity has.
-constexpr int mostProperties = 64;
-
-/// The key of the record that a column such as t1."title" belongs to.
-QByteArray keyBeside(const QByteArray &column)
-{
-    return QByteArray(column.first(column.indexOf('.')) + ".\"id\"");
-}
 
 Value toValue(const PredicateArgument &argument)
 {
@@ -160,7 +150,7 @@ Result<QByteArray> SqlEmitter::emitComparison(const Comparison &comparison, bool
         return failure(path.error());
     if (comparison.any)
         return emitAny(*path, comparison, drives);
-    return emitTest(column(m_scope, path->steps), path->last(), comparison);
+    return emitTest(column(m_scope, path->steps), comparison);
 }
 
 QByteArray SqlEmitter::emitAny(const KeyPath &path, const Comparison &comparison, bool drives)
@@ -185,7 +175,7 @@ QByteArray SqlEmitter::emitAny(const KeyPath &path, const Comparison &comparison
     }
     if (!rest.empty())
         tested = column(scope, rest);
-    const QByteArray test = emitTest(tested, path.last(), comparison);
+    const QByteArray test = emitTest(tested, comparison);
     if (drives)
         return QByteArray(owner + " IN (SELECT " + link + " FROM " + scope.tables + " WHERE " + test
                           + ')');
@@ -193,8 +183,7 @@ QByteArray SqlEmitter::emitAny(const KeyPath &path, const Comparison &comparison
                       + " AND " + test + ')');
 }
 
-QByteArray SqlEmitter::emitTest(const QByteArray &column, const KeyPathStep &step,
-                                const Comparison &comparison)
+QByteArray SqlEmitter::emitTest(const QByteArray &column, const Comparison &comparison)
 {
     const auto &argument = comparison.argument;
     if (!argument || isMissing(*argument)) {
@@ -205,7 +194,7 @@ QByteArray SqlEmitter::emitTest(const QByteArray &column, const KeyPathStep &ste
     }
     switch (comparison.op) {
     case ComparisonOperator::Contains:
-        return emitSearch(column, step, std::get<QString>(*argument));
+        return emitSearch(column, std::get<QString>(*argument));
     case ComparisonOperator::Equal:
         return QByteArray(column + " = " + bound(*argument));
     case ComparisonOperator::NotEqual:
@@ -217,15 +206,13 @@ QByteArray SqlEmitter::emitTest(const QByteArray &column, const KeyPathStep &ste
 
 /// What folds to nothing is part of every text. Anything else is not part of the empty text, and
 /// saying so lets an index of the texts that are not empty serve the search.
-QByteArray SqlEmitter::emitSearch(const QByteArray &column, const KeyPathStep &step,
-                                  const QString &needle)
+QByteArray SqlEmitter::emitSearch(const QByteArray &column, const QString &needle)
 {
     if (foldForSearch(needle.toStdString()).empty())
         return QByteArray(column + " IS NOT NULL");
-    m_bindings.insert(m_bindings.end(), 2, needle);
-    const int number = step.entity * mostProperties + step.property;
-    return QByteArray(column + " IS NOT NULL AND " + column + " IS NOT '' AND "
-                      + SearchFunction::testOfRecord(column, number, keyBeside(column)));
+    m_bindings.emplace_back(needle);
+    return QByteArray(column + " IS NOT NULL AND " + column + " IS NOT '' AND text_contains("
+                      + column + ", ?)");
 }
 
 /// The empty text is the one value that is written out, as it says nothing about anyone and an

@@ -52,9 +52,8 @@ private:
     Result<QByteArray> emitComparison(const Comparison &comparison, bool drives);
     Result<KeyPath> resolvedPath(const Comparison &comparison) const;
     QByteArray emitAny(const KeyPath &path, const Comparison &comparison, bool drives);
-    QByteArray emitTest(const QByteArray &column, const KeyPathStep &step,
-                        const Comparison &comparison);
-    QByteArray emitSearch(const QByteArray &column, const KeyPathStep &step, const QString &needle);
+    QByteArray emitTest(const QByteArray &column, const Comparison &comparison);
+    QByteArray emitSearch(const QByteArray &column, const QString &needle);
     QByteArray bound(const PredicateArgument &argument);
 
     Scope openScope(const QByteArray &table);
