@@ -1,12 +1,13 @@
 #include "Application/AppDelegate.h"
 
 #include "Application/AuxiliaryWindows.h"
-#include "Application/BackupFolderCheck.h"
 #include "Application/DataFolder.h"
 #include "Application/ProgramServices.h"
 #include "Backup/Backup.h"
+#include "Backup/DetachedCall.h"
 #include "Foundation/Logging.h"
 #include "Foundation/Precondition.h"
+#include "MainWindow/BackupCommands.h"
 #include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
 #include "MainWindow/MainWindow.h"
 #include "MainWindow/StatusLine.h"
@@ -17,17 +18,23 @@
 #include "Toolkit/WindowActivation.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QEvent>
 #include <QFileInfo>
 #include <QScopedValueRollback>
 #include <QSessionManager>
 
+#include <chrono>
+
 namespace tembra {
+
+using namespace std::chrono_literals;
 
 namespace {
 
-constexpr qint64 timeWithoutProgress = 300; // milliseconds
+constexpr auto timeWithoutProgress = 300ms;
+/// For a backup that is being written when the program is to quit.
+constexpr auto backupTimeout = 10s;
 
 QString savingErrorAdvice(const Error &error)
 {
@@ -47,6 +54,7 @@ AppDelegate::AppDelegate(ProgramServices &services, const DataFolder &folder, QO
 {
     m_services.coreData.setPresentError([this](const Error &error) { presentError(error); });
     m_services.coreData.setCommitEditing([this] { return commitEditing(); });
+    m_services.coreData.setEndEditing([this] { endEditing(); });
     qApp->installEventFilter(this);
 }
 
@@ -54,6 +62,7 @@ AppDelegate::~AppDelegate()
 {
     m_services.coreData.setPresentError([](const Error &) {});
     m_services.coreData.setCommitEditing([] { return true; });
+    m_services.coreData.setEndEditing([] {});
 }
 
 void AppDelegate::applicationDidFinishLaunching(const std::function<void()> &prepareStore)
@@ -81,12 +90,13 @@ void AppDelegate::checkBackupFolder()
         return;
     // None is the same as one that is not there.
     const QUrl folder = m_services.defaults.backupFolder().value_or(QUrl());
-    m_backupFolderCheck = std::make_unique<BackupFolderCheck>(folder);
-    connect(m_backupFolderCheck.get(), &BackupFolderCheck::answered, this,
-            [this](bool isAvailable) {
-                if (!isAvailable)
-                    showBackupFolderAlert();
-            });
+    // It may be on a disk far away.
+    callDetached<bool>(
+        this, [folder] { return DefaultsManager::isAvailable(folder); },
+        [this](bool isAvailable) {
+            if (!isAvailable)
+                showBackupFolderAlert();
+        });
 }
 
 void AppDelegate::showBackupFolderAlert()
@@ -108,25 +118,31 @@ void AppDelegate::openFiles(const QStringList &packagePaths)
         m_window->openPackages(packagePaths);
 }
 
-/// Nothing that the user does in the window meanwhile is heard; but it goes on being drawn.
-void AppDelegate::backUp()
+void AppDelegate::endTasksAndBackUp()
 {
-    QElapsedTimer waited;
-    waited.start();
-    bool told = false;
-    const auto drawWindow = [&] {
-        if (!told && waited.hasExpired(timeWithoutProgress)) {
-            told = true;
-            m_window->statusLine().showProgress(tr("Writing the backup before quitting …",
-                                                   "Says what is going on"),
-                                                false);
-        }
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-    };
+    m_window->backupCommands().endTasks(backupTimeout,
+                                        progressPainter(tr("Finishing the backup before quitting …",
+                                                           "Says what is going on")));
     const QString programName = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
     Backup(m_services.coreData.viewContext(), m_services.defaults, programName)
-        .backUp(counterpartsViewController()->counterparts(), drawWindow);
+        .backUp(counterpartsViewController()->counterparts(),
+                progressPainter(
+                    tr("Writing the backup before quitting …", "Says what is going on")));
     m_window->statusLine().endProgress();
+}
+
+/// A function to be called again and again while something is waited for. It paints the windows but
+/// takes no input, and shows the activity once it takes long.
+std::function<void()> AppDelegate::progressPainter(const QString &activity)
+{
+    return
+        [this, activity, delay = QDeadlineTimer(timeWithoutProgress), isShown = false]() mutable {
+            if (!isShown && delay.hasExpired()) {
+                isShown = true;
+                m_window->statusLine().showProgress(activity, false);
+            }
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        };
 }
 
 bool AppDelegate::commitEditing()
@@ -156,9 +172,8 @@ bool AppDelegate::applicationShouldTerminate()
     if (m_terminating)
         return false;
     const QScopedValueRollback terminating(m_terminating, true);
-    m_window->stopImport();
-    backUp();
     endEditing();
+    endTasksAndBackUp();
     if (!m_services.coreData.commitEditing()) {
         qCWarning(applicationLog, "AppDelegate unable to commit editing to terminate");
         return false;
@@ -223,11 +238,9 @@ bool AppDelegate::prepareForLogout(bool mayAsk)
         m_readyForLogout = applicationShouldTerminate();
         return m_readyForLogout;
     }
-    if (m_window) {
-        m_window->stopImport();
-        backUp();
-    }
     endEditing();
+    if (m_window)
+        endTasksAndBackUp();
     m_services.coreData.commitEditing();
     if (const auto saved = m_services.coreData.saveChanges(); !saved)
         qCWarning(applicationLog, "Could not save at log-out: %s",

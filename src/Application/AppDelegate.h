@@ -13,7 +13,6 @@ class QSessionManager;
 namespace tembra {
 
 class AuxiliaryWindows;
-class BackupFolderCheck;
 class CounterpartsPaneViewController;
 class DataFolder;
 class MainWindow;
@@ -70,7 +69,8 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void backUp();
+    void endTasksAndBackUp();
+    std::function<void()> progressPainter(const QString &activity);
     bool commitEditing();
     void endEditing();
     void checkBackupFolder();
@@ -84,7 +84,6 @@ private:
     std::unique_ptr<AuxiliaryWindows> m_auxiliaryWindows;
     std::unique_ptr<MainWindow> m_window;
     QString m_windowStateFile;
-    std::unique_ptr<BackupFolderCheck> m_backupFolderCheck;
     bool m_presentingError = false;
     bool m_terminating = false;
     bool m_readyForLogout = false;

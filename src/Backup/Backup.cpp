@@ -1,6 +1,6 @@
 #include "Backup/Backup.h"
 
-#include "Backup/DetachedTask.h"
+#include "Backup/DetachedCall.h"
 #include "Foundation/Logging.h"
 #include "Model/DefaultsManager.h"
 #include "Model/JournalEncoding.h"
@@ -17,7 +17,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::chrono::seconds patience(10);
+/// How long a folder that does not answer may keep the program from quitting.
+constexpr std::chrono::seconds timeout(10);
 
 void logFailure(const Error &error)
 {
@@ -26,7 +27,7 @@ void logFailure(const Error &error)
 
 Error noAnswer(const QString &path)
 {
-    return {u"The folder of “%1” did not answer for %2 seconds."_s.arg(path).arg(patience.count()),
+    return {u"The folder of “%1” did not answer for %2 seconds."_s.arg(path).arg(timeout.count()),
             {}};
 }
 
@@ -64,10 +65,10 @@ void Backup::backUp(const QList<std::shared_ptr<Counterpart>> &teammates,
     waiting.start();
     const auto keepWaiting = [&] {
         whileWaiting();
-        return !waiting.hasExpired(std::chrono::milliseconds(patience).count());
+        return !waiting.hasExpired(std::chrono::milliseconds(timeout).count());
     };
     const QString path = folder->toLocalFile() + u'/' + automaticFileName();
-    const auto isFolder = runDetached<bool>(
+    const auto isFolder = callDetached<bool>(
         [path = folder->toLocalFile()] { return QFileInfo(path).isDir(); }, keepWaiting);
     if (!isFolder)
         return logFailure(noAnswer(path));
@@ -76,11 +77,13 @@ void Backup::backUp(const QList<std::shared_ptr<Counterpart>> &teammates,
     Result<QByteArray> json = encodeJournal(m_context, teammates);
     if (!json)
         return logFailure(json.error());
-    const auto written = runDetached<Result<void>>(
-        [document = BackupDocument{std::move(*json)}, path, &fileSystem = m_fileSystem] {
-            return document.write(path, fileSystem);
-        },
+    std::stop_source cancellation;
+    const auto written = callDetached<Result<void>>(
+        [document = BackupDocument{std::move(*json)}, path, &fileSystem = m_fileSystem,
+         token = cancellation.get_token()] { return document.write(path, fileSystem, token); },
         keepWaiting);
+    // A late write must not replace what a later backup has written.
+    cancellation.request_stop();
     if (!written)
         logFailure(noAnswer(path));
     else if (!*written)

@@ -12,10 +12,12 @@ Result<BackupDocument> BackupDocument::read(const QString &packagePath, FileSyst
             [](std::optional<QByteArray> contents) { return BackupDocument{std::move(contents)}; });
 }
 
-Result<void> BackupDocument::write(const QString &packagePath, FileSystem &fileSystem) const
+Result<void> BackupDocument::write(const QString &packagePath, FileSystem &fileSystem,
+                                   const std::stop_token &cancellation) const
 {
     return PackageWriter(fileSystem)
-        .write(packagePath, teammatesFilename, teammatesJsonData.value_or(QByteArray()));
+        .write(packagePath, teammatesFilename, teammatesJsonData.value_or(QByteArray()),
+               cancellation);
 }
 
 } // namespace tembra

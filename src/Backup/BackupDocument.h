@@ -7,6 +7,7 @@
 #include <QLatin1String>
 
 #include <optional>
+#include <stop_token>
 
 namespace tembra {
 
@@ -27,9 +28,9 @@ public:
     static Result<BackupDocument> read(const QString &packagePath,
                                        FileSystem &fileSystem = systemFileSystem());
     /// Writes the package such that whatever happens, the one that was there or the new one is
-    /// there, complete.
-    Result<void> write(const QString &packagePath,
-                       FileSystem &fileSystem = systemFileSystem()) const;
+    /// there, complete. Once @p cancellation was requested, the old one stays.
+    Result<void> write(const QString &packagePath, FileSystem &fileSystem = systemFileSystem(),
+                       const std::stop_token &cancellation = {}) const;
 };
 
 } // namespace tembra

@@ -1,7 +1,7 @@
 #include "Backup/BackupPanel.h"
 
 #include "Backup/Backup.h"
-#include "Backup/DetachedTask.h"
+#include "Backup/DetachedCall.h"
 #include "Backup/ImportTexts.h"
 #include "Foundation/Logging.h"
 #include "Foundation/Time/Clock.h"
@@ -31,14 +31,23 @@ Result<QByteArray> encode(ManagedObjectContext &context, const std::vector<qint6
     return encodeJournal(context, teammates);
 }
 
-/// The folder may be one that does not answer: then it is left alone once the user has cancelled.
+/// The folder may be one that does not answer: then the call is abandoned once the user has cancelled.
 Result<void> writePackage(BackupDocument document, const QString &packagePath,
-                          const JournalWork::MayGoOn &mayGoOn)
+                          const BackgroundTask::ProgressHandler &progressHandler)
 {
-    const auto written = runDetached<Result<void>>(
-        [document = std::move(document), packagePath] { return document.write(packagePath); },
-        [&] { return mayGoOn(0); });
+    std::stop_source cancellation;
+    const auto written = callDetached<Result<void>>(
+        [document = std::move(document), packagePath, token = cancellation.get_token()] {
+            return document.write(packagePath, systemFileSystem(), token);
+        },
+        [&] { return progressHandler(0); });
+    cancellation.request_stop();
     return written ? *written : failure(u"It was cancelled."_s);
+}
+
+void logFailure(const Error &error)
+{
+    qCWarning(backupLog, "Could not write backup: %s", qUtf8Printable(error.description()));
 }
 
 } // namespace
@@ -56,7 +65,7 @@ BackupPanel::~BackupPanel() = default;
 
 void BackupPanel::createBackup(const QList<ObjectID> &teammates)
 {
-    if (m_work)
+    if (m_task)
         return;
     m_coreData.save();
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
@@ -73,29 +82,25 @@ void BackupPanel::writeBackup(const QList<ObjectID> &teammates, const QString &p
     std::vector<qint64> keys;
     for (const ObjectID id : teammates)
         keys.push_back(id.key);
-    const auto size = std::make_shared<qint64>(0);
     // The other context reads what is written: edits made since the panel opened as well.
-    Result<void> ready = m_coreData.viewContext().writeDrafts();
-    auto started = JournalWork::start(m_coreData.persistentContainer(),
-                                      [keys, packagePath, size,
-                                       ready](ManagedObjectContext &context,
-                                              const JournalWork::MayGoOn &mayGoOn) -> Result<void> {
-                                          if (!ready)
-                                              return ready;
-                                          Result<QByteArray> json = encode(context, keys);
-                                          if (!json)
-                                              return failure(json.error());
-                                          *size = json->size();
-                                          return writePackage({std::move(*json)}, packagePath,
-                                                              mayGoOn);
-                                      });
-    if (!started) {
-        qCWarning(backupLog, "Could not write backup: %s",
-                  qUtf8Printable(started.error().description()));
-        return;
-    }
-    m_work = std::move(*started);
-    connect(m_work.get(), &JournalWork::finished, this,
+    if (const Result<void> written = m_coreData.viewContext().writeDrafts(); !written)
+        return logFailure(written.error());
+    const auto size = std::make_shared<qint64>(0);
+    auto started = BackgroundTask::start(
+        m_coreData.persistentContainer(),
+        [keys, packagePath,
+         size](ManagedObjectContext &context,
+               const BackgroundTask::ProgressHandler &progressHandler) -> Result<void> {
+            Result<QByteArray> json = encode(context, keys);
+            if (!json)
+                return failure(json.error());
+            *size = json->size();
+            return writePackage({std::move(*json)}, packagePath, progressHandler);
+        });
+    if (!started)
+        return logFailure(started.error());
+    m_task = std::move(*started);
+    connect(m_task.get(), &BackgroundTask::finished, this,
             [this, packagePath, size] { finish(packagePath, *size); });
     Q_EMIT began(tr("Writing the backup “%1” …", "Says what is going on")
                      .arg(importTexts::nameOf(packagePath)));
@@ -103,20 +108,19 @@ void BackupPanel::writeBackup(const QList<ObjectID> &teammates, const QString &p
 
 void BackupPanel::finish(const QString &packagePath, qint64 size)
 {
-    const std::unique_ptr<JournalWork> work = std::move(m_work);
-    const Result<void> outcome = work->outcome();
+    const std::unique_ptr<BackgroundTask> task = std::move(m_task);
+    const Result<void> outcome = task->outcome();
     Q_EMIT ended();
     if (outcome)
         Q_EMIT wrote(packagePath, size);
     else
-        qCWarning(backupLog, "Could not write backup: %s",
-                  qUtf8Printable(outcome.error().description()));
+        logFailure(outcome.error());
 }
 
 void BackupPanel::cancel()
 {
-    if (m_work)
-        m_work->cancel();
+    if (m_task)
+        m_task->cancel();
 }
 
 } // namespace tembra

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Backup/JournalWork.h"
+#include "Backup/BackgroundTask.h"
 #include "Store/Schema/ObjectID.h"
 
 #include <QList>
@@ -12,8 +12,8 @@ namespace tembra {
 class Clock;
 class CoreDataInterface;
 
-/// Backups that the user asks for: asks where, and writes the journal there beside everything else
-/// that goes on. A failure is but logged.
+/// Writes backups that the user asks for: asks where, and writes the journal there in the background.
+/// A failure is only logged.
 class BackupPanel final : public QObject
 {
     Q_OBJECT
@@ -23,11 +23,12 @@ public:
                 QObject *parent = nullptr);
     ~BackupPanel() override;
 
-    /// Of these teammates, in this order. Without effect while one is being written.
+    /// Of these teammates, in this order. Without effect while a backup is being written.
     void createBackup(const QList<ObjectID> &teammates);
     void writeBackup(const QList<ObjectID> &teammates, const QString &packagePath);
 
-    bool isRunning() const { return m_work != nullptr; }
+    bool isRunning() const { return m_task != nullptr; }
+    /// Leaves the package that was there, and logs it.
     void cancel();
 
 Q_SIGNALS:
@@ -42,7 +43,7 @@ private:
     CoreDataInterface &m_coreData;
     const Clock &m_clock;
     QWidget *m_window;
-    std::unique_ptr<JournalWork> m_work;
+    std::unique_ptr<BackgroundTask> m_task;
 };
 
 } // namespace tembra

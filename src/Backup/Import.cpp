@@ -1,11 +1,13 @@
 #include "Backup/Import.h"
 
 #include "Backup/BackupDocument.h"
+#include "Backup/DetachedCall.h"
 #include "Backup/ImportTexts.h"
 #include "Model/CoreDataInterface.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Toolkit/Alert.h"
 #include "Toolkit/Package/PackageDialog.h"
+#include "Toolkit/ProgressSheet.h"
 
 #include <QPointer>
 #include <QStandardPaths>
@@ -14,22 +16,41 @@ namespace tembra {
 
 using namespace Qt::StringLiterals;
 
+/// One of the first two is called at the end; the last one instead when the task was cancelled.
+struct Import::Callbacks
+{
+    std::function<void()> succeeded;
+    std::function<void(const Error &)> failed;
+    std::function<void()> cancelled = [] {};
+};
+
 namespace {
 
-/// Reads a package and imports what is in it. The failure is what the user is told.
-Result<void> importFrom(ManagedObjectContext &context, const JournalWork::MayGoOn &mayGoOn,
-                        ImportOutcome &outcome)
+/// The folder may be one that does not answer: then the call is abandoned once the user has cancelled.
+Result<BackupDocument> readPackage(const QString &packagePath,
+                                   const BackgroundTask::ProgressHandler &progressHandler)
 {
-    const auto document = BackupDocument::read(outcome.packagePath);
+    auto document = callDetached<Result<BackupDocument>>(
+        [packagePath] { return BackupDocument::read(packagePath); },
+        [&] { return progressHandler(0); });
+    return document ? std::move(*document) : failure(u"The import was cancelled."_s);
+}
+
+/// Reads a package and imports its contents. The error is what the user is told.
+Result<void> importFrom(ManagedObjectContext &context,
+                        const BackgroundTask::ProgressHandler &progressHandler,
+                        CompletedImport &import)
+{
+    const auto document = readPackage(import.packagePath, progressHandler);
     if (!document)
         return failure(u"Could not load file: "_s + document.error().description());
     if (!document->teammatesJsonData)
         return failure(Import::tr("No teammate data found.", "Additional info for import error."));
-    const auto counts = importJournal(*document->teammatesJsonData, context, mayGoOn);
+    const auto counts = importJournal(*document->teammatesJsonData, context, progressHandler);
     if (!counts)
         return failure(counts.error());
-    outcome.counts = *counts;
-    outcome.keys = context.insertedKeys();
+    import.counts = *counts;
+    import.keys = context.insertedKeys();
     return {};
 }
 
@@ -44,7 +65,8 @@ Import::Import(CoreDataInterface &coreData, QWidget *window, QObject *parent)
 
 Import::~Import()
 {
-    stop();
+    if (m_task)
+        endTask().reset();
 }
 
 void Import::chooseAndImport()
@@ -59,18 +81,18 @@ void Import::chooseAndImport()
 
 void Import::importPackage(const QString &packagePath)
 {
-    const auto outcome = std::make_shared<ImportOutcome>();
-    outcome->packagePath = packagePath;
-    start(
-        tr("Importing “%1” …", "Says what is going on").arg(importTexts::nameOf(packagePath)),
-        [outcome](ManagedObjectContext &context, const JournalWork::MayGoOn &mayGoOn) {
-            return importFrom(context, mayGoOn, *outcome);
-        },
-        [this](const Error &error) { showImportAlert(error.description()); },
-        [this, outcome] { Q_EMIT imported(*outcome); });
+    const auto import = std::make_shared<CompletedImport>();
+    import->packagePath = packagePath;
+    start(tr("Importing “%1” …", "Says what is going on").arg(importTexts::nameOf(packagePath)),
+          [import](ManagedObjectContext &context,
+                   const BackgroundTask::ProgressHandler &progressHandler) {
+              return importFrom(context, progressHandler, *import);
+          },
+          {.succeeded = [this, import] { Q_EMIT imported(*import); },
+           .failed = [this](const Error &error) { showImportAlert(error.description()); }});
 }
 
-void Import::undo(const ImportOutcome &outcome)
+void Import::undo(const CompletedImport &import)
 {
     const AlertContents question{
         .messageText = tr("Do you want to undo this import?", "Asks before an import is undone"),
@@ -79,83 +101,91 @@ void Import::undo(const ImportOutcome &outcome)
                "since. "
                "A teammate to whom you have added meetings stays, with those.",
                "%1 is like \"8 teammates and 412 meetings\", %2 the name of a backup")
-                .arg(importTexts::amount(outcome.counts), importTexts::nameOf(outcome.packagePath)),
+                .arg(importTexts::amount(import.counts), importTexts::nameOf(import.packagePath)),
         .buttons = {tr("Undo Import", "Button that undoes an import"),
                     tr("Cancel", "Button that leaves things as they are")},
         .firstButtonDestroys = true};
-    Alert::beginSheet(question, m_window, [guard = QPointer(this), outcome](int button) {
-        if (guard && button == 0)
-            guard->removeWhatCameIn(outcome);
+    Alert::beginSheet(question, m_window, [guard = QPointer(this), import](int button) {
+        if (!guard)
+            return;
+        if (button == 0)
+            guard->deleteImported(import);
+        else
+            Q_EMIT guard->notUndone(import);
     });
 }
 
-void Import::removeWhatCameIn(const ImportOutcome &outcome)
+void Import::deleteImported(const CompletedImport &import)
 {
-    start(
-        tr("Undoing the import …", "Says what is going on"),
-        [keys = outcome.keys](ManagedObjectContext &context, const JournalWork::MayGoOn &mayGoOn) {
-            const Result<void> removed = context.deleteInserted(keys, mayGoOn);
-            return removed ? context.save() : removed;
-        },
-        [this](const Error &error) { showUndoAlert(error); },
-        [this, outcome] { Q_EMIT undone(outcome); });
+    start(tr("Undoing the import …", "Says what is going on"),
+          [keys = import.keys](ManagedObjectContext &context,
+                               const BackgroundTask::ProgressHandler &progressHandler) {
+              const Result<void> removed = context.deleteInserted(keys, progressHandler);
+              return removed ? context.save() : removed;
+          },
+          {.succeeded = [this, import] { Q_EMIT undone(import); },
+           .failed =
+               [this, import](const Error &error) {
+                   showUndoAlert(error);
+                   Q_EMIT notUndone(import);
+               },
+           .cancelled = [this, import] { Q_EMIT notUndone(import); }});
 }
 
-/// Tags that were typed a moment ago are found by the other context only once they are written.
-void Import::start(const QString &activity, JournalWork::Work work,
-                   const std::function<void(const Error &)> &whenFailed,
-                   const std::function<void()> &whenDone)
+/// The main context is saved first: then it has nothing to write while it could not, and tags typed a
+/// moment ago are found by the other context.
+void Import::start(const QString &activity, BackgroundTask::Work work, Callbacks callbacks)
 {
-    if (m_work)
+    if (m_task)
         return;
-    if (const Result<void> written = m_coreData.viewContext().writeDrafts(); !written)
-        return whenFailed(written.error());
-    auto started = JournalWork::start(m_coreData.persistentContainer(), std::move(work));
+    m_coreData.endEditing();
+    if (const Result<void> saved = m_coreData.saveChanges(); !saved)
+        return callbacks.failed(saved.error());
+    auto started = BackgroundTask::start(m_coreData.persistentContainer(), std::move(work));
     if (!started)
-        return whenFailed(started.error());
-    m_work = std::move(*started);
-    m_coreData.holdSaves();
-    connect(m_work.get(), &JournalWork::progressed, this, &Import::progressed);
-    connect(m_work.get(), &JournalWork::finished, this,
-            [this, whenFailed, whenDone] { finish(whenFailed, whenDone); });
-    Q_EMIT began(activity);
+        return callbacks.failed(started.error());
+    m_task = std::move(*started);
+    m_coreData.setAutosavePaused(true);
+    m_progressSheet = std::make_unique<ProgressSheet>(activity, m_window);
+    connect(m_progressSheet.get(), &ProgressSheet::cancelRequested, m_task.get(),
+            &BackgroundTask::cancel);
+    connect(m_task.get(), &BackgroundTask::progressed, m_progressSheet.get(),
+            &ProgressSheet::setProgress);
+    connect(m_task.get(), &BackgroundTask::finished, this,
+            [this, callbacks = std::move(callbacks)] { finish(callbacks); });
 }
 
-void Import::finish(const std::function<void(const Error &)> &whenFailed,
-                    const std::function<void()> &whenDone)
+void Import::finish(const Callbacks &callbacks)
 {
-    const std::unique_ptr<JournalWork> work = takeWork();
-    const Result<void> outcome = work->outcome();
-    m_telling = true;
-    if (outcome)
-        whenDone();
-    else if (work->isCancelled())
+    // The callbacks go with the task, which stays until its signal was delivered.
+    const std::unique_ptr<BackgroundTask> task = endTask();
+    const Result<void> outcome = task->outcome();
+    m_showsAlert = true;
+    if (outcome) {
+        callbacks.succeeded();
+    } else if (task->isCancelled()) {
         Q_EMIT cancelled();
-    else
-        whenFailed(outcome.error());
-    m_telling = false;
-    Q_EMIT settled();
+        callbacks.cancelled();
+    } else {
+        callbacks.failed(outcome.error());
+    }
+    m_showsAlert = false;
+    Q_EMIT finished();
 }
 
-/// It stays until its signal has been told to the end.
-std::unique_ptr<JournalWork> Import::takeWork()
+std::unique_ptr<BackgroundTask> Import::endTask()
 {
-    std::unique_ptr<JournalWork> work = std::move(m_work);
-    m_coreData.releaseSaves();
-    Q_EMIT ended();
-    return work;
+    m_progressSheet.reset();
+    m_coreData.setAutosavePaused(false);
+    return std::move(m_task);
 }
 
-void Import::cancel()
+void Import::cancelAndWait()
 {
-    if (m_work)
-        m_work->cancel();
-}
-
-void Import::stop()
-{
-    if (m_work)
-        takeWork().reset();
+    if (!m_task)
+        return;
+    endTask().reset();
+    Q_EMIT cancelled();
 }
 
 void Import::showImportAlert(const QString &informativeText) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Backup/BackgroundTask.h"
 #include "Backup/JournalImport.h"
 #include "Store/Rows/KeyRanges.h"
 
@@ -12,71 +13,69 @@ class QWidget;
 namespace tembra {
 
 class CoreDataInterface;
+class ProgressSheet;
 
-/// What an import brought into the journal, so that it can be taken back.
-struct ImportOutcome
+/// An import that succeeded, with the keys of all records it inserted.
+struct CompletedImport
 {
     QString packagePath;
     BackupCounts counts;
     KeyRanges keys;
 };
 
-/// Brings backups into the journal, beside everything that the user goes on doing: one at a time, all
-/// of it or nothing. What is not saved yet is saved when the import has ended.
+/// Imports backups into the journal, and undoes imports: one at a time, completely or not at all.
+///
+/// Both are modal to the journal, as they hold the store's one place for writing: editing ends, the
+/// main context is saved, and until the end no window takes input and the autosave waits.
 class Import final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Alerts and panels belong to @p window.
+    /// Alerts, panels and the progress sheet belong to @p window.
     Import(CoreDataInterface &coreData, QWidget *window, QObject *parent = nullptr);
-    /// Cancels what is going on.
+    /// Cancels what is in progress.
     ~Import() override;
 
     /// Asks for a package and imports it.
     void chooseAndImport();
-    /// Without effect while an import is going on.
+    /// Without effect while an import is in progress.
     void importPackage(const QString &packagePath);
-    /// Asks, then removes exactly what an import brought in.
-    void undo(const ImportOutcome &outcome);
+    /// Asks, then deletes exactly what an import inserted.
+    void undo(const CompletedImport &import);
 
-    /// Also while an alert tells how it ended, until settled().
-    bool isRunning() const { return m_work || m_telling; }
-    /// Nothing will have been changed.
-    void cancel();
-    /// The same, and waits until it is so.
-    void stop();
+    /// True also while an alert tells of a failure, until finished().
+    bool isRunning() const { return m_task || m_showsAlert; }
+    /// Cancels what is in progress and waits for its end; nothing was changed then.
+    void cancelAndWait();
 
     /// "Could not load backup file", and why.
     void showImportAlert(const QString &informativeText) const;
 
 Q_SIGNALS:
-    /// @p activity says what is being done.
-    void began(const QString &activity);
-    void progressed(double done);
-    void ended();
-    /// After ended(), when all went well.
-    void imported(const tembra::ImportOutcome &outcome);
-    void undone(const tembra::ImportOutcome &outcome);
-    /// After ended(), when the user wanted no more of it.
+    void imported(const tembra::CompletedImport &import);
+    void undone(const tembra::CompletedImport &import);
+    /// The user decided against undoing it, or it failed: everything is still there.
+    void notUndone(const tembra::CompletedImport &import);
+    /// The user cancelled the import or its undoing.
     void cancelled();
-    /// After all of these, and after an alert about what went wrong was read.
-    void settled();
+    /// After all of these, and after the alert about a failure was closed.
+    void finished();
 
 private:
-    void removeWhatCameIn(const ImportOutcome &outcome);
-    void start(const QString &activity, JournalWork::Work work,
-               const std::function<void(const Error &)> &whenFailed,
-               const std::function<void()> &whenDone);
-    void finish(const std::function<void(const Error &)> &whenFailed,
-                const std::function<void()> &whenDone);
-    std::unique_ptr<JournalWork> takeWork();
+    struct Callbacks;
+
+    void deleteImported(const CompletedImport &import);
+    void start(const QString &activity, BackgroundTask::Work work, Callbacks callbacks);
+    void finish(const Callbacks &callbacks);
+    std::unique_ptr<BackgroundTask> endTask();
     void showUndoAlert(const Error &error) const;
 
     CoreDataInterface &m_coreData;
     QWidget *m_window;
-    std::unique_ptr<JournalWork> m_work;
-    bool m_telling = false;
+    std::unique_ptr<BackgroundTask> m_task;
+    std::unique_ptr<ProgressSheet> m_progressSheet;
+    bool m_showsAlert = false;
 };
 
 } // namespace tembra

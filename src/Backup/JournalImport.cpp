@@ -14,10 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Asking after each meeting would take longer than reading it.
-constexpr qint64 sessionsBetweenQuestions = 64;
 /// Reading is most of the work; the rest is the save, which cannot be cancelled.
-constexpr double partOfReading = 0.95;
+constexpr double readingFraction = 0.95;
 
 void count(const SessionValues &session, BackupCounts &counts)
 {
@@ -46,23 +44,25 @@ Result<BackupCounts> inspectJournal(QByteArrayView json)
 }
 
 Result<BackupCounts> importJournal(QByteArrayView json, ManagedObjectContext &context,
-                                   const JournalWork::MayGoOn &mayGoOn)
+                                   const BackgroundTask::ProgressHandler &progressHandler)
 {
     JsonDecoder decoder(json);
     setDecodingContext(decoder, context);
     BackupCounts counts;
+    const auto checkCancelled = [&](double progress) {
+        if (!decoder.hasFailed() && !progressHandler(progress * readingFraction))
+            decoder.fail({u"The import was cancelled."_s, {}});
+    };
     const auto didDecodeSession = [&] {
         ++counts.sessions;
-        if (counts.sessions % sessionsBetweenQuestions == 0
-            && !mayGoOn(decoder.progress() * partOfReading))
-            decoder.fail({u"The import was cancelled."_s, {}});
+        checkCancelled(decoder.progress());
     };
     decodeJournal(decoder, [&] {
         ++counts.teammates;
         (void)Counterpart::decode(decoder, didDecodeSession);
+        checkCancelled(decoder.progress());
     });
-    if (!decoder.hasFailed() && !mayGoOn(partOfReading))
-        decoder.fail({u"The import was cancelled."_s, {}});
+    checkCancelled(1);
     if (decoder.hasFailed())
         return failure(decoder.error());
     if (Result<void> saved = context.save(); !saved)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Backup/JournalWork.h"
+#include "Backup/BackgroundTask.h"
 
 #include <QByteArrayView>
 
@@ -15,13 +15,14 @@ struct BackupCounts
     qint64 tags = 0; ///< On meetings, each time one stands there.
 };
 
-/// Reads the document of a backup as an import does, but brings nothing anywhere. The failure says
-/// where in the document it is.
+/// Parses the document of a backup as an import does, but inserts nothing. The failure says where in
+/// the document it is.
 Result<BackupCounts> inspectJournal(QByteArrayView json);
 
-/// Brings the teammates of a document into @p context, with everything of theirs, and saves it. When
-/// it fails, or @p mayGoOn says no, nothing is saved.
+/// Inserts the teammates of a document into @p context, with everything of theirs, and saves it.
+/// Calls @p progressHandler after each teammate and meeting. When the import fails, or the handler
+/// returns false, nothing is saved.
 Result<BackupCounts> importJournal(QByteArrayView json, ManagedObjectContext &context,
-                                   const JournalWork::MayGoOn &mayGoOn);
+                                   const BackgroundTask::ProgressHandler &progressHandler);
 
 } // namespace tembra

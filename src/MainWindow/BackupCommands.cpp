@@ -8,6 +8,7 @@
 
 #include <QAction>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QLocale>
 #include <QMenu>
 #include <QMimeData>
@@ -33,32 +34,45 @@ BackupCommands::BackupCommands(CoreDataInterface &coreData, const JournalService
     , m_statusLine(statusLine)
     , m_backup(coreData, services.clock, window)
     , m_import(coreData, window)
-    , m_prompts(m_import, services.dates, window)
+    , m_importQueue(m_import, services.dates, window)
 {
-    m_patience.setSingleShot(true);
-    m_patience.setInterval(timeWithoutProgress);
-    connect(&m_patience, &QTimer::timeout, this, [this] { m_statusLine.showProgress(m_activity); });
-    connect(&m_statusLine, &StatusLine::cancelRequested, this, &BackupCommands::cancelTask);
-    connect(&m_backup, &BackupPanel::began, this, &BackupCommands::followTask);
-    connect(&m_backup, &BackupPanel::ended, this, &BackupCommands::endTask);
-    connect(&m_backup, &BackupPanel::wrote, this, &BackupCommands::sayWrote);
-    connect(&m_import, &Import::began, this, &BackupCommands::followTask);
-    connect(&m_import, &Import::ended, this, &BackupCommands::endTask);
-    connect(&m_import, &Import::progressed, &m_statusLine, &StatusLine::setProgress);
-    connect(&m_import, &Import::imported, this, &BackupCommands::sayImported);
-    connect(&m_import, &Import::cancelled, this, [this] {
-        m_statusLine.showMessage(tr("Cancelled; nothing was changed.", "After an import"));
-    });
-    connect(&m_import, &Import::undone, this, [this](const ImportOutcome &outcome) {
-        m_statusLine.showMessage(tr("The import of “%1” was undone.", "%1 is a backup's name")
-                                     .arg(importTexts::nameOf(outcome.packagePath)));
-    });
+    m_progressDelay.setSingleShot(true);
+    m_progressDelay.setInterval(timeWithoutProgress);
+    connectSignals();
 }
 
-/// While all that is needed to hear of its end is still there.
-BackupCommands::~BackupCommands()
+BackupCommands::~BackupCommands() = default;
+
+void BackupCommands::connectSignals()
 {
-    stop();
+    connect(&m_progressDelay, &QTimer::timeout, this,
+            [this] { m_statusLine.showProgress(m_activity); });
+    connect(&m_statusLine, &StatusLine::cancelRequested, this, &BackupCommands::cancelActivity);
+    connect(&m_statusLine, &StatusLine::messageDismissed, this,
+            [this] { m_undoableImports.clear(); });
+    connect(&m_backup, &BackupPanel::began, this, [this](const QString &activity) {
+        setActionsEnabled(false);
+        beginActivity(activity);
+    });
+    connect(&m_backup, &BackupPanel::ended, this, [this] {
+        endActivity();
+        setActionsEnabled(true);
+    });
+    connect(&m_backup, &BackupPanel::wrote, this, &BackupCommands::didWriteBackup);
+    // The status line shows one activity at a time.
+    connect(&m_importQueue, &ImportQueue::inspectionBegan, this, [this](const QString &activity) {
+        if (!m_backup.isRunning())
+            beginActivity(activity);
+    });
+    connect(&m_importQueue, &ImportQueue::inspectionEnded, this, [this] {
+        if (!m_backup.isRunning())
+            endActivity();
+    });
+    connect(&m_import, &Import::imported, this, &BackupCommands::didImport);
+    connect(&m_import, &Import::undone, this, &BackupCommands::didUndo);
+    connect(&m_import, &Import::notUndone, this, &BackupCommands::showImportMessage);
+    connect(&m_import, &Import::cancelled, this,
+            [this] { showMessage(tr("Cancelled; nothing was changed.", "After an import")); });
 }
 
 void BackupCommands::addTo(QMenu &menu)
@@ -90,53 +104,86 @@ QStringList BackupCommands::packagesIn(const QMimeData &dragged)
     return packages;
 }
 
-void BackupCommands::followTask(const QString &activity)
+void BackupCommands::endTasks(std::chrono::milliseconds timeout,
+                              const std::function<void()> &whileWaiting)
+{
+    m_import.cancelAndWait();
+    const QDeadlineTimer deadline(timeout);
+    while (m_backup.isRunning() && !deadline.hasExpired())
+        whileWaiting();
+    m_backup.cancel();
+    while (m_backup.isRunning())
+        whileWaiting();
+}
+
+void BackupCommands::beginActivity(const QString &activity)
 {
     m_activity = activity;
-    m_patience.start();
-    for (QAction *action : std::as_const(m_actions))
-        action->setEnabled(false);
+    m_progressDelay.start();
 }
 
-void BackupCommands::endTask()
+void BackupCommands::endActivity()
 {
-    m_patience.stop();
+    m_progressDelay.stop();
     m_statusLine.endProgress();
-    for (QAction *action : std::as_const(m_actions))
-        action->setEnabled(true);
 }
 
-void BackupCommands::cancelTask()
+void BackupCommands::cancelActivity()
 {
-    m_import.cancel();
     m_backup.cancel();
+    m_importQueue.cancelInspection();
 }
 
-void BackupCommands::sayImported(const ImportOutcome &outcome)
+void BackupCommands::setActionsEnabled(bool enabled)
 {
-    const QString name = importTexts::nameOf(outcome.packagePath);
-    if (outcome.counts.teammates == 0) {
-        m_statusLine.showMessage(
-            tr("“%1” holds no teammates.", "After an import; %1 is a backup's name").arg(name));
+    for (QAction *action : std::as_const(m_actions))
+        action->setEnabled(enabled);
+}
+
+void BackupCommands::didImport(const CompletedImport &import)
+{
+    if (import.counts.teammates == 0) {
+        showMessage(tr("“%1” holds no teammates.", "After an import; %1 is a backup's name")
+                        .arg(importTexts::nameOf(import.packagePath)));
         return;
     }
-    m_statusLine.showMessage(tr("“%1” is imported: %2.",
-                                "%1 is a backup's name, %2 how many teammates and meetings")
-                                 .arg(name, importTexts::amount(outcome.counts)),
-                             tr("Undo Import…", "Button: asks, then undoes an import"),
-                             [this, outcome] { m_import.undo(outcome); });
+    m_undoableImports.push_back(import);
+    showImportMessage(import);
 }
 
-void BackupCommands::sayWrote(const QString &packagePath, qint64 size)
+void BackupCommands::showImportMessage(const CompletedImport &import)
+{
+    showMessage(
+        tr("“%1” is imported: %2.", "%1 is a backup's name, %2 how many teammates and meetings")
+            .arg(importTexts::nameOf(import.packagePath), importTexts::amount(import.counts)));
+}
+
+void BackupCommands::didUndo(const CompletedImport &import)
+{
+    m_undoableImports.pop_back();
+    showMessage(tr("The import of “%1” was undone.", "%1 is a backup's name")
+                    .arg(importTexts::nameOf(import.packagePath)));
+}
+
+void BackupCommands::didWriteBackup(const QString &packagePath, qint64 size)
 {
     const QLocale locale;
     const QDateTime now = QDateTime::fromMSecsSinceEpoch(
         qint64(m_services.clock.now().toUnixMilliseconds()));
-    m_statusLine.showMessage(tr("The backup “%1” is complete: read back and found whole at %2, %3.",
-                                "%1 is a backup's name, %2 the time of day, %3 its size")
-                                 .arg(importTexts::nameOf(packagePath),
-                                      locale.toString(now.time(), QLocale::ShortFormat),
-                                      locale.formattedDataSize(size)));
+    showMessage(tr("The backup “%1” is complete: read back and found whole at %2, %3.",
+                   "%1 is a backup's name, %2 the time of day, %3 its size")
+                    .arg(importTexts::nameOf(packagePath),
+                         locale.toString(now.time(), QLocale::ShortFormat),
+                         locale.formattedDataSize(size)));
+}
+
+/// Every message keeps the offer to undo the newest import.
+void BackupCommands::showMessage(const QString &text)
+{
+    if (m_undoableImports.empty())
+        return m_statusLine.showMessage(text);
+    m_statusLine.showMessage(text, tr("Undo Import…", "Button: asks, then undoes an import"),
+                             [this] { m_import.undo(m_undoableImports.back()); });
 }
 
 } // namespace tembra

@@ -2,9 +2,12 @@
 
 #include "Backup/BackupPanel.h"
 #include "Backup/Import.h"
-#include "Backup/ImportPrompts.h"
+#include "Backup/ImportQueue.h"
 
 #include <QTimer>
+
+#include <chrono>
+#include <vector>
 
 class QAction;
 class QMenu;
@@ -15,7 +18,7 @@ namespace tembra {
 class StatusLine;
 struct JournalServices;
 
-/// Backing up and importing in the main window: the commands, and what the status line says of them.
+/// The commands of the main window for backups and imports, and what the status line tells of them.
 class BackupCommands final : public QObject
 {
     Q_OBJECT
@@ -29,9 +32,10 @@ public:
     void createBackup(const QList<ObjectID> &teammates) { m_backup.createBackup(teammates); }
     void importBackup() { m_import.chooseAndImport(); }
     /// Asks for each whether it is to be imported.
-    void openPackages(const QStringList &packagePaths) { m_prompts.open(packagePaths); }
-    /// Ends an import that is going on; it will have changed nothing.
-    void stop() { m_import.stop(); }
+    void openPackages(const QStringList &packagePaths) { m_importQueue.enqueue(packagePaths); }
+    /// Ends what is in progress: cancels an import, and waits for a backup until @p timeout, then
+    /// cancels it, too. Meanwhile @p whileWaiting is called again and again.
+    void endTasks(std::chrono::milliseconds timeout, const std::function<void()> &whileWaiting);
 
     /// The backup packages among the files that are being dragged.
     static QStringList packagesIn(const QMimeData &dragged);
@@ -41,19 +45,25 @@ Q_SIGNALS:
     void importBackupRequested();
 
 private:
-    void followTask(const QString &activity);
-    void endTask();
-    void cancelTask();
-    void sayImported(const ImportOutcome &outcome);
-    void sayWrote(const QString &packagePath, qint64 size);
+    void connectSignals();
+    void beginActivity(const QString &activity);
+    void endActivity();
+    void cancelActivity();
+    void didImport(const CompletedImport &import);
+    void didUndo(const CompletedImport &import);
+    void didWriteBackup(const QString &packagePath, qint64 size);
+    void showMessage(const QString &text);
+    void showImportMessage(const CompletedImport &import);
+    void setActionsEnabled(bool enabled);
 
     const JournalServices &m_services;
     StatusLine &m_statusLine;
     BackupPanel m_backup;
     Import m_import;
-    ImportPrompts m_prompts;
-    QTimer m_patience; ///< What is done sooner needs no progress.
+    ImportQueue m_importQueue;
+    QTimer m_progressDelay; ///< Activities that end sooner show no progress.
     QString m_activity;
+    std::vector<CompletedImport> m_undoableImports; ///< The newest one, at the end, is offered.
     QList<QAction *> m_actions;
 };
 

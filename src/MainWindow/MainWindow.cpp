@@ -134,11 +134,6 @@ void MainWindow::openPackages(const QStringList &packagePaths)
     m_backupCommands->openPackages(packagePaths);
 }
 
-void MainWindow::stopImport()
-{
-    m_backupCommands->stop();
-}
-
 void MainWindow::restoreState()
 {
     m_windowState.restoreWindow(stateName, *this, usualSize);

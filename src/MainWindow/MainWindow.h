@@ -51,8 +51,7 @@ public:
 
     /// Asks for each of these backups whether it is to be imported.
     void openPackages(const QStringList &packagePaths);
-    /// An import that is going on will have changed nothing.
-    void stopImport();
+    BackupCommands &backupCommands() const { return *m_backupCommands; }
     StatusLine &statusLine() const { return *m_statusLine; }
 
     /// Edits in progress go into the records they belong to, without ending. False when one refuses.

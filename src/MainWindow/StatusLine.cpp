@@ -82,7 +82,10 @@ QWidget *StatusLine::buildMessage()
                             "Button with an icon that takes the message in the status line away");
     m_dismissButton->setAccessibleName(name);
     m_dismissButton->setToolTip(name);
-    connect(m_dismissButton, &QToolButton::clicked, this, &StatusLine::forgetMessage);
+    connect(m_dismissButton, &QToolButton::clicked, this, [this] {
+        forgetMessage();
+        Q_EMIT messageDismissed();
+    });
     auto *part = new QWidget;
     QHBoxLayout *row = rowOf(part);
     row->addWidget(m_message, 1);

@@ -43,6 +43,8 @@ public:
 Q_SIGNALS:
     /// Emitted once per task; the task goes on until `endProgress`.
     void cancelRequested();
+    /// The user took a message away.
+    void messageDismissed();
 
 protected:
     void paintEvent(QPaintEvent *event) override;

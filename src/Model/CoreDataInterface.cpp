@@ -26,6 +26,7 @@ CoreDataInterface::CoreDataInterface(ContainerMaker makeContainer, const Default
     , m_makeContainer(std::move(makeContainer))
     , m_defaults(defaults)
     , m_commitEditing([] { return true; })
+    , m_endEditing([] {})
     , m_presentError([](const Error &error) {
         qCWarning(modelLog, "Could not save: %s", qUtf8Printable(error.description()));
     })
@@ -42,9 +43,10 @@ CoreDataInterface::~CoreDataInterface() = default;
 PersistentContainer &CoreDataInterface::persistentContainer()
 {
     if (!m_container) {
-        m_container = m_makeContainer();
-        if (const auto loaded = m_container->loadPersistentStores(); !loaded)
+        auto container = m_makeContainer();
+        if (const auto loaded = container->loadPersistentStores(); !loaded)
             m_stopProgram(u"Unresolved error "_s + loaded.error().description());
+        m_container = std::move(container);
         adoptContainer();
     }
     return *m_container;
@@ -72,6 +74,11 @@ void CoreDataInterface::setCommitEditing(std::function<bool()> commitEditing)
     m_commitEditing = std::move(commitEditing);
 }
 
+void CoreDataInterface::setEndEditing(std::function<void()> endEditing)
+{
+    m_endEditing = std::move(endEditing);
+}
+
 void CoreDataInterface::setPresentError(std::function<void(const Error &)> presentError)
 {
     m_presentError = std::move(presentError);
@@ -87,6 +94,11 @@ bool CoreDataInterface::commitEditing()
     return m_commitEditing();
 }
 
+void CoreDataInterface::endEditing()
+{
+    m_endEditing();
+}
+
 void CoreDataInterface::save()
 {
     save(Reporting::EveryFailure);
@@ -94,7 +106,12 @@ void CoreDataInterface::save()
 
 void CoreDataInterface::handleTimer()
 {
-    if (viewContext().hasChanges())
+    if (m_autosavePaused) {
+        m_autosaveDue = true;
+        return;
+    }
+    // Not while an alert says that the store cannot be opened.
+    if (m_container && viewContext().hasChanges())
         save(Reporting::FirstFailure);
 }
 
@@ -102,10 +119,6 @@ void CoreDataInterface::save(Reporting reporting)
 {
     if (!commitEditing())
         qCWarning(modelLog, "CoreDataInterface unable to commit editing before saving");
-    if (m_savesHeld) {
-        m_saveAwaited = true;
-        return;
-    }
     if (!viewContext().hasChanges())
         return;
     const bool alreadyKnown = m_saveFailing && reporting == Reporting::FirstFailure;
@@ -116,21 +129,18 @@ void CoreDataInterface::save(Reporting reporting)
 
 Result<void> CoreDataInterface::saveChanges()
 {
+    if (!m_container)
+        return {};
     const auto saved = viewContext().save();
     setSaveFailing(!saved);
     return saved;
 }
 
-void CoreDataInterface::holdSaves()
+void CoreDataInterface::setAutosavePaused(bool paused)
 {
-    m_savesHeld = true;
-}
-
-void CoreDataInterface::releaseSaves()
-{
-    m_savesHeld = false;
-    if (std::exchange(m_saveAwaited, false))
-        save();
+    m_autosavePaused = paused;
+    if (!paused && std::exchange(m_autosaveDue, false))
+        handleTimer();
 }
 
 void CoreDataInterface::reportFailure(const Error &error)

@@ -45,23 +45,27 @@ public:
 
     /// Ends or stores edits that are still in a control; false when one refuses. None by default.
     void setCommitEditing(std::function<bool()> commitEditing);
+    /// Ends edits that are still in a control, so that focus leaving it later changes nothing. None by
+    /// default.
+    void setEndEditing(std::function<void()> endEditing);
     /// Shows a failed save to the user and returns when it was read. Logs by default.
     void setPresentError(std::function<void(const Error &)> presentError);
     void setStopProgram(std::function<void(const QString &message)> stopProgram);
 
     /// Asks the controls to commit; true unless one refuses.
     bool commitEditing();
+    /// Ends editing in all controls.
+    void endEditing();
     /// Commits edits in progress, then saves the main context if it has changes. A failure is shown
     /// once at a time; the changes stay for the next attempt.
     void save();
     /// Saves the main context as it is and shows nothing: the caller tells the user.
     Result<void> saveChanges();
-    /// The autosave: saves when there are changes. A failure that goes on is not shown again.
+    /// The autosave: saves when the store is loaded and there are changes. A failure that goes on is
+    /// not shown again.
     void handleTimer();
-    /// From now on nothing is saved: another context holds the store, and a save would only fail. Asked
-    /// for meanwhile, it is made up for by releaseSaves(). Drafts are written as soon as they can be.
-    void holdSaves();
-    void releaseSaves();
+    /// While it is paused, the autosave does nothing; one that was due happens when the pause ends.
+    void setAutosavePaused(bool paused);
     /// Merges what another context has saved into the main context.
     void handleSave(ManagedObjectContext *savedContext, const ChangeSet &changes);
     /// Turns the flags of old journals into tags, then saves. Does nothing where none is left.
@@ -84,12 +88,13 @@ private:
     ContainerMaker m_makeContainer;
     const DefaultsManager &m_defaults;
     std::function<bool()> m_commitEditing;
+    std::function<void()> m_endEditing;
     std::function<void(const Error &)> m_presentError;
     std::function<void(const QString &)> m_stopProgram;
     QTimer m_timer;
     std::unique_ptr<PersistentContainer> m_container;
-    bool m_savesHeld = false;
-    bool m_saveAwaited = false; ///< Was asked for while saves were held.
+    bool m_autosavePaused = false;
+    bool m_autosaveDue = false; ///< The timer fired during the pause.
     bool m_saveFailing = false;
     bool m_presentingError = false;
 };

@@ -23,7 +23,7 @@ using namespace tembra;
 namespace {
 
 /// How much of an import is done when its save begins.
-constexpr double partOfReading = 0.95;
+constexpr double readingFraction = 0.95;
 
 void say(char letter)
 {
@@ -31,13 +31,13 @@ void say(char letter)
 }
 
 Result<void> importPackage(const QString &package, ManagedObjectContext &context,
-                           const JournalWork::MayGoOn &mayGoOn)
+                           const BackgroundTask::ProgressHandler &progressHandler)
 {
     const auto document = BackupDocument::read(package);
     require(document && document->teammatesJsonData, "The backup can be read");
     const auto counts = importJournal(*document->teammatesJsonData, context, [&](double done) {
-        say(done < partOfReading ? 'R' : 'S');
-        return mayGoOn(done);
+        say(done < readingFraction ? 'R' : 'S');
+        return progressHandler(done);
     });
     require(counts.has_value(), "The backup can be imported");
     say('D');
@@ -56,14 +56,14 @@ int main(int argc, char *argv[])
     services.derivedTexts.follow(services.coreData.viewContext());
     const QString package = arguments.at(2);
     services.coreData.viewContext();
-    services.coreData.holdSaves();
     say('O');
-    const auto work = JournalWork::start(services.coreData.persistentContainer(),
-                                         [package](ManagedObjectContext &context,
-                                                   const JournalWork::MayGoOn &mayGoOn) {
-                                             return importPackage(package, context, mayGoOn);
-                                         });
+    const auto work = BackgroundTask::start(
+        services.coreData.persistentContainer(),
+        [package](ManagedObjectContext &context,
+                  const BackgroundTask::ProgressHandler &progressHandler) {
+            return importPackage(package, context, progressHandler);
+        });
     require(work.has_value(), "An import can be started");
-    QObject::connect(work->get(), &JournalWork::finished, &application, &QCoreApplication::quit);
+    QObject::connect(work->get(), &BackgroundTask::finished, &application, &QCoreApplication::quit);
     return QCoreApplication::exec();
 }

@@ -5,6 +5,7 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
 #include "Toolkit/Alert.h"
+#include "Toolkit/ProgressSheet.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -15,6 +16,8 @@
 #include <QWidget>
 
 namespace tembra {
+
+using namespace Qt::StringLiterals;
 
 /// A journal, a window for the alerts of imports, and backups to be imported.
 class ImportTest : public QObject
@@ -49,19 +52,18 @@ protected:
         const QString path = m_journal->filePath(name + QStringLiteral(".tembrabackup"));
         return BackupDocument{json}.write(path) ? path : QString();
     }
-    static QByteArray manySessions(int count, const QByteArray &end = {})
+    static QByteArray manySessions(int count)
     {
-        QByteArray json = R"([{"name":"Ana","sessions":[{})";
-        for (int i = 1; i < count; ++i)
-            json += ",{}";
-        return QByteArray(json + end + "]}]");
+        return R"([{"name":"Ana","sessions":[{})" + QByteArray(",{}").repeated(count - 1) + "]}]";
     }
+    /// A backup that takes much longer to import than any test waits.
+    QString endlessPackage() const { return package(u"Long"_s, manySessions(3'000'000)); }
 
     bool importAndWait(const QString &path)
     {
-        QSignalSpy settled(m_import.get(), &Import::settled);
+        QSignalSpy finished(m_import.get(), &Import::finished);
         m_import->importPackage(path);
-        return settled.wait(20'000);
+        return finished.wait(20'000);
     }
     qint64 sessionCount() const
     {
@@ -76,6 +78,12 @@ protected:
                 return alert;
         }
         return nullptr;
+    }
+    /// The sheet that shows the progress; null when there is none, or none is shown yet.
+    ProgressSheet *progressSheet() const
+    {
+        auto *found = m_window->findChild<ProgressSheet *>();
+        return found && found->isVisible() ? found : nullptr;
     }
     static QString textOf(const Alert &alert, const char *label)
     {

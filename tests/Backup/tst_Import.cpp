@@ -3,8 +3,15 @@
 #include "Store/Objects/PersistentContainer.h"
 #include "Store/Undo/UndoManager.h"
 
+#include "support/FaultVfs.h"
+
 #include <QDir>
 #include <QLineEdit>
+
+#include <atomic>
+#include <sys/syscall.h>
+#include <thread>
+#include <unistd.h>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
@@ -13,7 +20,20 @@ namespace {
 
 const QString failed = u"Could not load backup file|"_s;
 
+std::atomic<bool> folderHangs = false;
+
 } // namespace
+
+Q_DECLARE_METATYPE(std::function<void(tembra::ProgressSheet &)>)
+
+/// Stands in for the system's: reading from a folder that does not answer never returns.
+extern "C" ssize_t pread(int file, void *bytes, size_t size, off_t offset)
+{
+    // The store reads with another call.
+    while (folderHangs)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return ssize_t(::syscall(SYS_pread64, file, bytes, size, offset));
+}
 
 class tst_Import : public ImportTest
 {
@@ -80,29 +100,66 @@ private Q_SLOTS:
         QVERIFY(m_journal->counterparts().isEmpty());
     }
 
+    void aCancelledOneChangesNothing_data()
+    {
+        QTest::addColumn<std::function<void(ProgressSheet &)>>("cancel");
+        const auto row = [](const char *name, std::function<void(ProgressSheet &)> cancel) {
+            QTest::newRow(name) << std::move(cancel);
+        };
+        row("button", [](ProgressSheet &sheet) {
+            QTest::mouseClick(sheet.findChild<QPushButton *>(u"progressCancelButton"_s),
+                              Qt::LeftButton);
+        });
+        row("Space",
+            [](ProgressSheet &sheet) { QTest::keyClick(sheet.focusWidget(), Qt::Key_Space); });
+        row("Escape",
+            [](ProgressSheet &sheet) { QTest::keyClick(sheet.focusWidget(), Qt::Key_Escape); });
+        row("closing the sheet", [](ProgressSheet &sheet) { sheet.close(); });
+    }
     void aCancelledOneChangesNothing()
     {
-        const QString path = package(u"Mine"_s, manySessions(20'000));
+        QFETCH(std::function<void(ProgressSheet &)>, cancel);
         QSignalSpy cancelled(m_import.get(), &Import::cancelled);
-        QSignalSpy progressed(m_import.get(), &Import::progressed);
-        m_import->importPackage(path);
+        m_import->importPackage(endlessPackage());
         QVERIFY(m_import->isRunning());
-        QTRY_VERIFY(progressed.size() > 0);
-        m_import->cancel();
+        QVERIFY(!progressSheet()); // Not yet.
+        QTRY_VERIFY(progressSheet() && progressSheet()->isActiveWindow());
+        QCOMPARE(progressSheet()->accessibleName(), u"Importing “Long” …"_s);
+        cancel(*progressSheet());
         QVERIFY(cancelled.wait());
         QVERIFY(!m_import->isRunning());
+        QVERIFY(!progressSheet());
+        QTRY_VERIFY(m_window->isActiveWindow());
         QCOMPARE(sessionCount(), 0);
         QVERIFY(m_alerts.isEmpty());
     }
 
-    void stoppingWaitsUntilItIsOver()
+    void cancellingWaitsUntilItIsOver()
     {
-        m_import->importPackage(package(u"Mine"_s, manySessions(20'000)));
-        m_import->stop();
+        m_import->importPackage(endlessPackage());
+        m_import->cancelAndWait();
         QVERIFY(!m_import->isRunning());
         QCOMPARE(sessionCount(), 0);
         m_journal->addCounterpart(u"Ben"_s);
         QVERIFY(m_journal->context().save());
+    }
+
+    void noWindowTakesInputUntilItEnds()
+    {
+        QLineEdit field(m_window.get());
+        field.show();
+        QWidget other;
+        QLineEdit otherField(&other);
+        other.show();
+        m_import->importPackage(package(u"Mine"_s, manySessions(2000)));
+        QTest::keyClicks(&field, u"typed"_s);
+        QTest::keyClicks(&otherField, u"typed"_s);
+        QVERIFY(m_import->isRunning());
+        QTRY_VERIFY_WITH_TIMEOUT(!m_import->isRunning(), 60'000);
+        QCOMPARE(field.text(), QString());
+        QCOMPARE(otherField.text(), QString());
+        QTest::keyClicks(&otherField, u"typed"_s);
+        QCOMPARE(otherField.text(), u"typed"_s);
     }
 
     void onlyOneRunsAtATime()
@@ -116,22 +173,67 @@ private Q_SLOTS:
         QCOMPARE(sessionCount(), 2000);
     }
 
-    void theUserWritesOnMeanwhileAndTheSaveComesAfter()
+    void savesAndEndsEditingFirst()
+    {
+        const auto ben = m_journal->addCounterpart(u"Ben"_s);
+        m_journal->settle();
+        m_journal->coreData().setEndEditing([&] { ben->setName(u"Benjamin"_s); });
+        m_import->importPackage(endlessPackage());
+        QCOMPARE(ben->name(), u"Benjamin"_s);
+        QVERIFY(!m_journal->context().hasChanges());
+        m_import->cancelAndWait();
+        m_journal->coreData().setEndEditing([] {});
+    }
+
+    void theAutosaveWaitsUntilItEnds()
     {
         const auto ben = m_journal->addCounterpart(u"Ben"_s);
         m_journal->settle();
         QSignalSpy failing(&m_journal->coreData(), &CoreDataInterface::saveFailingChanged);
-        QSignalSpy imported(m_import.get(), &Import::imported);
-        m_import->importPackage(package(u"Mine"_s, manySessions(5000)));
+        m_import->importPackage(endlessPackage());
         ben->setName(u"Benjamin"_s);
-        m_journal->coreData().save();
         m_journal->coreData().handleTimer();
         QVERIFY(m_journal->context().hasChanges());
-        QVERIFY(imported.size() == 1 || imported.wait(20'000));
+        m_import->cancelAndWait();
         QVERIFY(!m_journal->context().hasChanges());
         QCOMPARE(failing.size(), 0);
-        QCOMPARE(ben->name(), u"Benjamin"_s);
         QVERIFY(m_alerts.isEmpty());
+    }
+
+    void oneThatCannotBeSavedBeforeDoesNotBegin()
+    {
+        FaultVfs disk;
+        m_import.reset();
+        m_journal = std::make_unique<JournalFixture>(utc(2026, 11, 20), disk.name());
+        m_import = std::make_unique<Import>(m_journal->coreData(), m_window.get());
+        m_journal->addCounterpart(u"Ben"_s);
+        const QString path = package(u"Mine"_s, manySessions(1));
+        disk.failAt(1, FaultVfs::Fault::DiskFull, FaultVfs::Lasting::ForGood);
+        m_import->importPackage(path);
+        disk.failNothing();
+        QVERIFY(!m_import->isRunning());
+        QCOMPARE(m_alerts.size(), 1);
+        QVERIFY2(m_alerts.first().startsWith(failed + u"The disk is full"),
+                 qPrintable(m_alerts.first()));
+        QVERIFY(m_journal->context().hasChanges());
+        QCOMPARE(sessionCount(), 0);
+        m_import.reset();
+        m_journal.reset();
+    }
+
+    void aFolderThatDoesNotAnswerCanBeLeft()
+    {
+        const QString path = package(u"Mine"_s, manySessions(1));
+        folderHangs = true;
+        QSignalSpy cancelled(m_import.get(), &Import::cancelled);
+        m_import->importPackage(path);
+        QTRY_VERIFY(progressSheet());
+        QTest::keyClick(progressSheet(), Qt::Key_Escape);
+        QVERIFY(cancelled.wait());
+        m_import->importPackage(path);
+        m_import->cancelAndWait(); // As quitting does.
+        folderHangs = false;
+        QCOMPARE(sessionCount(), 0);
     }
 
     void tagsTypedAMomentAgoMerge()

@@ -13,9 +13,9 @@ private Q_SLOTS:
     void init()
     {
         start();
-        m_outcome = {};
+        m_completed = {};
         connect(m_import.get(), &Import::imported, this,
-                [this](const ImportOutcome &outcome) { m_outcome = outcome; });
+                [this](const CompletedImport &import) { m_completed = import; });
     }
     void cleanup() { stop(); }
 
@@ -41,7 +41,7 @@ private Q_SLOTS:
     void asksFirst()
     {
         QVERIFY(importAndWait(package(u"Mine"_s, json)));
-        m_import->undo(m_outcome);
+        m_import->undo(m_completed);
         QVERIFY(sheet());
         QCOMPARE(textOf(*sheet(), "messageText"), u"Do you want to undo this import?"_s);
         QVERIFY(textOf(*sheet(), "informativeText")
@@ -103,7 +103,7 @@ private:
     bool undoAndWait()
     {
         QSignalSpy undone(m_import.get(), &Import::undone);
-        m_import->undo(m_outcome);
+        m_import->undo(m_completed);
         if (!sheet())
             return false;
         QTest::mouseClick(sheet()->buttons().first(), Qt::LeftButton);
@@ -113,7 +113,7 @@ private:
     const QByteArray json =
         R"([{"name":"Ana","sessions":[{"tags":[{"emoji":"🎯","name":"mine"},)"
         R"({"emoji":"🚀","name":"theirs"}],"notes":[{"identifier":0,"contentString":"x"}]},{}]}])";
-    ImportOutcome m_outcome;
+    CompletedImport m_completed;
 };
 
 QTEST_MAIN(tst_ImportUndo)

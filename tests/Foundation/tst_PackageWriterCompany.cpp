@@ -1,6 +1,6 @@
-#include "Foundation/Files/OpenedFile.h"
+#include "Foundation/Files/FileHandle.h"
 #include "Foundation/Files/PackageWriter.h"
-#include "Foundation/Files/Temporaries.h"
+#include "Foundation/Files/TemporaryFiles.h"
 #include "PackageFixture.h"
 #include "support/FaultFileSystem.h"
 
@@ -27,11 +27,11 @@ QString makeTemporaryPackage(const PackageFolder &folder, const QByteArray &cont
     return temporary;
 }
 
-OpenedFile lockedFile(const QString &folder, const QString &name)
+FileHandle lockedFile(const QString &folder, const QString &name)
 {
     FileSystem &system = systemFileSystem();
-    auto file = OpenedFile::folderAt(system, folder).and_then([&](const OpenedFile &opened) {
-        return OpenedFile::fileIn(opened, name, FileAccess::ReadAndWrite);
+    auto file = FileHandle::folderAt(system, folder).and_then([&](const FileHandle &opened) {
+        return FileHandle::fileIn(opened, name, FileAccess::ReadAndWrite);
     });
     if (!file || !system.lock(file->id()))
         qFatal("no lock");

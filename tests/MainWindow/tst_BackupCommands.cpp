@@ -8,6 +8,7 @@
 #include "Toolkit/Alert.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
 #include "Toolkit/Package/PackageDialog.h"
+#include "Toolkit/ProgressSheet.h"
 
 #include <QAction>
 #include <QApplication>
@@ -17,13 +18,44 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QProgressBar>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QUrl>
+
+#include <atomic>
+#include <cstdarg>
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <thread>
+#include <unistd.h>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
+
+namespace {
+
+std::atomic<bool> folderHangs = false;
+std::atomic<int> folderGeneration = 0;
+
+} // namespace
+
+/// Stands in for the system's: a folder that does not answer keeps whoever opened a file in it
+/// waiting.
+extern "C" int openat(int folder, const char *name, int flags, ...)
+{
+    const bool waits = folderHangs && (flags & O_DIRECTORY) == 0;
+    for (const int generation = folderGeneration; waits && generation == folderGeneration;)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    va_list arguments;
+    va_start(arguments, flags);
+    const int mode = va_arg(arguments, int);
+    va_end(arguments);
+    return int(::syscall(SYS_openat, folder, name, flags, mode));
+}
 
 /// Backing up, importing and undoing an import in the main window, as the user does it.
 class tst_BackupCommands : public QObject
@@ -136,34 +168,93 @@ private Q_SLOTS:
         QTRY_COMPARE(message(), u"“Mine” holds no teammates."_s);
     }
 
+    void theOfferToUndoStaysUntilItIsUsed()
+    {
+        const auto undoButton = [this] {
+            auto *button = m_window->statusLine().findChild<QPushButton *>(u"statusActionButton"_s);
+            return button && button->isVisible() ? button : nullptr;
+        };
+        const auto pressUndo = [&](int answer) {
+            QVERIFY(undoButton());
+            QTest::mouseClick(undoButton(), Qt::LeftButton);
+            QTRY_VERIFY(sheet());
+            QTest::mouseClick(sheet()->buttons().at(answer), Qt::LeftButton);
+        };
+        for (const QString &name : {u"First"_s, u"Second"_s}) {
+            drop({package(name)});
+            answerSheet(Qt::Key_Return);
+            QTRY_COMPARE(message(), u"“%1” is imported: 1 teammate and 1 meeting."_s.arg(name));
+        }
+        pressUndo(1); // Cancel.
+        QTRY_COMPARE(message(), u"“Second” is imported: 1 teammate and 1 meeting."_s);
+        answerPanel(m_journal->filePath(u"Backup.tembrabackup"_s));
+        action("createBackupAction")->trigger();
+        QTRY_VERIFY(message().startsWith(u"The backup “Backup” is complete"_s));
+        pressUndo(0);
+        QTRY_COMPARE(message(), u"The import of “Second” was undone."_s);
+        QCOMPARE(m_window->counterpartsViewController().counterparts().size(), 1);
+        pressUndo(0);
+        QTRY_COMPARE(message(), u"The import of “First” was undone."_s);
+        QVERIFY(!undoButton());
+        QVERIFY(m_window->counterpartsViewController().counterparts().isEmpty());
+    }
+
+    void dismissingAMessageTakesTheOfferAway()
+    {
+        drop({package(u"Mine"_s)});
+        answerSheet(Qt::Key_Return);
+        QTRY_COMPARE(message(), u"“Mine” is imported: 1 teammate and 1 meeting."_s);
+        QTest::mouseClick(m_window->statusLine().findChild<QToolButton *>(u"statusDismissButton"_s),
+                          Qt::LeftButton);
+        m_window->openPackages({package(u"Empty"_s, "[]")});
+        answerSheet(Qt::Key_Return);
+        QTRY_COMPARE(message(), u"“Empty” holds no teammates."_s);
+        QVERIFY(
+            !m_window->statusLine().findChild<QPushButton *>(u"statusActionButton"_s)->isVisible());
+    }
+
     void aLongImportShowsHowFarItIsAndCanBeCancelled()
     {
-        QByteArray json = R"([{"name":"Ana","sessions":[{})";
-        for (int i = 0; i < 40'000; ++i)
-            json += ",{}";
-        m_window->openPackages({package(u"Long"_s, json + "]}]")});
+        m_window->openPackages({endlessPackage()});
         answerSheet(Qt::Key_Return);
-        auto *cancel = m_window->statusLine().findChild<QPushButton *>(u"statusCancelButton"_s);
-        QVERIFY(cancel && !cancel->isVisible()); // Not yet.
-        QVERIFY(!action("importBackupAction")->isEnabled());
-        QVERIFY(!action("createBackupAction")->isEnabled());
-        QTRY_VERIFY(cancel->isVisible());
-        QTest::mouseClick(cancel, Qt::LeftButton);
+        QVERIFY(!progressSheet()); // Not yet.
+        QTRY_VERIFY(progressSheet());
+        auto *bar = progressSheet()->findChild<QProgressBar *>(u"progressBar"_s);
+        QTRY_VERIFY(bar->value() > 0);
+        QTest::mouseClick(progressSheet()->findChild<QPushButton *>(u"progressCancelButton"_s),
+                          Qt::LeftButton);
         QTRY_COMPARE(message(), u"Cancelled; nothing was changed."_s);
-        QVERIFY(action("importBackupAction")->isEnabled());
+        QVERIFY(!progressSheet());
         QVERIFY(m_window->counterpartsViewController().counterparts().isEmpty());
         QCOMPARE(*m_journal->context().count({.entityName = "Session"}), 0);
     }
 
-    void closingTheWindowEndsAnImport()
+    void destroyingTheWindowCancelsAnImport()
     {
-        QByteArray json = R"([{"name":"Ana","sessions":[{})";
-        for (int i = 0; i < 20'000; ++i)
-            json += ",{}";
-        m_window->openPackages({package(u"Long"_s, json + "]}]")});
+        m_window->openPackages({endlessPackage()});
         answerSheet(Qt::Key_Return);
         m_window.reset();
         QCOMPARE(*m_journal->context().count({.entityName = "Session"}), 0);
+    }
+
+    void aPackageInAFolderThatDoesNotAnswerCanBeLeft()
+    {
+        const QString stuck = package(u"Stuck"_s);
+        const QString good = package(u"Good"_s);
+        folderHangs = true;
+        m_window->openPackages({stuck});
+        auto *cancel = m_window->statusLine().findChild<QPushButton *>(u"statusCancelButton"_s);
+        QTRY_VERIFY(cancel->isVisible());
+        QCOMPARE(m_window->statusLine().findChild<EmojiLabel *>(u"statusTask"_s)->text(),
+                 u"Looking at “Stuck” …"_s);
+        m_window->openPackages({good});
+        QVERIFY(!sheet());
+        folderHangs = false; // For those that are asked from now on.
+        const auto again = qScopeGuard([] { ++folderGeneration; });
+        QTest::mouseClick(cancel, Qt::LeftButton);
+        QTRY_VERIFY(sheet());
+        QVERIFY(sheet()->accessibleDescription().contains(u"Good"_s));
+        answerSheet(Qt::Key_Escape);
     }
 
 private:
@@ -172,6 +263,18 @@ private:
     {
         const QString path = m_journal->filePath(name + u".tembrabackup"_s);
         return BackupDocument{json}.write(path) ? path : QString();
+    }
+
+    /// A backup that takes much longer to import than any test waits.
+    QString endlessPackage() const
+    {
+        return package(u"Long"_s, R"([{"name":"Ana","sessions":[{})"
+                                      + QByteArray(",{}").repeated(3'000'000) + "]}]");
+    }
+    ProgressSheet *progressSheet() const
+    {
+        auto *found = m_window->findChild<ProgressSheet *>();
+        return found && found->isVisible() ? found : nullptr;
     }
 
     QAction *action(const char *name) const

@@ -47,6 +47,8 @@ FileFault faultOfErrno(int systemError)
     case EMFILE:
     case ENFILE:
         return FileFault::TooManyOpen;
+    case ECANCELED:
+        return FileFault::Cancelled;
     default:
         return FileFault::Other;
     }
@@ -117,6 +119,8 @@ QString sentenceFor(FileFault fault, const QString &path)
             return u"There is not enough memory for “%1”. Close other programs and try again."_s;
         case FileFault::TooManyOpen:
             return u"Too many files are open to use “%1”. Close other programs and try again."_s;
+        case FileFault::Cancelled:
+            return u"Writing “%1” was cancelled; nothing was changed."_s;
         default:
             return sentenceForDisk(fault);
         }

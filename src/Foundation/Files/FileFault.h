@@ -23,6 +23,7 @@ enum class FileFault {
     ChangedMeanwhile, ///< While it was being read.
     OutOfMemory,
     TooManyOpen,
+    Cancelled,
     Other
 };
 

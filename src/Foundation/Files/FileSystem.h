@@ -30,7 +30,7 @@ struct FileStatus
 };
 
 /// The system calls behind files that must not be lost, one by one, so that a test can let any of
-/// them fail. OpenedFile makes them convenient.
+/// them fail. FileHandle makes them convenient.
 ///
 /// A call may do less than it was asked to (write, readAt) or be interrupted (EINTR). Everything but
 /// the first way to a folder goes by a single name in a folder that is open, and follows no link:

@@ -1,8 +1,8 @@
 #include "Foundation/Files/PackageFile.h"
 
 #include "Foundation/Files/FileFault.h"
-#include "Foundation/Files/OpenedFile.h"
-#include "Foundation/Files/PackagePlace.h"
+#include "Foundation/Files/FileHandle.h"
+#include "Foundation/Files/PackagePath.h"
 #include "Foundation/Precondition.h"
 
 #include <cerrno>
@@ -24,7 +24,7 @@ Error tooLarge(const QString &path, qint64 limit)
 }
 
 /// Nothing when the package has no such file.
-Result<std::optional<OpenedFile>> openPackageFile(const QString &packagePath,
+Result<std::optional<FileHandle>> openPackageFile(const QString &packagePath,
                                                   const QString &fileName, const QString &path,
                                                   FileSystem &fileSystem)
 {
@@ -32,10 +32,10 @@ Result<std::optional<OpenedFile>> openPackageFile(const QString &packagePath,
     // The rest of such a path would be left unread.
     if (packagePath.contains(QChar::Null))
         return failure(fileError(packagePath, ENOENT));
-    const auto package = OpenedFile::folderAt(fileSystem, packagePath);
+    const auto package = FileHandle::folderAt(fileSystem, packagePath);
     if (!package)
         return failure(fileError(packagePath, package.error()));
-    auto file = OpenedFile::fileIn(*package, fileName, FileAccess::Read);
+    auto file = FileHandle::fileIn(*package, fileName, FileAccess::Read);
     if (file)
         return std::optional(*std::move(file));
     if (file.error() == ENOENT)
@@ -44,7 +44,7 @@ Result<std::optional<OpenedFile>> openPackageFile(const QString &packagePath,
 }
 
 /// Reads on where a file turns out to be longer than it said. Returns all that was read.
-SystemResult<qint64> readToEnd(const OpenedFile &file, QByteArray &contents, qint64 limit)
+SystemResult<qint64> readToEnd(const FileHandle &file, QByteArray &contents, qint64 limit)
 {
     auto count = file.readAt(0, contents.data(), contents.size());
     while (count && *count == contents.size() && *count <= limit) {
@@ -60,7 +60,7 @@ SystemResult<qint64> readToEnd(const OpenedFile &file, QByteArray &contents, qin
     return count;
 }
 
-Result<QByteArray> readOpened(const OpenedFile &file, const QString &path, qint64 limit)
+Result<QByteArray> readOpened(const FileHandle &file, const QString &path, qint64 limit)
 {
     FileSystem &fileSystem = file.fileSystem();
     const auto before = fileSystem.status(file.id());

@@ -1,11 +1,11 @@
 #include "Foundation/Files/PackageWriter.h"
 
 #include "Foundation/Files/FileFault.h"
-#include "Foundation/Files/FreshFile.h"
-#include "Foundation/Files/OpenedFile.h"
-#include "Foundation/Files/PackagePlace.h"
-#include "Foundation/Files/Temporaries.h"
-#include "Foundation/Files/WriteObstacle.h"
+#include "Foundation/Files/FileHandle.h"
+#include "Foundation/Files/PackagePath.h"
+#include "Foundation/Files/TemporaryFiles.h"
+#include "Foundation/Files/VerifiedFile.h"
+#include "Foundation/Files/WriteError.h"
 #include "Foundation/Precondition.h"
 
 #include <QScopeGuard>
@@ -16,41 +16,45 @@ namespace tembra {
 
 namespace {
 
-using Renewal = WriteObstacle::Renewal;
+using Retry = WriteError::Retry;
 
-/// How often a writer gives way to others before it says so.
-constexpr int mostTimesGivenWay = 20;
+/// How often other writers may interfere before the write fails.
+constexpr int mostCollisions = 20;
 
-/// One try to write a package, from the beginning.
+/// One attempt to write a package, from the beginning.
 class PackageAttempt
 {
 public:
-    PackageAttempt(FileSystem &fileSystem, const PackagePlace &place, const QString &fileName,
-                   QByteArrayView contents)
+    PackageAttempt(FileSystem &fileSystem, const PackagePath &package, const QString &fileName,
+                   QByteArrayView contents, const std::stop_token &cancellation)
         : m_fileSystem(fileSystem)
-        , m_place(place)
+        , m_package(package)
         , m_fileName(fileName)
         , m_contents(contents)
+        , m_cancellation(cancellation)
     {
     }
 
-    WriteStep run();
+    WriteResult run();
 
 private:
-    WriteStep create(const OpenedFile &parent) const;
-    WriteStep fillNew(const OpenedFile &parent, const QString &temporary) const;
-    WriteStep replaceIn(const OpenedFile &parent) const;
-    WriteStep checkReplaced(const OpenedFile &package) const;
-    WriteStep checkInPlace() const;
-    QString filePath() const { return m_place.path + QLatin1Char('/') + m_fileName; }
+    WriteResult create(const FileHandle &parent) const;
+    WriteResult fillNew(const FileHandle &parent, const QString &temporary) const;
+    WriteResult replaceIn(const FileHandle &parent) const;
+    WriteResult checkReplaced(const FileHandle &package) const;
+    WriteResult checkInPlace() const;
+    WriteResult commit(const FileHandle &folder, const QString &temporary,
+                       const QString &name) const;
+    QString filePath() const { return m_package.path + QLatin1Char('/') + m_fileName; }
 
     FileSystem &m_fileSystem;
-    const PackagePlace &m_place;
+    const PackagePath &m_package;
     const QString &m_fileName;
     QByteArrayView m_contents;
+    const std::stop_token &m_cancellation;
 };
 
-WriteStep syncNames(const OpenedFile &folder)
+WriteResult syncFolder(const FileHandle &folder)
 {
     const auto synced = folder.fileSystem().sync(folder.id());
     if (synced)
@@ -61,98 +65,109 @@ WriteStep syncNames(const OpenedFile &folder)
     case ENOSYS:
         return {};
     default:
-        return obstacle("fsync of folder", synced.error(), Renewal::Once);
+        return writeError("fsync of folder", synced.error(), Retry::Once);
     }
 }
 
-WriteStep PackageAttempt::run()
+WriteResult PackageAttempt::run()
 {
-    const auto parent = OpenedFile::folderAt(m_fileSystem, m_place.folder);
+    const auto parent = FileHandle::folderAt(m_fileSystem, m_package.folder);
     if (!parent)
-        return obstacle("open", parent.error(), Renewal::Pointless, m_place.folder);
-    const auto found = m_fileSystem.statusIn(parent->id(), m_place.name);
+        return writeError("open", parent.error(), Retry::Never, m_package.folder);
+    const auto found = m_fileSystem.statusIn(parent->id(), m_package.name);
     if (!found && found.error() != ENOENT)
-        return obstacle("stat", found.error());
+        return writeError("stat", found.error());
     if (found && found->kind == FileKind::Link)
-        return obstacle("stat", symbolicLink);
+        return writeError("stat", symbolicLink);
     if (found && found->kind != FileKind::Folder)
-        return obstacle("stat", ENOTDIR, Renewal::Pointless);
-    sweepTemporaryFolders(*parent, m_place.name, m_fileName);
+        return writeError("stat", ENOTDIR, Retry::Never);
+    sweepTemporaryFolders(*parent, m_package.name, m_fileName);
     if (const auto written = found ? replaceIn(*parent) : create(*parent); !written)
         return written;
     // Of a package that was there too: an earlier try may have failed just here.
-    if (const auto synced = syncNames(*parent); !synced)
+    if (const auto synced = syncFolder(*parent); !synced)
         return synced;
     return checkInPlace();
 }
 
-WriteStep PackageAttempt::create(const OpenedFile &parent) const
+WriteResult PackageAttempt::create(const FileHandle &parent) const
 {
-    const QString temporary = newTemporaryName(m_place.name);
+    const QString temporary = newTemporaryName(m_package.name);
     if (const auto made = m_fileSystem.createFolder(parent.id(), temporary); !made) {
         const FileFault fault = fileFaultOf(made.error());
         const bool isAboutParent = fault == FileFault::NoPermission || fault == FileFault::ReadOnly
                                    || fault == FileFault::Missing;
-        return obstacle("mkdir", made.error(), isAboutParent ? m_place.folder : QString());
+        return writeError("mkdir", made.error(), isAboutParent ? m_package.folder : QString());
     }
     auto removal = qScopeGuard([&] { removeTemporaryFolder(parent, temporary, m_fileName); });
     if (const auto filled = fillNew(parent, temporary); !filled)
         return filled;
-    if (const auto renamed = m_fileSystem.rename(parent.id(), temporary, m_place.name); !renamed)
-        return obstacle("rename", renamed.error());
+    if (const auto committed = commit(parent, temporary, m_package.name); !committed)
+        return committed;
     removal.dismiss();
     return {};
 }
 
 /// Everything in it is closed again at the end: on some disks no folder can be renamed that holds
 /// an opened file.
-WriteStep PackageAttempt::fillNew(const OpenedFile &parent, const QString &temporary) const
+WriteResult PackageAttempt::fillNew(const FileHandle &parent, const QString &temporary) const
 {
-    const auto folder = OpenedFile::folderIn(parent, temporary);
+    const auto folder = FileHandle::folderIn(parent, temporary);
     if (!folder)
-        return obstacle("open", folder.error());
-    if (const auto written = writeFreshFile(*folder, m_fileName, m_contents); !written)
+        return writeError("open", folder.error());
+    if (const auto written = writeVerifiedFile(*folder, m_fileName, m_contents); !written)
         return written;
-    return syncNames(*folder);
+    return syncFolder(*folder);
 }
 
-WriteStep PackageAttempt::replaceIn(const OpenedFile &parent) const
+WriteResult PackageAttempt::replaceIn(const FileHandle &parent) const
 {
-    const auto package = OpenedFile::folderIn(parent, m_place.name);
+    const auto package = FileHandle::folderIn(parent, m_package.name);
     if (!package)
-        return obstacle("open", package.error());
+        return writeError("open", package.error());
     if (const auto checked = checkReplaced(*package); !checked)
         return checked;
     sweepTemporaryFiles(*package, m_fileName);
     const QString temporary = newTemporaryName(m_fileName);
-    if (const auto written = writeFreshFile(*package, temporary, m_contents); !written)
+    if (const auto written = writeVerifiedFile(*package, temporary, m_contents); !written)
         return written;
-    if (const auto renamed = m_fileSystem.rename(package->id(), temporary, m_fileName); !renamed) {
+    if (const auto committed = commit(*package, temporary, m_fileName); !committed) {
         (void)m_fileSystem.removeFile(package->id(), temporary);
-        return obstacle("rename", renamed.error());
+        return committed;
     }
-    return syncNames(*package);
+    return syncFolder(*package);
 }
 
-WriteStep PackageAttempt::checkReplaced(const OpenedFile &package) const
+/// From the rename on, the package is the new one.
+WriteResult PackageAttempt::commit(const FileHandle &folder, const QString &temporary,
+                                   const QString &name) const
+{
+    if (m_cancellation.stop_requested())
+        return writeError("rename", ECANCELED, Retry::Never);
+    if (const auto renamed = m_fileSystem.rename(folder.id(), temporary, name); !renamed)
+        return writeError("rename", renamed.error());
+    return {};
+}
+
+WriteResult PackageAttempt::checkReplaced(const FileHandle &package) const
 {
     const auto old = m_fileSystem.statusIn(package.id(), m_fileName);
     if (!old && old.error() != ENOENT)
-        return obstacle("stat", old.error(), filePath());
+        return writeError("stat", old.error(), filePath());
     if (old && old->kind != FileKind::File)
-        return obstacle("stat", notRegularFile, filePath());
+        return writeError("stat", notRegularFile, filePath());
     return {};
 }
 
 /// The folder may have been moved away meanwhile, and the package with it.
-WriteStep PackageAttempt::checkInPlace() const
+WriteResult PackageAttempt::checkInPlace() const
 {
-    const auto found = OpenedFile::folderAt(m_fileSystem, m_place.path)
-                           .and_then([this](const OpenedFile &package) {
+    const auto found = FileHandle::folderAt(m_fileSystem, m_package.path)
+                           .and_then([this](const FileHandle &package) {
                                return m_fileSystem.statusIn(package.id(), m_fileName);
                            });
     if (!found)
-        return obstacle("stat", found.error(), Renewal::Pointless);
+        return writeError("stat", found.error(), Retry::Never);
     return {};
 }
 
@@ -161,24 +176,25 @@ WriteStep PackageAttempt::checkInPlace() const
 PackageWriter::PackageWriter(FileSystem &fileSystem) : m_fileSystem(fileSystem) {}
 
 Result<void> PackageWriter::write(const QString &packagePath, const QString &fileName,
-                                  QByteArrayView contents) const
+                                  QByteArrayView contents,
+                                  const std::stop_token &cancellation) const
 {
     require(isPlainName(fileName), "A package's file has a plain name");
-    const auto place = PackagePlace::of(packagePath);
-    if (!place)
-        return failure(place.error());
-    bool isRenewed = false;
-    int timesGivenWay = 0;
+    const auto package = PackagePath::parse(packagePath);
+    if (!package)
+        return failure(package.error());
+    int collisions = 0;
+    int otherRetries = 0;
     for (;;) {
-        const auto written = PackageAttempt(m_fileSystem, *place, fileName, contents).run();
+        const auto written =
+            PackageAttempt(m_fileSystem, *package, fileName, contents, cancellation).run();
         if (written)
             return {};
-        const Renewal renewal = written.error().renewal;
-        const bool givesWay = renewal == Renewal::Often && ++timesGivenWay <= mostTimesGivenWay;
-        const bool beginsAnew = renewal == Renewal::Once && !isRenewed;
-        if (!givesWay && !beginsAnew)
-            return failure(written.error().error(place->path));
-        isRenewed = isRenewed || beginsAnew;
+        const Retry retry = written.error().retry;
+        const bool mayRetry = (retry == Retry::Repeatedly && ++collisions <= mostCollisions)
+                              || (retry == Retry::Once && ++otherRetries <= 1);
+        if (!mayRetry)
+            return failure(written.error().toError(package->path));
     }
 }
 

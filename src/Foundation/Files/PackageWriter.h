@@ -5,6 +5,8 @@
 
 #include <QByteArrayView>
 
+#include <stop_token>
+
 namespace tembra {
 
 /// Writes packages (folders that are shown as one file) with one file in them, such that they are
@@ -30,8 +32,10 @@ public:
     /// A failure says in the user's words what stands in the way, and where. It leaves nothing
     /// behind that could be removed. The new contents may be in place even then, completely, when
     /// only the very last steps failed: then the disk did not promise to keep them.
-    Result<void> write(const QString &packagePath, const QString &fileName,
-                       QByteArrayView contents) const;
+    ///
+    /// Once @p cancellation was requested the package is not replaced any more; the write fails.
+    Result<void> write(const QString &packagePath, const QString &fileName, QByteArrayView contents,
+                       const std::stop_token &cancellation = {}) const;
 
 private:
     FileSystem &m_fileSystem;

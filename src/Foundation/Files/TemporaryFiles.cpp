@@ -1,4 +1,4 @@
-#include "Foundation/Files/Temporaries.h"
+#include "Foundation/Files/TemporaryFiles.h"
 
 #include <QRandomGenerator>
 
@@ -28,24 +28,24 @@ bool isHexDigit(QChar character)
     return (character >= u'0' && character <= u'9') || (character >= u'a' && character <= u'f');
 }
 
-QStringList temporariesIn(const OpenedFile &folder, const QString &name)
+QStringList temporariesIn(const FileHandle &folder, const QString &name)
 {
     QStringList found = folder.fileSystem().names(folder.id()).value_or(QStringList());
     found.removeIf([&](const QString &candidate) { return !isTemporaryName(candidate, name); });
     return found;
 }
 
-bool isAbandoned(const OpenedFile &folder, const QString &fileName)
+bool isAbandoned(const FileHandle &folder, const QString &fileName)
 {
-    const auto file = OpenedFile::fileIn(folder, fileName, FileAccess::ReadAndWrite);
+    const auto file = FileHandle::fileIn(folder, fileName, FileAccess::ReadAndWrite);
     return file && folder.fileSystem().lock(file->id());
 }
 
-void sweepFolder(const OpenedFile &parent, const QString &temporary, const QString &folderName,
+void sweepFolder(const FileHandle &parent, const QString &temporary, const QString &folderName,
                  const QString &fileName)
 {
     FileSystem &fileSystem = parent.fileSystem();
-    const auto folder = OpenedFile::folderIn(parent, temporary);
+    const auto folder = FileHandle::folderIn(parent, temporary);
     if (!folder)
         return;
     const auto names = fileSystem.names(folder->id());
@@ -78,17 +78,17 @@ bool isTemporaryName(const QString &candidate, const QString &name)
     return std::all_of(number.begin(), number.end(), isHexDigit);
 }
 
-void removeTemporaryFolder(const OpenedFile &parent, const QString &temporary,
+void removeTemporaryFolder(const FileHandle &parent, const QString &temporary,
                            const QString &fileName)
 {
     FileSystem &fileSystem = parent.fileSystem();
     // By its name, never through a folder that was open before: it may long be in its place.
-    if (const auto folder = OpenedFile::folderIn(parent, temporary))
+    if (const auto folder = FileHandle::folderIn(parent, temporary))
         (void)fileSystem.removeFile(folder->id(), fileName);
     (void)fileSystem.removeFolder(parent.id(), temporary);
 }
 
-void sweepTemporaryFiles(const OpenedFile &folder, const QString &fileName)
+void sweepTemporaryFiles(const FileHandle &folder, const QString &fileName)
 {
     for (const QString &temporary : temporariesIn(folder, fileName)) {
         if (isAbandoned(folder, temporary))
@@ -96,7 +96,7 @@ void sweepTemporaryFiles(const OpenedFile &folder, const QString &fileName)
     }
 }
 
-void sweepTemporaryFolders(const OpenedFile &parent, const QString &folderName,
+void sweepTemporaryFolders(const FileHandle &parent, const QString &folderName,
                            const QString &fileName)
 {
     for (const QString &temporary : temporariesIn(parent, folderName))

@@ -1,4 +1,4 @@
-#include "Backup/ImportPrompts.h"
+#include "Backup/ImportQueue.h"
 
 #include "ImportTest.h"
 
@@ -8,7 +8,7 @@
 using namespace tembra;
 using namespace Qt::StringLiterals;
 
-class tst_ImportPrompts : public ImportTest
+class tst_ImportQueue : public ImportTest
 {
     Q_OBJECT
 
@@ -16,26 +16,26 @@ private Q_SLOTS:
     void init()
     {
         start();
-        m_prompts = std::make_unique<ImportPrompts>(*m_import, m_journal->dates, m_window.get());
+        m_queue = std::make_unique<ImportQueue>(*m_import, m_journal->dates, m_window.get());
     }
     void cleanup()
     {
-        m_prompts.reset();
+        m_queue.reset();
         stop();
     }
 
     void asksBeforeItImports()
     {
         const QString path = package(u"Mine"_s, manySessions(2));
-        m_prompts->open({path});
-        QVERIFY(sheet());
+        m_queue->enqueue({path});
+        QTRY_VERIFY(sheet());
         QCOMPARE(textOf(*sheet(), "messageText"), u"Do you want to import this backup file?"_s);
         QCOMPARE(sheet()->buttons().at(0)->text(), u"Import"_s);
         QCOMPARE(sheet()->buttons().at(1)->text(), u"Cancel"_s);
         QCOMPARE(sessionCount(), 0);
-        QSignalSpy settled(m_import.get(), &Import::settled);
+        QSignalSpy finished(m_import.get(), &Import::finished);
         QTest::mouseClick(sheet()->buttons().at(0), Qt::LeftButton);
-        QVERIFY(settled.wait());
+        QVERIFY(finished.wait());
         QCOMPARE(sessionCount(), 2);
     }
 
@@ -46,8 +46,8 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::ReadWrite));
         QVERIFY(
             file.setFileTime(QDateTime({2026, 11, 3}, {15, 4}), QFileDevice::FileModificationTime));
-        m_prompts->open({path});
-        QVERIFY(sheet());
+        m_queue->enqueue({path});
+        QTRY_VERIFY(sheet());
         const QStringList lines = textOf(*sheet(), "informativeText").split(u'\n');
         QCOMPARE(lines.size(), 2);
         QVERIFY2(lines.first().startsWith(u"Last modified: Nov 3, 2026, "_s),
@@ -58,7 +58,8 @@ private Q_SLOTS:
 
     void cancelChangesNothing()
     {
-        m_prompts->open({package(u"Mine"_s, manySessions(2))});
+        m_queue->enqueue({package(u"Mine"_s, manySessions(2))});
+        QTRY_VERIFY(sheet());
         QTest::keyClick(sheet(), Qt::Key_Escape);
         QTRY_VERIFY(!sheet());
         QVERIFY(!m_import->isRunning());
@@ -67,9 +68,10 @@ private Q_SLOTS:
 
     void severalComeOneAfterTheOther()
     {
-        m_prompts->open({package(u"First"_s, manySessions(500)),
-                         package(u"Second"_s, manySessions(1)),
-                         package(u"Third"_s, manySessions(3))});
+        m_queue->enqueue({package(u"First"_s, manySessions(500)),
+                          package(u"Second"_s, manySessions(1)),
+                          package(u"Third"_s, manySessions(3))});
+        QTRY_VERIFY(sheet());
         QVERIFY(textOf(*sheet(), "informativeText").contains(u"First"_s));
         QTest::keyClick(sheet(), Qt::Key_Return);
         // While one comes in, nothing is asked.
@@ -87,7 +89,8 @@ private Q_SLOTS:
 
     void oneThatFailsLetsTheNextCome()
     {
-        m_prompts->open({package(u"Broken"_s, "x"), package(u"Good"_s, manySessions(1))});
+        m_queue->enqueue({package(u"Broken"_s, "x"), package(u"Good"_s, manySessions(1))});
+        QTRY_VERIFY(sheet());
         QTest::keyClick(sheet(), Qt::Key_Return);
         QTRY_VERIFY(sheet() && textOf(*sheet(), "informativeText").contains(u"Good"_s));
         QCOMPARE(m_alerts.size(), 1);
@@ -96,28 +99,28 @@ private Q_SLOTS:
         QTRY_VERIFY(!m_import->isRunning());
     }
 
-    void whatIsNoPackageIsToldAtOnce()
+    void whatIsNoPackageIsToldWithoutAQuestion()
     {
-        m_prompts->open({m_journal->filePath(u"No.tembrabackup"_s), package(u"Good"_s, "[]")});
-        QCOMPARE(m_alerts.size(), 1);
+        m_queue->enqueue({m_journal->filePath(u"No.tembrabackup"_s), package(u"Good"_s, "[]")});
+        QTRY_COMPARE(m_alerts.size(), 1);
         QVERIFY(m_alerts.first().startsWith(u"Could not load backup file|Could not load file: "_s));
-        QVERIFY(sheet());
+        QTRY_VERIFY(sheet());
         QTest::keyClick(sheet(), Qt::Key_Escape);
     }
 
-    void aPackageWithoutDataIsToldAtOnce()
+    void aPackageWithoutDataIsToldWithoutAQuestion()
     {
         const QString path = m_journal->filePath(u"Empty.tembrabackup"_s);
         QVERIFY(QDir().mkdir(path));
-        m_prompts->open({path});
+        m_queue->enqueue({path});
         QTRY_COMPARE(m_alerts,
                      QStringList(u"Could not load backup file|No teammate data found.|Okay"_s));
     }
 
 private:
-    std::unique_ptr<ImportPrompts> m_prompts;
+    std::unique_ptr<ImportQueue> m_queue;
 };
 
-QTEST_MAIN(tst_ImportPrompts)
+QTEST_MAIN(tst_ImportQueue)
 
-#include "tst_ImportPrompts.moc"
+#include "tst_ImportQueue.moc"

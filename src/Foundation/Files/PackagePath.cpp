@@ -1,21 +1,21 @@
-#include "Foundation/Files/PackagePlace.h"
+#include "Foundation/Files/PackagePath.h"
 
 namespace tembra {
 
 using namespace Qt::StringLiterals;
 
-Result<PackagePlace> PackagePlace::of(const QString &path)
+Result<PackagePath> PackagePath::parse(const QString &path)
 {
     QString trimmed = path;
     while (trimmed.size() > 1 && trimmed.endsWith(u'/'))
         trimmed.chop(1);
     const qsizetype slash = trimmed.lastIndexOf(u'/');
-    PackagePlace place{trimmed, u"."_s, trimmed.mid(slash + 1)};
+    PackagePath package{trimmed, u"."_s, trimmed.mid(slash + 1)};
     if (slash >= 0)
-        place.folder = slash == 0 ? u"/"_s : trimmed.left(slash);
-    if (!isPlainName(place.name) || place.folder.contains(QChar::Null))
+        package.folder = slash == 0 ? u"/"_s : trimmed.left(slash);
+    if (!isPlainName(package.name) || package.folder.contains(QChar::Null))
         return failure(u"“%1” is not a name for a file. Choose another name."_s.arg(path));
-    return place;
+    return package;
 }
 
 bool isPlainName(const QString &name)

@@ -1,4 +1,4 @@
-#include "Foundation/Files/OpenedFile.h"
+#include "Foundation/Files/FileHandle.h"
 
 #include "Foundation/Files/FileFault.h"
 #include "Foundation/Precondition.h"
@@ -27,21 +27,21 @@ auto uninterrupted(const Call &call)
 
 } // namespace
 
-SystemResult<OpenedFile> OpenedFile::folderAt(FileSystem &fileSystem, const QString &path)
+SystemResult<FileHandle> FileHandle::folderAt(FileSystem &fileSystem, const QString &path)
 {
     return uninterrupted([&] { return fileSystem.openFolderAt(path); }).map([&](FileId id) {
-        return OpenedFile(fileSystem, id);
+        return FileHandle(fileSystem, id);
     });
 }
 
-SystemResult<OpenedFile> OpenedFile::folderIn(const OpenedFile &parent, const QString &name)
+SystemResult<FileHandle> FileHandle::folderIn(const FileHandle &parent, const QString &name)
 {
     FileSystem &fileSystem = parent.fileSystem();
     return uninterrupted([&] { return fileSystem.openFolder(parent.m_id, name); })
-        .map([&](FileId id) { return OpenedFile(fileSystem, id); });
+        .map([&](FileId id) { return FileHandle(fileSystem, id); });
 }
 
-SystemResult<OpenedFile> OpenedFile::fileIn(const OpenedFile &folder, const QString &name,
+SystemResult<FileHandle> FileHandle::fileIn(const FileHandle &folder, const QString &name,
                                             FileAccess access)
 {
     FileSystem &fileSystem = folder.fileSystem();
@@ -54,7 +54,7 @@ SystemResult<OpenedFile> OpenedFile::fileIn(const OpenedFile &folder, const QStr
     const auto id = uninterrupted([&] { return fileSystem.openFile(folder.m_id, name, access); });
     if (!id)
         return tl::unexpected<int>(id.error());
-    OpenedFile file(fileSystem, *id);
+    FileHandle file(fileSystem, *id);
     const auto opened = fileSystem.status(file.m_id);
     if (!opened)
         return tl::unexpected<int>(opened.error());
@@ -63,41 +63,41 @@ SystemResult<OpenedFile> OpenedFile::fileIn(const OpenedFile &folder, const QStr
     return file;
 }
 
-SystemResult<OpenedFile> OpenedFile::createdIn(const OpenedFile &folder, const QString &name)
+SystemResult<FileHandle> FileHandle::createdIn(const FileHandle &folder, const QString &name)
 {
     FileSystem &fileSystem = folder.fileSystem();
     return uninterrupted([&] { return fileSystem.createFile(folder.m_id, name); })
-        .map([&](FileId id) { return OpenedFile(fileSystem, id); });
+        .map([&](FileId id) { return FileHandle(fileSystem, id); });
 }
 
-OpenedFile::OpenedFile(FileSystem &fileSystem, FileId id) : m_fileSystem(&fileSystem), m_id(id) {}
+FileHandle::FileHandle(FileSystem &fileSystem, FileId id) : m_fileSystem(&fileSystem), m_id(id) {}
 
-OpenedFile::OpenedFile(OpenedFile &&other) noexcept
+FileHandle::FileHandle(FileHandle &&other) noexcept
     : m_fileSystem(other.m_fileSystem)
     , m_id(std::exchange(other.m_id, FileId::None))
 {
 }
 
-OpenedFile &OpenedFile::operator=(OpenedFile &&other) noexcept
+FileHandle &FileHandle::operator=(FileHandle &&other) noexcept
 {
     std::swap(m_fileSystem, other.m_fileSystem);
     std::swap(m_id, other.m_id);
     return *this;
 }
 
-OpenedFile::~OpenedFile()
+FileHandle::~FileHandle()
 {
     if (m_id != FileId::None)
         (void)m_fileSystem->close(m_id);
 }
 
-FileSystem &OpenedFile::fileSystem() const
+FileSystem &FileHandle::fileSystem() const
 {
     require(m_fileSystem, "A file is opened before it is used");
     return *m_fileSystem;
 }
 
-SystemResult<void> OpenedFile::writeAll(QByteArrayView bytes)
+SystemResult<void> FileHandle::writeAll(QByteArrayView bytes)
 {
     while (!bytes.isEmpty()) {
         const auto piece = bytes.first(std::min<qsizetype>(bytes.size(), largestPiece));
@@ -111,7 +111,7 @@ SystemResult<void> OpenedFile::writeAll(QByteArrayView bytes)
     return {};
 }
 
-SystemResult<qint64> OpenedFile::readAt(qint64 offset, char *bytes, qint64 size) const
+SystemResult<qint64> FileHandle::readAt(qint64 offset, char *bytes, qint64 size) const
 {
     qint64 count = 0;
     while (count < size) {
@@ -127,7 +127,7 @@ SystemResult<qint64> OpenedFile::readAt(qint64 offset, char *bytes, qint64 size)
     return count;
 }
 
-SystemResult<void> OpenedFile::close()
+SystemResult<void> FileHandle::close()
 {
     const auto closed = fileSystem().close(std::exchange(m_id, FileId::None));
     // The file is closed nevertheless, and another try might close somebody else's.

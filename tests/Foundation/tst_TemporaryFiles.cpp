@@ -1,4 +1,4 @@
-#include "Foundation/Files/Temporaries.h"
+#include "Foundation/Files/TemporaryFiles.h"
 
 #include <QFile>
 #include <QSet>
@@ -7,7 +7,7 @@
 using namespace tembra;
 using namespace Qt::StringLiterals;
 
-class tst_Temporaries : public QObject
+class tst_TemporaryFiles : public QObject
 {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ private Q_SLOTS:
     void givesNoNameTwice();
 };
 
-void tst_Temporaries::knowsItsOwnNames_data()
+void tst_TemporaryFiles::knowsItsOwnNames_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("usual") << u"TembraData.tembrabackup"_s;
@@ -31,7 +31,7 @@ void tst_Temporaries::knowsItsOwnNames_data()
     QTest::newRow("a temporary name itself") << u".a.0123456789abcdef.tmp"_s;
 }
 
-void tst_Temporaries::knowsItsOwnNames()
+void tst_TemporaryFiles::knowsItsOwnNames()
 {
     QFETCH(QString, name);
     const QString temporary = newTemporaryName(name);
@@ -43,7 +43,7 @@ void tst_Temporaries::knowsItsOwnNames()
     QVERIFY(!isTemporaryName(temporary, u"other"_s));
 }
 
-void tst_Temporaries::knowsNoOthers_data()
+void tst_TemporaryFiles::knowsNoOthers_data()
 {
     QTest::addColumn<QString>("candidate");
     QTest::newRow("nothing") << QString();
@@ -59,14 +59,14 @@ void tst_Temporaries::knowsNoOthers_data()
     QTest::newRow("of a shorter name") << u".a.0123456789abcdef.tmp"_s;
 }
 
-void tst_Temporaries::knowsNoOthers()
+void tst_TemporaryFiles::knowsNoOthers()
 {
     QFETCH(QString, candidate);
     QVERIFY(isTemporaryName(u".a.b.0123456789abcdef.tmp"_s, u"a.b"_s));
     QVERIFY(!isTemporaryName(candidate, u"a.b"_s));
 }
 
-void tst_Temporaries::givesNoNameTwice()
+void tst_TemporaryFiles::givesNoNameTwice()
 {
     constexpr int names = 1000;
     QSet<QString> all;
@@ -75,5 +75,5 @@ void tst_Temporaries::givesNoNameTwice()
     QCOMPARE(all.size(), names);
 }
 
-QTEST_GUILESS_MAIN(tst_Temporaries)
-#include "tst_Temporaries.moc"
+QTEST_GUILESS_MAIN(tst_TemporaryFiles)
+#include "tst_TemporaryFiles.moc"

@@ -1,4 +1,4 @@
-#include "Foundation/Files/WriteObstacle.h"
+#include "Foundation/Files/WriteError.h"
 
 #include "Foundation/Files/FileFault.h"
 
@@ -8,14 +8,14 @@ namespace tembra {
 
 namespace {
 
-WriteObstacle::Renewal renewalFor(int systemError)
+WriteError::Retry retryFor(int systemError)
 {
     switch (systemError) {
     case ENOENT:
     case EEXIST:
     case ENOTEMPTY:
     case EWOULDBLOCK:
-        return WriteObstacle::Renewal::Often;
+        return WriteError::Retry::Repeatedly;
     default:
         break;
     }
@@ -28,30 +28,30 @@ WriteObstacle::Renewal renewalFor(int systemError)
     case FileFault::NameTooLong:
     case FileFault::NotAFile:
     case FileFault::Link:
-        return WriteObstacle::Renewal::Pointless;
+        return WriteError::Retry::Never;
     default:
-        return WriteObstacle::Renewal::Once;
+        return WriteError::Retry::Once;
     }
 }
 
 } // namespace
 
-Error WriteObstacle::error(const QString &target) const
+Error WriteError::toError(const QString &target) const
 {
     Error error = fileError(path.isEmpty() ? target : path, systemError);
     error.detail = QLatin1String(call) + QLatin1String(": ") + error.detail;
     return error;
 }
 
-tl::unexpected<WriteObstacle> obstacle(const char *call, int systemError, const QString &path)
+tl::unexpected<WriteError> writeError(const char *call, int systemError, const QString &path)
 {
-    return obstacle(call, systemError, renewalFor(systemError), path);
+    return writeError(call, systemError, retryFor(systemError), path);
 }
 
-tl::unexpected<WriteObstacle> obstacle(const char *call, int systemError,
-                                       WriteObstacle::Renewal renewal, const QString &path)
+tl::unexpected<WriteError> writeError(const char *call, int systemError, WriteError::Retry retry,
+                                      const QString &path)
 {
-    return tl::unexpected<WriteObstacle>(WriteObstacle{call, systemError, renewal, path});
+    return tl::unexpected<WriteError>(WriteError{call, systemError, retry, path});
 }
 
 } // namespace tembra

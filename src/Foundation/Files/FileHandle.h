@@ -4,28 +4,28 @@
 
 namespace tembra {
 
-/// A file or folder that is open until this goes. Calls that were interrupted or did only a part of
-/// what was asked are taken up again. To be used by one thread at a time.
-class OpenedFile
+/// An open file or folder, closed by the destructor. Calls that were interrupted, or did only a part
+/// of what was asked, are repeated. To be used by one thread at a time.
+class FileHandle
 {
 public:
     /// Follows links.
-    static SystemResult<OpenedFile> folderAt(FileSystem &fileSystem, const QString &path);
+    static SystemResult<FileHandle> folderAt(FileSystem &fileSystem, const QString &path);
     /// Follows no link, like all others that go by a name in a folder.
-    static SystemResult<OpenedFile> folderIn(const OpenedFile &parent, const QString &name);
+    static SystemResult<FileHandle> folderIn(const FileHandle &parent, const QString &name);
     /// Fails with notRegularFile, at once, where the name leads to anything but a file.
-    static SystemResult<OpenedFile> fileIn(const OpenedFile &folder, const QString &name,
+    static SystemResult<FileHandle> fileIn(const FileHandle &folder, const QString &name,
                                            FileAccess access);
     /// A new file. Fails when the name is taken.
-    static SystemResult<OpenedFile> createdIn(const OpenedFile &folder, const QString &name);
+    static SystemResult<FileHandle> createdIn(const FileHandle &folder, const QString &name);
 
-    OpenedFile() = default;
-    OpenedFile(OpenedFile &&other) noexcept;
-    OpenedFile &operator=(OpenedFile &&other) noexcept;
-    OpenedFile(const OpenedFile &) = delete;
-    OpenedFile &operator=(const OpenedFile &) = delete;
+    FileHandle() = default;
+    FileHandle(FileHandle &&other) noexcept;
+    FileHandle &operator=(FileHandle &&other) noexcept;
+    FileHandle(const FileHandle &) = delete;
+    FileHandle &operator=(const FileHandle &) = delete;
     /// Closes without a word: whoever wrote into it closes it before, and looks at what that says.
-    ~OpenedFile();
+    ~FileHandle();
 
     FileSystem &fileSystem() const;
     FileId id() const { return m_id; }
@@ -37,7 +37,7 @@ public:
     SystemResult<void> close();
 
 private:
-    OpenedFile(FileSystem &fileSystem, FileId id);
+    FileHandle(FileSystem &fileSystem, FileId id);
 
     FileSystem *m_fileSystem = nullptr;
     FileId m_id = FileId::None;

@@ -1,4 +1,4 @@
-#include "Backup/JournalWork.h"
+#include "Backup/BackgroundTask.h"
 
 #include "Model/JournalQueries.h"
 #include "Store/Objects/ManagedObjectContext.h"
@@ -12,7 +12,7 @@
 using namespace tembra;
 using namespace Qt::StringLiterals;
 
-class tst_JournalWork : public QObject
+class tst_BackgroundTask : public QObject
 {
     Q_OBJECT
 
@@ -23,13 +23,13 @@ private Q_SLOTS:
     void worksBesideTheMainThread()
     {
         std::atomic<QThread *> worker = nullptr;
-        const auto work = start([&](ManagedObjectContext &context, const auto &) {
+        const auto task = start([&](ManagedObjectContext &context, const auto &) {
             worker = QThread::currentThread();
             context.insert<Counterpart>()->setName(u"Ana"_s);
             return context.save();
         });
-        QVERIFY(finish(*work));
-        QVERIFY(work->outcome());
+        QVERIFY(finish(*task));
+        QVERIFY(task->outcome());
         QVERIFY(worker && worker != QThread::currentThread());
         // When it is told to have ended, everybody has what it saved.
         QCOMPARE(m_journal->counterparts().size(), 1);
@@ -37,39 +37,40 @@ private Q_SLOTS:
 
     void tellsAFailure()
     {
-        const auto work = start([](ManagedObjectContext &, const auto &) -> Result<void> {
+        const auto task = start([](ManagedObjectContext &, const auto &) -> Result<void> {
             return failure(u"It rains."_s);
         });
-        QVERIFY(finish(*work));
-        QCOMPARE(work->outcome().error().message, u"It rains."_s);
-        QVERIFY(!work->isCancelled());
+        QVERIFY(finish(*task));
+        QCOMPARE(task->outcome().error().message, u"It rains."_s);
+        QVERIFY(!task->isCancelled());
     }
 
     void tellsHowFarItIs()
     {
-        const auto work = start([](ManagedObjectContext &, const auto &mayGoOn) -> Result<void> {
-            for (int step = 0; step <= 1000; ++step)
-                (void)mayGoOn(step / 1000.0);
-            return {};
-        });
-        QSignalSpy progress(work.get(), &JournalWork::progressed);
-        QVERIFY(finish(*work));
+        const auto task = start(
+            [](ManagedObjectContext &, const auto &progressHandler) -> Result<void> {
+                for (int step = 0; step <= 1000; ++step)
+                    (void)progressHandler(step / 1000.0);
+                return {};
+            });
+        QSignalSpy progress(task.get(), &BackgroundTask::progressed);
+        QVERIFY(finish(*task));
         QCOMPARE(progress.size(), 100);
         QCOMPARE(progress.last().first().toDouble(), 1.0);
     }
 
     void canBeCancelled()
     {
-        const auto work = start([](ManagedObjectContext &context, const auto &mayGoOn) {
+        const auto task = start([](ManagedObjectContext &context, const auto &progressHandler) {
             context.insert<Counterpart>();
-            while (mayGoOn(0.5))
+            while (progressHandler(0.5))
                 QThread::msleep(1);
             return Result<void>(failure(u"Cancelled."_s));
         });
-        QSignalSpy finished(work.get(), &JournalWork::finished);
-        work->cancel();
+        QSignalSpy finished(task.get(), &BackgroundTask::finished);
+        task->cancel();
         QVERIFY(finished.wait());
-        QVERIFY(work->isCancelled());
+        QVERIFY(task->isCancelled());
         QVERIFY(m_journal->counterparts().isEmpty());
     }
 
@@ -77,8 +78,8 @@ private Q_SLOTS:
     {
         std::atomic<bool> ended = false;
         {
-            const auto work = start([&](ManagedObjectContext &, const auto &mayGoOn) {
-                while (mayGoOn(0))
+            const auto task = start([&](ManagedObjectContext &, const auto &progressHandler) {
+                while (progressHandler(0))
                     QThread::msleep(1);
                 ended = true;
                 return Result<void>();
@@ -88,22 +89,22 @@ private Q_SLOTS:
     }
 
 private:
-    std::unique_ptr<JournalWork> start(JournalWork::Work work)
+    std::unique_ptr<BackgroundTask> start(BackgroundTask::Work work)
     {
-        auto started = JournalWork::start(m_journal->coreData().persistentContainer(),
-                                          std::move(work));
+        auto started = BackgroundTask::start(m_journal->coreData().persistentContainer(),
+                                             std::move(work));
         return started ? std::move(*started) : nullptr;
     }
 
-    static bool finish(JournalWork &work)
+    static bool finish(BackgroundTask &task)
     {
-        QSignalSpy finished(&work, &JournalWork::finished);
+        QSignalSpy finished(&task, &BackgroundTask::finished);
         return finished.wait();
     }
 
     std::unique_ptr<JournalFixture> m_journal;
 };
 
-QTEST_GUILESS_MAIN(tst_JournalWork)
+QTEST_GUILESS_MAIN(tst_BackgroundTask)
 
-#include "tst_JournalWork.moc"
+#include "tst_BackgroundTask.moc"
