@@ -21,7 +21,6 @@ class NotesArrayController;
 class NotificationCenter;
 class PropertyObservation;
 class RatingMenu;
-class SentimentScale;
 class ManagedObjectContext;
 class SessionDateField;
 class Tag;
@@ -95,8 +94,7 @@ private:
     QWidget *buildNoteHeader();
     QWidget *buildNoteButtons();
     void buildNoteSelector();
-    void addRatingMenu(EmojiComboBox *popup, const SentimentScale &scale,
-                       const QByteArray &property);
+    void createRatingMenus();
     void connectSignals(NotificationCenter &notifications);
 
     void endNoteEditing();
