@@ -63,10 +63,6 @@ void Screenshots::take(AppDelegate &delegate)
         return;
     }
     const QList<Picture> pictures = openWindows(delegate);
-    // A list paints its emoji a moment after everything else, the first time.
-    for (const Picture &picture : pictures)
-        (void)picture.window->grab();
-    QCoreApplication::processEvents();
     const QPalette usual = QApplication::palette();
     for (const Picture &picture : pictures)
         take(*picture.window, picture.name + u"-light.png"_s);

@@ -94,6 +94,16 @@ QLineEdit *EditCommands::lineEdit() const
     return qobject_cast<QLineEdit *>(m_focused.data());
 }
 
+bool EditCommands::canUndoTyping() const
+{
+    return lineEdit() && lineEdit()->isUndoAvailable();
+}
+
+bool EditCommands::canRedoTyping() const
+{
+    return lineEdit() && lineEdit()->isRedoAvailable();
+}
+
 void EditCommands::followFocus(QWidget *focused)
 {
     // A menu bar worked by keys takes the keyboard, but is not what its commands are about.
@@ -115,10 +125,9 @@ bool EditCommands::eventFilter(QObject *object, QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride && object == m_focused) {
         const auto *key = static_cast<QKeyEvent *>(event);
-        const bool isSpent = (key->matches(QKeySequence::Undo) && !lineEdit()->isUndoAvailable())
-                             || (key->matches(QKeySequence::Redo)
-                                 && !lineEdit()->isRedoAvailable());
-        if (isSpent) {
+        const bool undoesNothing = key->matches(QKeySequence::Undo) && !canUndoTyping();
+        const bool redoesNothing = key->matches(QKeySequence::Redo) && !canRedoTyping();
+        if (undoesNothing || redoesNothing) {
             // A one-line field claims these keys even when it has nothing to take back.
             event->ignore();
             return true;
@@ -129,26 +138,24 @@ bool EditCommands::eventFilter(QObject *object, QEvent *event)
 
 void EditCommands::undo()
 {
-    if (lineEdit() && lineEdit()->isUndoAvailable()) {
+    if (canUndoTyping())
         lineEdit()->undo();
-    } else if (m_commitEditing()) {
+    else if (m_commitEditing())
         m_undoManager.undo();
-    }
 }
 
 void EditCommands::redo()
 {
-    if (lineEdit() && lineEdit()->isRedoAvailable()) {
+    if (canRedoTyping())
         lineEdit()->redo();
-    } else if (m_commitEditing()) {
+    else if (m_commitEditing())
         m_undoManager.redo();
-    }
 }
 
 void EditCommands::updateUndo()
 {
-    m_undo->setEnabled(m_undoManager.canUndo() || (lineEdit() && lineEdit()->isUndoAvailable()));
-    m_redo->setEnabled(m_undoManager.canRedo() || (lineEdit() && lineEdit()->isRedoAvailable()));
+    m_undo->setEnabled(m_undoManager.canUndo() || canUndoTyping());
+    m_redo->setEnabled(m_undoManager.canRedo() || canRedoTyping());
 }
 
 void EditCommands::prepareMenu()

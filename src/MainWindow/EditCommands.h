@@ -47,6 +47,8 @@ private:
     void enableAll();
     void perform(const ClipboardCommand &command);
     QLineEdit *lineEdit() const;
+    bool canUndoTyping() const;
+    bool canRedoTyping() const;
 
     UndoManager &m_undoManager;
     std::function<bool()> m_commitEditing;

@@ -15,40 +15,47 @@ namespace tembra {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-void addFileMenu(QMainWindow &window, CoreDataInterface &coreData,
-                 std::function<void()> quitRequested)
+QAction *addCommand(QMenu &menu, const QString &title, const QString &objectName,
+                    const QKeySequence &shortcut, std::function<void()> perform)
 {
-    QMenu &menu = *window.menuBar()->addMenu(
-        QCoreApplication::translate("MainWindow", "&File", "Menu"));
-    QAction *save = menu.addAction(QCoreApplication::translate("MainWindow", "&Save", "File menu"));
-    save->setObjectName(u"saveAction"_s);
-    save->setShortcut(QKeySequence::Save);
-    save->setIcon(icons::icon(icons::Name::Save));
-    QObject::connect(save, &QAction::triggered, &window, [&coreData] { coreData.save(); });
-    QAction *close = menu.addAction(
-        QCoreApplication::translate("JournalMenus", "&Close Window", "File menu"));
-    close->setObjectName(u"closeAction"_s);
-    close->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
-    QObject::connect(close, &QAction::triggered, &window, &QWidget::close);
-    menu.addSeparator();
-    QAction *quit = menu.addAction(QCoreApplication::translate("MainWindow", "&Quit", "File menu"));
-    quit->setObjectName(u"quitAction"_s);
-    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
-    // The main window's is the one that some desktops show in their own menu.
-    quit->setMenuRole(QAction::NoRole);
-    QObject::connect(quit, &QAction::triggered, &window, std::move(quitRequested));
+    QAction *command = menu.addAction(title);
+    command->setObjectName(objectName);
+    command->setShortcut(shortcut);
+    // None of them belongs into the application menu that some desktops have.
+    command->setMenuRole(QAction::NoRole);
+    QObject::connect(command, &QAction::triggered, &menu, std::move(perform));
+    return command;
 }
 
-} // namespace
+QAction *addSaveCommand(QMenu &menu, CoreDataInterface &coreData)
+{
+    QAction *save = addCommand(menu,
+                               QCoreApplication::translate("JournalMenus", "&Save", "File menu"),
+                               u"saveAction"_s, QKeySequence::Save,
+                               [&coreData] { coreData.save(); });
+    save->setIcon(icons::icon(icons::Name::Save));
+    return save;
+}
+
+QAction *addQuitCommand(QMenu &menu, std::function<void()> quitRequested)
+{
+    return addCommand(menu, QCoreApplication::translate("JournalMenus", "&Quit", "File menu"),
+                      u"quitAction"_s, QKeySequence(Qt::CTRL | Qt::Key_Q),
+                      std::move(quitRequested));
+}
 
 void addJournalMenus(QMainWindow &window, CoreDataInterface &coreData,
                      std::function<bool()> commitEditing, std::function<void()> quitRequested)
 {
-    addFileMenu(window, coreData, std::move(quitRequested));
+    QMenu &file = *window.menuBar()->addMenu(
+        QCoreApplication::translate("tembra::MainWindow", "&File", "Menu"));
+    addSaveCommand(file, coreData);
+    addCommand(file, QCoreApplication::translate("JournalMenus", "&Close Window", "File menu"),
+               u"closeAction"_s, QKeySequence(Qt::CTRL | Qt::Key_W), [&window] { window.close(); });
+    file.addSeparator();
+    addQuitCommand(file, std::move(quitRequested));
     QMenu &edit = *window.menuBar()->addMenu(
-        QCoreApplication::translate("MainWindow", "&Edit", "Menu"));
+        QCoreApplication::translate("tembra::MainWindow", "&Edit", "Menu"));
     auto *commands = new EditCommands(*coreData.viewContext().undoManager(),
                                       std::move(commitEditing), &window);
     commands->addUndoTo(edit);

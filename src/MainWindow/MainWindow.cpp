@@ -5,6 +5,7 @@
 #include "MainWindow/Detail/DetailPaneViewController.h"
 #include "MainWindow/EditCommands.h"
 #include "MainWindow/HairlineSplitter.h"
+#include "MainWindow/JournalMenus.h"
 #include "MainWindow/SaveFailureBanner.h"
 #include "MainWindow/Session/SessionDetailViewController.h"
 #include "MainWindow/StatusLine.h"
@@ -120,15 +121,11 @@ void MainWindow::createFileMenu()
                           QKeySequence(Qt::Key_F2),
                           [this] { m_counterpartsPane->renameSelected(); });
     menu.addSeparator();
-    QAction *save = addCommand(menu, tr("&Save", "File menu"), u"saveAction"_s, QKeySequence::Save,
-                               [this] { m_coreData.save(); });
-    save->setIcon(icons::icon(icons::Name::Save));
+    addSaveCommand(menu, m_coreData);
     menu.addSeparator();
     m_backupCommands->addTo(menu);
     menu.addSeparator();
-    QAction *quit = addCommand(menu, tr("&Quit", "File menu"), u"quitAction"_s,
-                               QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { m_quitRequested(); });
-    quit->setMenuRole(QAction::QuitRole);
+    addQuitCommand(menu, [this] { m_quitRequested(); })->setMenuRole(QAction::QuitRole);
 }
 
 void MainWindow::createEditMenu()
@@ -190,18 +187,6 @@ void MainWindow::createDebugMenu()
     addCommand(*m_debugMenu, tr("&Stuff Sessions", "Debug menu"), u"stuffSessionsAction"_s, {},
                [this] { m_detailPane->stuffSessions(); });
     m_debugMenu->menuAction()->setVisible(false);
-}
-
-QAction *MainWindow::addCommand(QMenu &menu, const QString &title, const QString &objectName,
-                                const QKeySequence &shortcut, std::function<void()> perform)
-{
-    QAction *command = menu.addAction(title);
-    command->setObjectName(objectName);
-    command->setShortcut(shortcut);
-    // None of them belongs into the application menu that some desktops have.
-    command->setMenuRole(QAction::NoRole);
-    connect(command, &QAction::triggered, this, std::move(perform));
-    return command;
 }
 
 void MainWindow::connectSignals()

@@ -82,8 +82,6 @@ private:
     void createEditMenu();
     void createGoMenu();
     void createDebugMenu();
-    QAction *addCommand(QMenu &menu, const QString &title, const QString &objectName,
-                        const QKeySequence &shortcut, std::function<void()> perform);
     void updateCommands();
     void revealSession(const tembra::ObjectID &id);
 

@@ -6,8 +6,8 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Results/FetchedResultsController.h"
 #include "Store/Undo/UndoManager.h"
+#include "Tags/ParsedTagTitle.h"
 #include "Tags/RecentTagsViewController.h"
-#include "Tags/TypedTag.h"
 #include "Toolkit/FieldPopover.h"
 
 #include <QFocusEvent>
@@ -152,7 +152,7 @@ std::shared_ptr<Tag> TagField::makeTag(QString text)
     const QString shown = text.trimmed();
     if (shown.isEmpty() || shown == newTagPrompt().trimmed())
         return {};
-    const TypedTag typed = TypedTag::of(text);
+    const ParsedTagTitle typed = ParsedTagTitle::parse(text);
     const auto tag = m_context.insert<Tag>();
     tag->setName(typed.name);
     tag->setEmoji(typed.emoji);

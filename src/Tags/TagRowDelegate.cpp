@@ -88,12 +88,9 @@ QWidget *TagRowDelegate::createEditor(QWidget *parent, const QStyleOptionViewIte
 
 QWidget *TagRowDelegate::createNameEditor(QWidget *parent)
 {
-    auto *editor = new RowNameEditor(parent);
-    editor->setObjectName(u"nameEditor"_s);
+    auto *editor = new RowNameEditor(this, parent);
     editor->setAccessibleName(tr("Name", "Accessible name of the field for a tag's name"));
     editor->setPlaceholderText(TagsArrayController::unnamedTitle());
-    connect(editor, &RowNameEditor::commitRequested, this,
-            [this, editor] { Q_EMIT commitData(editor); });
     connect(editor, &QObject::destroyed, this, &TagRowDelegate::nameEditorGone);
     m_nameEditor = editor;
     return editor;
@@ -147,11 +144,7 @@ void TagRowDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
             model->setData(index, emojiField->emoji());
         return;
     }
-    auto *nameEditor = static_cast<RowNameEditor *>(editor);
-    if (!nameEditor->isUncommitted())
-        return;
-    nameEditor->setCommitted();
-    model->setData(index, nameEditor->text());
+    static_cast<RowNameEditor *>(editor)->writeTo(model, index);
 }
 
 void TagRowDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
@@ -173,7 +166,8 @@ bool TagRowDelegate::eventFilter(QObject *object, QEvent *event)
 {
     if (auto *emojiField = qobject_cast<EmojiTextField *>(object))
         return filterEmojiEditor(emojiField, event);
-    return filterNameEditor(static_cast<RowNameEditor *>(object), event);
+    auto *editor = static_cast<RowNameEditor *>(object);
+    return editor->handleEvent(event) || BrowserRowDelegate::eventFilter(object, event);
 }
 
 bool TagRowDelegate::filterEmojiEditor(EmojiTextField *editor, QEvent *event)
@@ -192,22 +186,6 @@ bool TagRowDelegate::filterEmojiEditor(EmojiTextField *editor, QEvent *event)
             this, [this, guard = QPointer(editor)] { closeEmojiEditor(guard); },
             Qt::QueuedConnection);
     return false;
-}
-
-bool TagRowDelegate::filterNameEditor(RowNameEditor *editor, QEvent *event)
-{
-    if (event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent *>(event)->key();
-        if (key == Qt::Key_Escape) {
-            editor->revert();
-        } else if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {
-            // Ends the editing; it does not go on with the next cell.
-            Q_EMIT commitData(editor);
-            Q_EMIT closeEditor(editor, NoHint);
-            return true;
-        }
-    }
-    return BrowserRowDelegate::eventFilter(editor, event);
 }
 
 } // namespace tembra

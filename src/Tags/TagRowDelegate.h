@@ -50,7 +50,6 @@ private:
     void nameEditorGone(const QObject *editor);
     void closeEmojiEditor(EmojiTextField *editor);
     bool filterEmojiEditor(EmojiTextField *editor, QEvent *event);
-    bool filterNameEditor(RowNameEditor *editor, QEvent *event);
 
     EmojiTextField::CharacterPalette m_characterPalette;
     QPointer<QWidget> m_nameEditor; ///< A RowNameEditor until it ends.

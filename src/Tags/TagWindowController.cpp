@@ -1,5 +1,6 @@
 #include "Tags/TagWindowController.h"
 
+#include "Bindings/RecordDeletion.h"
 #include "Foundation/Logging.h"
 #include "Preferences/InputControls/CoachingMarkViewController.h"
 #include "Preferences/InputControls/DynamicTextField.h"
@@ -9,7 +10,6 @@
 #include "Tags/BrowserRowDelegate.h"
 #include "Tags/BrowserRowsView.h"
 #include "Tags/TagRowDelegate.h"
-#include "Toolkit/Alert.h"
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
@@ -22,9 +22,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
-#include <QPointer>
-#include <QScrollBar>
-#include <QSet>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -32,7 +29,6 @@
 #include <QVBoxLayout>
 
 #include <cmath>
-#include <utility>
 
 namespace tembra {
 
@@ -74,6 +70,7 @@ TagWindowController::TagWindowController(ManagedObjectContext &context,
     , sessionsArrayController(new ArrayController(this))
     , tagsResultController(Tag::allTagsResultController(context))
     , m_context(context)
+    , m_tags(*tagsResultController, *tagsArrayController)
     , m_characterPalette(std::move(characterPalette))
     , m_openSession(std::move(openSession))
 {
@@ -268,6 +265,9 @@ QAction *TagWindowController::addTagAction(const QString &title, const QString &
 
 void TagWindowController::connectSignals()
 {
+    connect(&m_tags, &FetchedContent::contentChanged, this, &TagWindowController::arrangeTags);
+    connect(&m_tags, &FetchedContent::pendingRecordsSelected, this,
+            &TagWindowController::scrollToCurrentTag);
     connect(tagsResultController.get(), &FetchedResultsController::contentDidChange, this,
             &TagWindowController::controllerDidChangeContent);
     connect(tagsArrayController, &ArrayController::selectionChanged, this,
@@ -285,17 +285,14 @@ void TagWindowController::connectSignals()
 
 void TagWindowController::windowDidLoad()
 {
-    if (const auto fetched = tagsResultController->performFetch(); !fetched)
+    if (const auto fetched = m_tags.fetch(); !fetched)
         qCWarning(tagsLog, "Could not fetch tags: %s",
                   qUtf8Printable(fetched.error().description()));
     setWindowTitle(tr("Tags", "Title of the tag browser"));
-    tagsArrayController->setDeleteObjects(
-        [this](const ArrayController::ObjectList &tags) { removeFromStore(tags); });
     tagsArrayController->bindSelection(tagsTableView->selectionModel());
     sessionsArrayController->bindSelection(sessionsTableView->selectionModel());
-    followTags();
     tableViewSelectionDidChange();
-    showWhatThereIs();
+    updateVisiblePages();
 }
 
 void TagWindowController::tableViewSelectionDidChange()
@@ -335,29 +332,11 @@ void TagWindowController::fetchSessions()
 
 void TagWindowController::controllerDidChangeContent()
 {
-    followTags();
+    updateVisiblePages();
     if (m_selectedTag && m_selectedTag->isDeleted())
         setProperty("selectedTag", QVariant::fromValue(std::shared_ptr<Tag>()));
     else
         rebuildSessions();
-}
-
-void TagWindowController::followTags()
-{
-    const auto tags = tagsResultController->fetchedObjects();
-    QSet<const QObject *> present;
-    for (const std::shared_ptr<ManagedObject> &tag : tags)
-        present.insert(tag.get());
-    ArrayController::ObjectList vanished = tagsArrayController->content();
-    vanished.removeIf([&present](const auto &tag) { return present.contains(tag.get()); });
-    tagsArrayController->removeObjects(vanished);
-    // Those that are listed already are left out.
-    tagsArrayController->addObjects({tags.begin(), tags.end()});
-    arrangeTags();
-    const ObjectID awaited = std::exchange(m_awaited, {});
-    if (!awaited.isNull())
-        selectListed(m_context.object<Tag>(awaited));
-    showWhatThereIs();
 }
 
 void TagWindowController::arrangeTags()
@@ -403,7 +382,7 @@ void TagWindowController::rebuildSessions()
                          + tr("double-click a session for more detail",
                               "Hint above the meetings of a tag, in parentheses")
                          + u')');
-    showWhatThereIs();
+    updateVisiblePages();
 }
 
 void TagWindowController::setSessionViewModels(const QList<std::shared_ptr<SessionViewModel>> &rows)
@@ -411,22 +390,15 @@ void TagWindowController::setSessionViewModels(const QList<std::shared_ptr<Sessi
     if (rows == m_sessionViewModels)
         return;
     m_sessionViewModels = rows;
-    // A new content scrolls to the top.
-    const int scrolledTo = sessionsTableView->verticalScrollBar()->value();
-    sessionsArrayController->setContent({rows.begin(), rows.end()});
-    sessionsTableView->verticalScrollBar()->setValue(scrolledTo);
+    sessionsArrayController->updateContent({rows.begin(), rows.end()});
+    sessionsArrayController->rearrangeObjects();
     Q_EMIT sessionViewModelsChanged();
 }
 
 void TagWindowController::selectTag(const std::shared_ptr<Tag> &tag)
 {
-    // One that was made just now may not be listed yet.
+    // A tag inserted in this turn is not in the results yet.
     m_context.processPendingChanges();
-    selectListed(tag);
-}
-
-void TagWindowController::selectListed(const std::shared_ptr<Tag> &tag)
-{
     if (tagsArrayController->rowOf(tag.get()) < 0)
         return;
     tagsArrayController->setSelectedObjects({tag});
@@ -435,11 +407,10 @@ void TagWindowController::selectListed(const std::shared_ptr<Tag> &tag)
 
 void TagWindowController::reveal(ObjectID tag)
 {
-    const auto object = m_context.object<Tag>(tag);
-    if (object)
+    if (const auto object = m_context.object<Tag>(tag))
         selectTag(object);
     else
-        m_awaited = tag;
+        m_tags.selectWhenListed(tag);
 }
 
 bool TagWindowController::commitEditing()
@@ -448,7 +419,7 @@ bool TagWindowController::commitEditing()
     return true;
 }
 
-void TagWindowController::showWhatThereIs()
+void TagWindowController::updateVisiblePages()
 {
     const bool hasTags = tagsArrayController->rowCount() > 0;
     const bool hadFocus = m_windowStack->isAncestorOf(QApplication::focusWidget());
@@ -507,46 +478,13 @@ void TagWindowController::handleDelete()
     QStringList titles;
     for (const std::shared_ptr<Tag> &tag : tags)
         titles.append(tag->titleString());
-    const AlertContents contents{.messageText = tr("Do you really want to delete these tags?",
-                                                   "Asks before tags are deleted"),
-                                 .informativeText = tr("%1 will be removed.",
-                                                       "Titles of the tags to be deleted")
-                                                        .arg(titles.join(u", "_s)),
-                                 .buttons = {tr("Delete", "Button that deletes"),
-                                             tr("Cancel", "Button that leaves things as they are")},
-                                 .firstButtonDestroys = true};
-    Alert::beginSheet(contents, this, [guard = QPointer(this), tags](int button) {
-        if (guard && button == 0)
-            guard->deleteTags(tags);
-    });
-}
-
-void TagWindowController::deleteTags(const QList<std::shared_ptr<Tag>> &tags)
-{
-    // Those that were named, whatever became of the selection in the meantime.
-    tagsArrayController->setSelectedObjects({tags.begin(), tags.end()});
-    tagsArrayController->remove();
-    tagsTableView->viewport()->update();
-}
-
-void TagWindowController::removeFromStore(const ArrayController::ObjectList &tags)
-{
-    QList<std::shared_ptr<ManagedObject>> records;
-    for (const ArrayController::Object &object : tags)
-        records.append(std::static_pointer_cast<Tag>(object));
-    const auto removed = m_context.deleteObjects(records);
-    if (removed)
-        return;
-    tagsArrayController->addObjects(tags);
-    tagsArrayController->rearrangeObjects();
-    tagsArrayController->setSelectedObjects(tags);
-    showWhatThereIs();
-    qCWarning(tagsLog, "Could not delete tags: %s", qUtf8Printable(removed.error().description()));
-    Alert::beginSheet({.messageText = tr("The tags could not be deleted.",
-                                         "Alert when a deletion fails"),
-                       .informativeText = removed.error().description(),
-                       .buttons = {tr("OK", "Button that closes an alert")}},
-                      this, [](int) {});
+    const DeletionTexts texts{
+        .question = tr("Do you really want to delete these tags?", "Asks before tags are deleted"),
+        .details = tr("%1 will be removed.", "Titles of the tags to be deleted")
+                       .arg(titles.join(u", "_s)),
+        .failure = tr("The tags could not be deleted.", "Alert when a deletion fails")};
+    confirmDeletion(*this, m_context, {tags.begin(), tags.end()}, texts,
+                    [this] { tagsTableView->viewport()->update(); });
 }
 
 void TagWindowController::handleDoubleClick(const QModelIndex &clicked)

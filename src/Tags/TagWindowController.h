@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Bindings/FetchedContent.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
 #include "Preferences/InputControls/EmojiTextField.h"
@@ -60,7 +61,7 @@ public:
 
     /// Makes a tag the only one that is selected, where it can be seen.
     void selectTag(const std::shared_ptr<Tag> &tag);
-    /// The same; a tag that is about to come back by undo is selected when it has.
+    /// Selects a tag as selectTag() does; one that an undo is about to insert as soon as it is listed.
     void reveal(ObjectID tag);
     /// A name being typed goes into its tag without ending the edit, unless an input method is
     /// composing it. Always true: no name is refused.
@@ -108,25 +109,21 @@ private:
 
     void tableViewSelectionDidChange();
     void controllerDidChangeContent();
-    void followTags();
     void arrangeTags();
     void scrollToCurrentTag();
-    void selectListed(const std::shared_ptr<Tag> &tag);
     void fetchSessions();
     void rebuildSessions();
-    void showWhatThereIs();
+    void updateVisiblePages();
     void clickTag(const QModelIndex &clicked);
     void editSelected(int column);
-    void deleteTags(const QList<std::shared_ptr<Tag>> &tags);
-    void removeFromStore(const ArrayController::ObjectList &tags);
 
     ManagedObjectContext &m_context;
+    FetchedContent m_tags;
     EmojiTextField::CharacterPalette m_characterPalette;
     OpenSession m_openSession;
     std::shared_ptr<Tag> m_selectedTag;
     QList<std::shared_ptr<ManagedObject>> m_sessions; ///< Kept, for the rows do not own them.
     QList<std::shared_ptr<SessionViewModel>> m_sessionViewModels;
-    ObjectID m_awaited; ///< About to come back by undo.
     TagRowDelegate *m_tagDelegate = nullptr;
     QToolButton *m_deleteButton = nullptr;
     QStackedWidget *m_windowStack = nullptr;

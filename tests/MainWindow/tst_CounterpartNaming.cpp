@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QInputMethodEvent>
 
 using namespace tembra;
@@ -223,14 +224,46 @@ private Q_SLOTS:
         QTRY_COMPARE(m_panes->names(), (QStringList{u"Chidi"_s, u"Zoe"_s, u"Ben"_s}));
     }
 
-    void whatIsTypedSurvivesThatTeammatesComeIn()
+    void anIncomingTeammateLeavesTheNameInEdit()
     {
         addThree();
         show();
-        QTest::keyClicks(startRenaming(0), u"Zoe"_s);
+        QLineEdit *editor = startRenaming(0);
+        QTest::keyClicks(editor, u"Zo"_s);
         m_journal->addCounterpart(u"New"_s);
         QTRY_COMPARE(m_panes->controller().rowCount(), 4);
-        QVERIFY(m_panes->names().contains(u"Zoe"_s));
+        QCOMPARE(m_panes->nameEditor(), editor);
+        QVERIFY(editor->hasFocus());
+        QCOMPARE(editor->text(), u"Zo"_s);
+        QTest::keyClicks(editor, u"e"_s);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTRY_VERIFY(m_panes->names().contains(u"Zoe"_s));
+        QVERIFY(!m_panes->names().contains(u"Ana"_s));
+    }
+
+    void lineBreaksAndTabsOfTheClipboardBecomeBlanks_data()
+    {
+        QTest::addColumn<QString>("pasted");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("line break") << u"Ana\nMaria"_s << u"Ana Maria"_s;
+        QTest::newRow("line break of another system") << u"Ana\r\nMaria"_s << u"Ana Maria"_s;
+        QTest::newRow("tab") << u"Ana\tMaria"_s << u"Ana Maria"_s;
+        QTest::newRow("line separator") << u"Ana\u2028Maria"_s << u"Ana Maria"_s;
+        QTest::newRow("a cell of a table") << u"Ana Maria\n"_s << u"Ana Maria "_s;
+    }
+
+    void lineBreaksAndTabsOfTheClipboardBecomeBlanks()
+    {
+        QFETCH(const QString, pasted);
+        QFETCH(const QString, name);
+        addThree();
+        show();
+        QLineEdit *editor = startRenaming(1);
+        QApplication::clipboard()->setText(pasted);
+        QTest::keyClick(editor, Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(editor->text(), name);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTRY_COMPARE(m_panes->names().at(1), name);
     }
 
     void aChangeFromElsewhereShowsInAnUntouchedField()

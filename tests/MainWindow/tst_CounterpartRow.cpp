@@ -71,20 +71,20 @@ private Q_SLOTS:
         QTRY_VERIFY(painted.count > 0);
     }
 
-    /// The pictures of emoji take longer than all else: the first sight of the list does not wait.
-    void aListThatOpensShowsItsNamesBeforeItsEmoji()
+    void theFirstPictureHasItsEmoji()
     {
-        m_journal->addSessionDaysAgo(m_journal->addCounterpart(u"Ana"_s), 1);
-        CounterpartRowDelegate delegate;
-        show();
-        m_panes->view->setItemDelegate(&delegate);
-        const QImage whole = m_panes->view->grab().toImage();
-        delegate.postponeEmoji();
+        m_journal->addCounterpart(u"Ana 🔴"_s);
+        m_journal->context().processPendingChanges();
+        m_panes = std::make_unique<TwoPanes>(*m_journal);
         const QImage first = m_panes->view->grab().toImage();
-        QVERIFY(first != whole);
-        QCOMPARE(upperHalfOfRow(first), upperHalfOfRow(whole)); // The name.
-        QCoreApplication::processEvents();
-        QCOMPARE(m_panes->view->grab().toImage(), whole);
+        bool hasRed = false;
+        for (int y = 0; y < first.height(); ++y) {
+            for (int x = 0; x < first.width(); ++x) {
+                const QColor color = first.pixelColor(x, y);
+                hasRed = hasRed || (color.red() > 180 && color.green() < 90 && color.blue() < 90);
+            }
+        }
+        QVERIFY(hasRed);
     }
 
     void theWholeRowCanBeHeard()
@@ -117,12 +117,6 @@ private Q_SLOTS:
     }
 
 private:
-    QImage upperHalfOfRow(const QImage &picture) const
-    {
-        const QRect row = m_panes->view->visualRect(m_panes->view->model()->index(0, 0));
-        return picture.copy(QRect(row.topLeft(), QSize(row.width(), row.height() / 2)));
-    }
-
     QString tooltipOfRow(int row) const
     {
         const QPoint place = m_panes->middleOf(row);

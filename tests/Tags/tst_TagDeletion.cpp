@@ -210,7 +210,7 @@ private Q_SLOTS:
         clickTag(0);
         clickTag(2, Qt::ControlModifier);
         disk.failAt(1, FaultVfs::Fault::DiskFull, FaultVfs::Lasting::ForGood);
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Could not delete tags: ."_s));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^Could not delete records: ."_s));
         m_window->handleDelete();
         press(0);
         QCOMPARE(names(), (QStringList{u"Blocked"_s, u"Goal"_s, u"Zebra"_s}));

@@ -21,11 +21,12 @@ LAYERS = {
     "Store": CORE | {"sqlite", "Foundation"},
     "Model": CORE | {"plist", "Foundation", "Store"},
     "Toolkit": SCREEN | {"QtSvg", "Foundation"},
+    "Bindings": SCREEN | {"Foundation", "Store", "Toolkit"},
     "Preferences": SCREEN | {"Foundation", "Toolkit"},
     "Backup": SCREEN | {"Foundation", "Store", "Model", "Toolkit"},
-    "Tags": SCREEN | {"Foundation", "Store", "Model", "Toolkit", "Preferences"},
+    "Tags": SCREEN | {"Foundation", "Store", "Model", "Toolkit", "Bindings", "Preferences"},
     "MainWindow": SCREEN
-    | {"Foundation", "Store", "Model", "Toolkit", "Preferences", "Backup", "Tags"},
+    | {"Foundation", "Store", "Model", "Toolkit", "Bindings", "Preferences", "Backup", "Tags"},
     "Application": SCREEN
     | {"QtNetwork", "Foundation", "Store", "Model", "Toolkit", "Preferences", "Backup", "Tags"}
     | {"MainWindow"},

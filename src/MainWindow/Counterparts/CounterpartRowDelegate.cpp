@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace tembra {
 
@@ -122,20 +121,17 @@ void drawFocusRing(QPainter *painter, const RowLayout &layout, const RowColors &
 }
 
 void drawTexts(QPainter *painter, const CounterpartRowViewModel &row, const RowLayout &layout,
-               const RowColors &colors, bool withEmoji)
+               const RowColors &colors)
 {
-    const auto isDrawn = [&](const QString &text) { return withEmoji || !mayHoldEmoji(text); };
-    if (isDrawn(row.title))
-        drawEmojiText(painter, layout.name, row.title, layout.nameFont,
-                      row.isUnnamed ? colors.secondary : colors.title);
-    if (!row.tagEmoji.isEmpty() && isDrawn(row.tagEmoji))
+    drawEmojiText(painter, layout.name, row.title, layout.nameFont,
+                  row.isUnnamed ? colors.secondary : colors.title);
+    if (!row.tagEmoji.isEmpty())
         drawEmojiText(painter, layout.tagEmoji, row.tagEmoji, layout.nameFont, colors.title,
                       Qt::AlignTrailing | Qt::AlignVCenter);
     const QFont meetingFont = row.isOverdue ? theme::mediumFont(layout.meetingFont)
                                             : layout.meetingFont;
-    if (isDrawn(row.meetingLine))
-        drawEmojiText(painter, layout.meeting, row.meetingLine, meetingFont,
-                      row.isOverdue ? colors.title : colors.secondary);
+    drawEmojiText(painter, layout.meeting, row.meetingLine, meetingFont,
+                  row.isOverdue ? colors.title : colors.secondary);
 }
 
 bool isCutShort(const QString &text, const QFont &font, const QRect &place)
@@ -168,28 +164,8 @@ void CounterpartRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem
     }
     if (option.state & QStyle::State_HasFocus)
         drawFocusRing(painter, layout, colors);
-    drawTexts(painter, row, layout, colors, !m_emojiPostponed);
+    drawTexts(painter, row, layout, colors);
     painter->restore();
-    if (m_emojiPostponed)
-        showPostponedEmojiIn(option.widget);
-}
-
-void CounterpartRowDelegate::showPostponedEmojiIn(const QWidget *view) const
-{
-    const auto *rows = qobject_cast<const QAbstractItemView *>(view);
-    if (!rows || std::exchange(m_emojiAskedFor, true))
-        return;
-    // When the picture being painted stands on the screen.
-    QMetaObject::invokeMethod(
-        rows->viewport(),
-        [guard = QPointer(this), viewport = rows->viewport()] {
-            if (!guard)
-                return;
-            guard->m_emojiPostponed = false;
-            guard->m_emojiAskedFor = false;
-            viewport->update();
-        },
-        Qt::QueuedConnection);
 }
 
 QSize CounterpartRowDelegate::sizeHint(const QStyleOptionViewItem &option,
@@ -203,13 +179,9 @@ QSize CounterpartRowDelegate::sizeHint(const QStyleOptionViewItem &option,
 QWidget *CounterpartRowDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
                                               const QModelIndex &) const
 {
-    auto *editor = new RowNameEditor(parent);
-    editor->setObjectName(u"nameEditor"_s);
+    auto *editor = new RowNameEditor(const_cast<CounterpartRowDelegate *>(this), parent);
     editor->setAccessibleName(tr("Name", "Accessible name of the field for a teammate's name"));
     editor->setPlaceholderText(CounterpartRowViewModel::unnamedTitle());
-    auto *self = const_cast<CounterpartRowDelegate *>(this);
-    connect(editor, &RowNameEditor::commitRequested, self,
-            [self, editor] { Q_EMIT self->commitData(editor); });
     m_openEditor = editor;
     return editor;
 }
@@ -222,11 +194,7 @@ void CounterpartRowDelegate::setEditorData(QWidget *editor, const QModelIndex &i
 void CounterpartRowDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
                                           const QModelIndex &index) const
 {
-    auto *nameEditor = static_cast<RowNameEditor *>(editor);
-    if (!nameEditor->isUncommitted())
-        return;
-    nameEditor->setCommitted();
-    model->setData(index, nameEditor->text());
+    static_cast<RowNameEditor *>(editor)->writeTo(model, index);
 }
 
 void CounterpartRowDelegate::updateEditorGeometry(QWidget *editor,
@@ -261,22 +229,8 @@ bool CounterpartRowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *vie
 bool CounterpartRowDelegate::eventFilter(QObject *object, QEvent *event)
 {
     auto *editor = qobject_cast<RowNameEditor *>(object);
-    if (!editor || event->type() != QEvent::KeyPress)
-        return QStyledItemDelegate::eventFilter(object, event);
-    switch (static_cast<QKeyEvent *>(event)->key()) {
-    case Qt::Key_Escape:
-        editor->revert();
-        break;
-    case Qt::Key_Tab:
-    case Qt::Key_Backtab:
-        // Ends the editing; it does not go on with the next row.
-        Q_EMIT commitData(editor);
-        Q_EMIT closeEditor(editor, NoHint);
-        return true;
-    default:
-        break;
-    }
-    return QStyledItemDelegate::eventFilter(object, event);
+    return (editor && editor->handleEvent(event))
+           || QStyledItemDelegate::eventFilter(object, event);
 }
 
 } // namespace tembra

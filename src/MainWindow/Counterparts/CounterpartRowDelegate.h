@@ -17,11 +17,6 @@ class CounterpartRowDelegate final : public QStyledItemDelegate
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
-    /// The next picture comes without the lines that hold emoji, and at once another with them: a
-    /// window that opens shows its rows before it has fetched the emoji's pictures, which takes
-    /// longer than everything else in it.
-    void postponeEmoji() { m_emojiPostponed = true; }
-
     /// Writes a name being typed into its record, and lets the typing go on.
     void commitOpenEditor();
 
@@ -45,11 +40,7 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
-    void showPostponedEmojiIn(const QWidget *view) const;
-
     mutable QPointer<RowNameEditor> m_openEditor;
-    mutable bool m_emojiPostponed = false;
-    mutable bool m_emojiAskedFor = false; ///< The picture with the emoji is on its way.
 };
 
 } // namespace tembra

@@ -1,5 +1,6 @@
 #include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
 
+#include "Bindings/RecordDeletion.h"
 #include "Foundation/Logging.h"
 #include "Foundation/Precondition.h"
 #include "MainWindow/Counterparts/CounterpartListView.h"
@@ -11,8 +12,6 @@
 #include "Model/JournalQueries.h"
 #include "Model/NotificationCenter.h"
 #include "Store/Objects/ManagedObjectContext.h"
-#include "Store/Objects/PersistentContainer.h"
-#include "Toolkit/Alert.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
 #include "Toolkit/Theme.h"
@@ -22,13 +21,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QScrollBar>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
-
-#include <utility>
 
 namespace tembra {
 
@@ -66,6 +62,8 @@ CounterpartsPaneViewController::CounterpartsPaneViewController(ViewCoordinator &
     , m_coreData(coreData)
     , m_notifications(notifications)
     , m_counterpartsArrayController(new CounterpartsArrayController(this))
+    , m_results(coreData.viewContext(), JournalQueries::counterparts())
+    , m_content(m_results, *m_counterpartsArrayController)
 {
     buildLayout();
     createActions();
@@ -138,7 +136,6 @@ void CounterpartsPaneViewController::buildList()
     m_tableView->setAccessibleName(tr("Teammates", "Title of the list of teammates"));
     m_tableView->setModel(m_counterpartsArrayController);
     m_rowDelegate = new CounterpartRowDelegate(m_tableView);
-    m_rowDelegate->postponeEmoji();
     m_tableView->setItemDelegate(m_rowDelegate);
 }
 
@@ -152,7 +149,6 @@ void CounterpartsPaneViewController::buildEmptyState()
     connect(m_emptyState, &EmptyState::triggered, this, [this] { handleTeammateAddDelete(0); });
 }
 
-/// What there is beside the list, about the whole team.
 QWidget *CounterpartsPaneViewController::buildFooter()
 {
     auto *tags = new QPushButton(tr("Tags", "Button: opens the window of all tags"));
@@ -196,28 +192,21 @@ void CounterpartsPaneViewController::createActions()
 
 void CounterpartsPaneViewController::connectSignals()
 {
-    connect(&m_coreData.viewContext(), &ManagedObjectContext::objectsDidChange, this,
-            &CounterpartsPaneViewController::followStore);
+    connect(&m_content, &FetchedContent::contentChanged, this, [this](bool hasNewRows) {
+        if (hasNewRows)
+            m_counterpartsArrayController->rearrangeObjects();
+    });
+    connect(&m_content, &FetchedContent::pendingRecordsSelected, this,
+            &CounterpartsPaneViewController::scrollToSelection);
     connect(m_counterpartsArrayController, &ArrayController::selectionChanged, this,
             &CounterpartsPaneViewController::tableViewSelectionDidChange);
     for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
         connect(m_counterpartsArrayController, signal, this,
-                &CounterpartsPaneViewController::showWhatThereIs);
+                &CounterpartsPaneViewController::updateVisiblePage);
     connect(&m_notifications, &NotificationCenter::didChangeStaleness, this,
             &CounterpartsPaneViewController::reload);
     connect(&m_notifications, &NotificationCenter::didChangeEmoji, this,
             &CounterpartsPaneViewController::reload);
-}
-
-void CounterpartsPaneViewController::viewDidLoad()
-{
-    m_counterpartsArrayController->setNewObject(
-        [this] { return m_coreData.viewContext().insert<Counterpart>(); });
-    m_counterpartsArrayController->setDeleteObjects(
-        [this](const ArrayController::ObjectList &objects) { removeFromStore(objects); });
-    m_counterpartsArrayController->setTableView(m_tableView);
-    m_counterpartsArrayController->bindSelection(m_tableView->selectionModel());
-    fetchCounterparts();
 }
 
 AutoEditArrayController &CounterpartsPaneViewController::counterpartsArrayController() const
@@ -256,65 +245,16 @@ bool CounterpartsPaneViewController::hasSelection() const
     return m_counterpartsArrayController->selectionIndex() >= 0;
 }
 
-void CounterpartsPaneViewController::fetchCounterparts()
+void CounterpartsPaneViewController::viewDidLoad()
 {
-    const auto found = m_coreData.viewContext().fetchObjects(JournalQueries::counterparts());
-    if (!found) {
+    m_counterpartsArrayController->setNewObject(
+        [this] { return m_coreData.viewContext().insert<Counterpart>(); });
+    m_counterpartsArrayController->setTableView(m_tableView);
+    m_counterpartsArrayController->bindSelection(m_tableView->selectionModel());
+    if (const auto fetched = m_content.fetch(); !fetched)
         qCWarning(windowLog, "Failed to fetch entities: %s",
-                  qUtf8Printable(found.error().description()));
-        return;
-    }
-    // A new content ends what is being typed and scrolls to the top.
-    commitEditing();
-    const int scrolledTo = m_tableView->verticalScrollBar()->value();
-    m_counterpartsArrayController->setContent({found->begin(), found->end()});
-    m_tableView->verticalScrollBar()->setValue(scrolledTo);
-    showWhatThereIs();
-}
-
-void CounterpartsPaneViewController::followStore(const ChangeSet &changes)
-{
-    ArrayController::ObjectList vanished;
-    for (const ArrayController::Object &object : m_counterpartsArrayController->content()) {
-        if (asCounterpart(object)->isDeleted())
-            vanished.append(object);
-    }
-    m_counterpartsArrayController->removeObjects(vanished);
-
-    const ArrayController::ObjectList unlisted = unlistedInsertions(changes);
-    const QSet<ObjectID> awaited = std::exchange(m_awaited, {});
-    if (unlisted.isEmpty() && !changes.isWholesale(counterpartEntity()))
-        return;
-    fetchCounterparts();
-    ArrayController::ObjectList revealed = unlisted;
-    revealed.removeIf(
-        [&](const auto &object) { return !awaited.contains(asCounterpart(object)->objectID()); });
-    if (revealed.isEmpty())
-        return;
-    m_counterpartsArrayController->setSelectedObjects(revealed);
-    m_tableView->scrollTo(
-        m_counterpartsArrayController->index(m_counterpartsArrayController->selectionIndex(), 0));
-}
-
-int CounterpartsPaneViewController::counterpartEntity() const
-{
-    return m_coreData.viewContext().container().model().entityIndex(Counterpart::entityName());
-}
-
-ArrayController::ObjectList CounterpartsPaneViewController::unlistedInsertions(
-    const ChangeSet &changes) const
-{
-    ManagedObjectContext &context = m_coreData.viewContext();
-    const int entity = counterpartEntity();
-    ArrayController::ObjectList unlisted;
-    for (const ObjectChange &change : changes.inserted) {
-        if (change.id.entity != entity)
-            continue;
-        const auto counterpart = context.object<Counterpart>(change.id);
-        if (counterpart && m_counterpartsArrayController->rowOf(counterpart.get()) < 0)
-            unlisted.append(counterpart);
-    }
-    return unlisted;
+                  qUtf8Printable(fetched.error().description()));
+    updateVisiblePage();
 }
 
 void CounterpartsPaneViewController::tableViewSelectionDidChange()
@@ -343,15 +283,20 @@ void CounterpartsPaneViewController::focusMeetings()
 
 void CounterpartsPaneViewController::reveal(ObjectID counterpart)
 {
-    const auto object = m_coreData.viewContext().object<Counterpart>(counterpart);
-    const int row = m_counterpartsArrayController->rowOf(object.get());
+    const int row = m_content.rowOf(counterpart);
     if (row < 0) {
-        m_awaited.insert(counterpart);
+        m_content.selectWhenListed(counterpart);
         return;
     }
     if (row != m_counterpartsArrayController->selectionIndex())
         m_counterpartsArrayController->setSelectionIndex(row);
-    m_tableView->scrollTo(m_counterpartsArrayController->index(row, 0));
+    scrollToSelection();
+}
+
+void CounterpartsPaneViewController::scrollToSelection()
+{
+    m_tableView->scrollTo(
+        m_counterpartsArrayController->index(m_counterpartsArrayController->selectionIndex(), 0));
 }
 
 bool CounterpartsPaneViewController::commitEditing()
@@ -388,50 +333,21 @@ void CounterpartsPaneViewController::renameSelected()
 
 void CounterpartsPaneViewController::askToDelete()
 {
-    const ArrayController::ObjectList selected = m_counterpartsArrayController->selectedObjects();
-    const AlertContents contents{.messageText = tr("Do you really want to delete these teammates?",
-                                                   "Asks before teammates are deleted"),
-                                 .informativeText = tr("%1 will be removed.",
-                                                       "Number of teammates to be deleted")
-                                                        .arg(QString::number(selected.size())),
-                                 .buttons = {tr("Delete", "Button that deletes"),
-                                             tr("Cancel", "Button that leaves things as they are")},
-                                 .firstButtonDestroys = true};
-    Alert::beginSheet(contents, window(), [guard = QPointer(this), selected](int button) {
-        if (guard && button == 0)
-            guard->deleteCounterparts(selected);
+    QList<std::shared_ptr<ManagedObject>> selected;
+    for (const ArrayController::Object &object : m_counterpartsArrayController->selectedObjects())
+        selected.append(asCounterpart(object));
+    const DeletionTexts texts{.question = tr("Do you really want to delete these teammates?",
+                                             "Asks before teammates are deleted"),
+                              .details = tr("%1 will be removed.",
+                                            "Number of teammates to be deleted")
+                                             .arg(QString::number(selected.size())),
+                              .failure = tr("The teammates could not be deleted.",
+                                            "Alert when a deletion fails")};
+    confirmDeletion(*this, m_coreData.viewContext(), selected, texts, [this] {
+        if (!m_viewCoordinator.suspendSync && !hasSelection())
+            setTimelineCounterpart(nullptr);
+        reload();
     });
-}
-
-void CounterpartsPaneViewController::deleteCounterparts(
-    const ArrayController::ObjectList &counterparts)
-{
-    // Those that were counted, whatever became of the selection in the meantime.
-    m_counterpartsArrayController->setSelectedObjects(counterparts);
-    m_counterpartsArrayController->remove();
-    if (!m_viewCoordinator.suspendSync && !hasSelection())
-        setTimelineCounterpart(nullptr);
-    reload();
-}
-
-void CounterpartsPaneViewController::removeFromStore(const ArrayController::ObjectList &counterparts)
-{
-    QList<std::shared_ptr<ManagedObject>> records;
-    for (const ArrayController::Object &object : counterparts)
-        records.append(asCounterpart(object));
-    const auto removed = m_coreData.viewContext().deleteObjects(records);
-    if (removed)
-        return;
-    m_counterpartsArrayController->addObjects(counterparts);
-    fetchCounterparts();
-    m_counterpartsArrayController->setSelectedObjects(counterparts);
-    qCWarning(windowLog, "Could not delete teammates: %s",
-              qUtf8Printable(removed.error().description()));
-    Alert::beginSheet({.messageText = tr("The teammates could not be deleted.",
-                                         "Alert when a deletion fails"),
-                       .informativeText = removed.error().description(),
-                       .buttons = {tr("OK", "Button that closes an alert")}},
-                      window(), [](int) {});
 }
 
 void CounterpartsPaneViewController::reload()
@@ -439,7 +355,7 @@ void CounterpartsPaneViewController::reload()
     m_tableView->viewport()->update();
 }
 
-void CounterpartsPaneViewController::showWhatThereIs()
+void CounterpartsPaneViewController::updateVisiblePage()
 {
     const bool isEmpty = m_counterpartsArrayController->rowCount() == 0;
     QWidget *page = isEmpty ? static_cast<QWidget *>(m_emptyState) : m_tableView;

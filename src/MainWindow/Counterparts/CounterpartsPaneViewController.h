@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Bindings/FetchedContent.h"
 #include "Model/Counterpart.h"
-#include "Toolkit/List/ArrayController.h"
+#include "Store/Results/FetchedResultsController.h"
 
-#include <QSet>
 #include <QWidget>
 
 #include <memory>
@@ -21,13 +21,12 @@ class CounterpartsArrayController;
 class EmptyState;
 class NotificationCenter;
 class ViewCoordinator;
-struct ChangeSet;
 
 /// The left pane of the main window: the user's teammates, most neglected first.
 ///
-/// The first selected teammate is the one the meeting pane shows. The list follows the store; its
-/// order is taken at the start, when the meeting pane asks for it, and when teammates come in from
-/// elsewhere (an undo, an import).
+/// The first selected teammate is the one the meeting pane shows. The list follows the store; it is
+/// arranged at the start, when the meeting pane asks for it, and when teammates are inserted
+/// elsewhere (by an undo, an import).
 class CounterpartsPaneViewController : public QWidget
 {
     Q_OBJECT
@@ -77,30 +76,25 @@ private:
     void connectSignals();
     void viewDidLoad();
 
-    void fetchCounterparts();
-    void followStore(const ChangeSet &changes);
-    /// Teammates that came in otherwise than by the list.
-    int counterpartEntity() const;
-    ArrayController::ObjectList unlistedInsertions(const ChangeSet &changes) const;
-    void showWhatThereIs();
+    void updateVisiblePage();
+    void scrollToSelection();
     void tableViewSelectionDidChange();
     void setTimelineCounterpart(const std::shared_ptr<Counterpart> &counterpart);
     void focusMeetings();
     void askToDelete();
-    void deleteCounterparts(const ArrayController::ObjectList &counterparts);
-    void removeFromStore(const ArrayController::ObjectList &counterparts);
     void reload();
 
     ViewCoordinator &m_viewCoordinator;
     CoreDataInterface &m_coreData;
     NotificationCenter &m_notifications;
     CounterpartsArrayController *m_counterpartsArrayController;
+    FetchedResultsController m_results;
+    FetchedContent m_content;
     CounterpartListView *m_tableView = nullptr;
     CounterpartRowDelegate *m_rowDelegate = nullptr;
     QStackedWidget *m_stack = nullptr;
     EmptyState *m_emptyState = nullptr;
     QAction *m_renameAction = nullptr;
-    QSet<ObjectID> m_awaited; ///< About to come back by undo.
 };
 
 } // namespace tembra

@@ -1,19 +1,19 @@
 #include "MainWindow/Detail/DetailPaneViewController.h"
 
+#include "Bindings/RecordDeletion.h"
 #include "Foundation/Logging.h"
 #include "Foundation/Precondition.h"
 #include "Foundation/Time/Clock.h"
 #include "MainWindow/Detail/SessionTimelineModel.h"
 #include "MainWindow/Detail/SummaryCollectionView.h"
 #include "MainWindow/Session/SessionDetailViewController.h"
-#include "MainWindow/Session/SessionStuffing.h"
+#include "MainWindow/Session/SessionGenerator.h"
 #include "MainWindow/ViewCoordinator.h"
 #include "Model/CoreDataInterface.h"
 #include "Model/JournalServices.h"
 #include "Model/NotificationCenter.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Tags/TagField.h"
-#include "Toolkit/Alert.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
@@ -54,7 +54,7 @@ QFrame *makeHairline()
     return line;
 }
 
-constexpr int stuffedSessions = 5000;
+constexpr int generatedSessions = 5000;
 
 } // namespace
 
@@ -235,7 +235,7 @@ void DetailPaneViewController::viewDidLoad()
     addButton->setEnabled(false);
     m_deleteButton->setEnabled(false);
     refreshLabels();
-    showWhatThereIs();
+    updateVisibleViews();
 }
 
 void DetailPaneViewController::focusSearchField()
@@ -293,7 +293,7 @@ void DetailPaneViewController::showAllTiles()
         tagFilterField->setObjectValue({});
 }
 
-void DetailPaneViewController::showWhatThereIs()
+void DetailPaneViewController::updateVisibleViews()
 {
     const bool hasTiles = resultsController && resultsController->count() > 0;
     const bool hasEditor = m_selectedSession != nullptr;
@@ -390,7 +390,7 @@ void DetailPaneViewController::setSelectedSession(const std::shared_ptr<Session>
     summaryCollectionView->deselectAll();
     selectAndShow();
     refreshLabels();
-    showWhatThereIs();
+    updateVisibleViews();
     Q_EMIT selectedSessionChanged();
 }
 
@@ -433,7 +433,7 @@ void DetailPaneViewController::reload()
 {
     m_timeline->refreshAll();
     rearrangeCounterparts();
-    showWhatThereIs();
+    updateVisibleViews();
 }
 
 void DetailPaneViewController::rearrangeCounterparts()
@@ -515,39 +515,14 @@ void DetailPaneViewController::handleDelete()
 {
     if (!m_selectedSession)
         return;
-    const AlertContents contents{
-        .messageText = tr("Do you really want to delete this session?",
-                          "Asks before a meeting is deleted"),
-        .informativeText = m_selectedSession->dateText()
-                           + tr(" will be removed.",
-                                "Follows directly upon the date of the meeting to be deleted"),
-        .buttons = {tr("Delete", "Button that deletes"),
-                    tr("Cancel", "Button that leaves things as they are")},
-        .firstButtonDestroys = true};
-    Alert::beginSheet(contents, window(),
-                      [guard = QPointer(this), session = m_selectedSession](int button) {
-                          if (guard && button == 0)
-                              guard->deleteSession(session);
-                      });
-}
-
-void DetailPaneViewController::deleteSession(const std::shared_ptr<Session> &session)
-{
-    if (session->isDeleted())
-        return; // By someone else, while the question stood there.
-    ManagedObjectContext &context = m_coreData.viewContext();
-    const auto deleted = context.deleteObject(session);
-    if (deleted) {
-        context.processPendingChanges();
-        return;
-    }
-    qCWarning(windowLog, "Could not delete a meeting: %s",
-              qUtf8Printable(deleted.error().description()));
-    Alert::beginSheet({.messageText = tr("The meeting could not be deleted.",
-                                         "Alert when a deletion fails"),
-                       .informativeText = deleted.error().description(),
-                       .buttons = {tr("OK", "Button that closes an alert")}},
-                      window(), [](int) {});
+    const DeletionTexts texts{
+        .question = tr("Do you really want to delete this session?",
+                       "Asks before a meeting is deleted"),
+        .details = m_selectedSession->dateText()
+                   + tr(" will be removed.",
+                        "Follows directly upon the date of the meeting to be deleted"),
+        .failure = tr("The meeting could not be deleted.", "Alert when a deletion fails")};
+    confirmDeletion(*this, m_coreData.viewContext(), {m_selectedSession}, texts);
 }
 
 void DetailPaneViewController::selectedSessionDeleted()
@@ -562,8 +537,8 @@ void DetailPaneViewController::stuffSessions()
 {
     require(m_selectedCounterpart != nullptr, "a teammate is selected to be given meetings");
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    tembra::stuffSessions(m_coreData.viewContext(), m_selectedCounterpart, stuffedSessions,
-                          m_services.clock.now());
+    generateSessions(m_coreData.viewContext(), m_selectedCounterpart, generatedSessions,
+                     m_services.clock.now());
     m_coreData.viewContext().processPendingChanges();
     rebuildFetch();
     QGuiApplication::restoreOverrideCursor();
@@ -581,7 +556,7 @@ void DetailPaneViewController::controllerDidChangeContent()
         setSelectedSession(fetchedSession(std::min(*m_vacatedRow, resultsController->count() - 1)));
     m_vacatedRow.reset();
     rearrangeCounterparts();
-    showWhatThereIs();
+    updateVisibleViews();
 }
 
 } // namespace tembra

@@ -119,7 +119,7 @@ private:
     void rearrangeCounterparts();
     void refreshLabels();
     void selectAndShow();
-    void showWhatThereIs();
+    void updateVisibleViews();
     void describeNoTiles();
     void showAllTiles();
     void setControlsEnabled(bool enabled);
@@ -132,7 +132,6 @@ private:
     void controllerDidChangeContent();
     void selectedSessionDeleted();
     void observeCounterpart();
-    void deleteSession(const std::shared_ptr<Session> &session);
 
     CoreDataInterface &m_coreData;
     const JournalServices &m_services;

@@ -2,6 +2,7 @@
 
 #include "Preferences/InputControls/RawText.h"
 #include "Toolkit/Emoji/EmojiHighlighter.h"
+#include "Toolkit/FieldEvents.h"
 #include "Toolkit/List/PropertyObservation.h"
 #include "Toolkit/Theme.h"
 
@@ -24,19 +25,6 @@ namespace {
 
 /// How far into the text its direction is looked for.
 constexpr qsizetype directionProbe = 1000;
-
-bool isUndoOrRedo(const QKeyEvent *event)
-{
-    const bool isControlY = event->key() == Qt::Key_Y && event->modifiers() == Qt::ControlModifier;
-    return event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo) || isControlY;
-}
-
-/// Coming back from another window or from a menu is not getting the keyboard anew.
-bool isReturning(Qt::FocusReason reason)
-{
-    return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason
-           || reason == Qt::MenuBarFocusReason;
-}
 
 } // namespace
 
@@ -256,7 +244,7 @@ void BindablePlaceholderTextField::applyTheme()
 bool BindablePlaceholderTextField::event(QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride
-        && isUndoOrRedo(static_cast<QKeyEvent *>(event))) {
+        && isUndoOrRedo(*static_cast<QKeyEvent *>(event))) {
         event->ignore();
         return false;
     }
@@ -266,7 +254,7 @@ bool BindablePlaceholderTextField::event(QEvent *event)
 void BindablePlaceholderTextField::focusInEvent(QFocusEvent *event)
 {
     QPlainTextEdit::focusInEvent(event);
-    if (!isReturning(event->reason()))
+    if (!isTemporaryFocusChange(event->reason()))
         becomeFirstResponder(event->reason());
 }
 

@@ -2,6 +2,7 @@
 
 #include "Preferences/InputControls/OnlyEmojiValueFormatter.h"
 #include "Toolkit/Emoji/EmojiText.h"
+#include "Toolkit/FieldEvents.h"
 #include "Toolkit/Theme.h"
 
 #include <QApplication>
@@ -18,11 +19,10 @@ namespace tembra {
 
 namespace {
 
-/// The keyboard comes back once the other window, menu or palette is done.
+/// Whether the editing goes on although the keyboard leaves; the palette is a popup, too.
 bool isInterruption(Qt::FocusReason reason)
 {
-    return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason
-           || reason == Qt::MenuBarFocusReason || QApplication::activePopupWidget();
+    return isTemporaryFocusChange(reason) || QApplication::activePopupWidget();
 }
 
 bool opensPalette(const QKeyEvent *event)
@@ -37,11 +37,6 @@ bool opensPalette(const QKeyEvent *event)
     default:
         return false;
     }
-}
-
-bool isForTheWindow(const QKeyEvent *event)
-{
-    return event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo);
 }
 
 } // namespace
@@ -164,7 +159,7 @@ bool EmojiTextField::event(QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
         auto *key = static_cast<QKeyEvent *>(event);
-        if (isForTheWindow(key)) {
+        if (isUndoOrRedo(*key)) {
             event->ignore();
             return false;
         }
@@ -182,7 +177,7 @@ void EmojiTextField::keyPressEvent(QKeyEvent *event)
         endEditing();
     else if (opensPalette(event) && m_palette)
         orderFrontCharacterPalette();
-    else if (isForTheWindow(event))
+    else if (isUndoOrRedo(*event))
         event->ignore();
     else
         QLineEdit::keyPressEvent(event);

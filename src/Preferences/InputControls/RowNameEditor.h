@@ -3,41 +3,45 @@
 #include <QLineEdit>
 #include <QTimer>
 
+class QAbstractItemDelegate;
+class QAbstractItemModel;
+class QModelIndex;
+
 namespace tembra {
 
-/// The field in which the name of a row is typed, in its place in the list.
+/// The editor that an item delegate opens for the name of a row.
 ///
-/// What is typed is handed on shortly after, so that little is lost if the program dies; giving up
-/// puts back the name that was there when the editing began.
+/// The text is written into the model shortly after it was typed, so that little is lost if the
+/// program dies; Escape writes the name from before the editing again. Tab ends the editing and
+/// opens no other editor. A name is one line: line breaks and tabs become blanks.
 class RowNameEditor final : public QLineEdit
 {
     Q_OBJECT
 
 public:
-    explicit RowNameEditor(QWidget *parent = nullptr);
+    /// @p delegate, which made the editor, gives its events to handleEvent().
+    RowNameEditor(QAbstractItemDelegate *delegate, QWidget *parent);
 
     /// Shows the record's name. A text that is being typed is left alone.
     void setName(const QString &name);
-    /// True while the text differs from what the record holds.
-    bool isUncommitted() const { return text() != m_committed; }
-    /// The text was written into the record.
-    void setCommitted();
-    /// Asks for the text to be written, if it differs from the record. Leaves caret and focus as
-    /// they are; while an input method is composing it does nothing.
+    /// Writes the text into the model if it differs from the record's name.
+    void writeTo(QAbstractItemModel *model, const QModelIndex &index);
+    /// Has the delegate write the text, if it differs from the record's name. Leaves caret and focus
+    /// as they are; while an input method is composing it does nothing.
     void commit();
-    /// Has the name from before the editing written.
-    void revert();
-
-Q_SIGNALS:
-    /// The text is to be written into the record, and the editing goes on.
-    void commitRequested();
+    /// Handles Escape and Tab; to be called first in the delegate's event filter. True when nobody
+    /// else is to handle the event.
+    bool handleEvent(QEvent *event);
 
 protected:
     void inputMethodEvent(QInputMethodEvent *event) override;
 
 private:
+    bool isUncommitted() const { return text() != m_committed; }
+    void revert();
     void scheduleCommit();
 
+    QAbstractItemDelegate *m_delegate;
     QString m_nameBefore;
     QString m_committed;
     QTimer m_commitTimer;

@@ -102,6 +102,18 @@ void ArrayController::setContent(const ObjectList &objects)
     deselectUnlisted();
 }
 
+bool ArrayController::updateContent(const ObjectList &objects)
+{
+    const QSet<const QObject *> kept = pointersOf(objects);
+    ObjectList vanished = m_content;
+    vanished.removeIf([&kept](const Object &object) { return kept.contains(object.get()); });
+    removeObjects(vanished);
+    const bool hasNewRows = objects.size() > m_content.size();
+    addObjects(objects);
+    m_content = objects;
+    return hasNewRows;
+}
+
 void ArrayController::setSortDescriptors(const QList<SortDescriptor> &descriptors)
 {
     m_sortDescriptors = descriptors;

@@ -51,6 +51,9 @@ public:
     ObjectList content() const { return m_content; }
     /// Replaces the list and arranges it; what stays in the list stays selected.
     void setContent(const ObjectList &objects);
+    /// Replaces the list row by row: what stays keeps its row and its editor, what is new is
+    /// appended. Nothing is arranged. Returns whether something is new.
+    bool updateContent(const ObjectList &objects);
 
     QList<SortDescriptor> sortDescriptors() const { return m_sortDescriptors; }
     /// Takes effect at the next rearrangement. The first descriptor decides, the others break ties;

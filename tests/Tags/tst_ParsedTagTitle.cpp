@@ -1,17 +1,17 @@
-#include "Tags/TypedTag.h"
+#include "Tags/ParsedTagTitle.h"
 
 #include <QTest>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
 
-/// What the text that somebody types says about a new tag.
-class tst_TypedTag : public QObject
+/// The name and the emoji of a new tag, as they are typed in one text.
+class tst_ParsedTagTitle : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void isRead_data()
+    void splitsNameAndEmoji_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("name");
@@ -36,17 +36,17 @@ private Q_SLOTS:
         QTest::newRow("a hand that points, of some skin")
             << u"Up ☝🏽"_s << u"Up ☝🏽"_s << QString();
     }
-    void isRead()
+    void splitsNameAndEmoji()
     {
         QFETCH(QString, text);
         QFETCH(QString, name);
         QFETCH(QString, emoji);
-        const TypedTag typed = TypedTag::of(text);
-        QCOMPARE(typed.name, name);
-        QCOMPARE(typed.emoji, emoji);
-        QCOMPARE(typed.emoji.isNull(), emoji.isNull());
+        const ParsedTagTitle title = ParsedTagTitle::parse(text);
+        QCOMPARE(title.name, name);
+        QCOMPARE(title.emoji, emoji);
+        QCOMPARE(title.emoji.isNull(), emoji.isNull());
     }
 };
 
-QTEST_GUILESS_MAIN(tst_TypedTag)
-#include "tst_TypedTag.moc"
+QTEST_GUILESS_MAIN(tst_ParsedTagTitle)
+#include "tst_ParsedTagTitle.moc"

@@ -1,4 +1,4 @@
-#include "MainWindow/Session/SessionStuffing.h"
+#include "MainWindow/Session/SessionGenerator.h"
 
 #include "Foundation/Logging.h"
 #include "Model/Counterpart.h"
@@ -50,8 +50,8 @@ void writeDrafts(ManagedObjectContext &context)
 
 } // namespace
 
-void stuffSessions(ManagedObjectContext &context, const std::shared_ptr<Counterpart> &counterpart,
-                   int count, Date now)
+void generateSessions(ManagedObjectContext &context,
+                      const std::shared_ptr<Counterpart> &counterpart, int count, Date now)
 {
     QRandomGenerator random(1); // The same history every time.
     if (UndoManager *undo = context.undoManager())
