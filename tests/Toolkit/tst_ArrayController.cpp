@@ -97,6 +97,28 @@ class TestArrayController : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void anUpdateOfTheContentKeepsRowsSelectionAndEditor()
+    {
+        People people({u"Ana"_s, u"Ben"_s, u"Chidi"_s});
+        people.controller.setColumnEditable(0, true);
+        PeopleTable table(people);
+        people.controller.setSelectionIndex(2);
+        table.view.edit(people.controller.index(2, 0));
+        const QPointer<QLineEdit> editor = table.view.findChild<QLineEdit *>();
+        QVERIFY(editor);
+        const ArrayController::ObjectList before = people.controller.content();
+        const auto dana = person(u"Dana"_s);
+        QVERIFY(people.controller.updateContent({dana, before.at(2), before.at(1)}));
+        QCOMPARE(people.arranged(), (QStringList{u"Ben"_s, u"Chidi"_s, u"Dana"_s}));
+        QCOMPARE(people.selected(), QStringList{u"Chidi"_s});
+        people.controller.rearrangeObjects();
+        QCOMPARE(people.arranged(), (QStringList{u"Dana"_s, u"Chidi"_s, u"Ben"_s}));
+        QVERIFY(editor && editor->isVisibleTo(&table.view));
+        QVERIFY(!people.controller.updateContent({dana}));
+        QCOMPARE(people.arranged(), QStringList{u"Dana"_s});
+        QCOMPARE(people.selected(), QStringList());
+    }
+
     void showsPropertiesAsColumns();
     void keepsContentOrderWithoutSortDescriptors();
     void sorts_data();
