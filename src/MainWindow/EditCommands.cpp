@@ -85,7 +85,7 @@ void EditCommands::addClipboardTo(QMenu &menu)
 {
     for (const ClipboardCommand &clipboard : std::as_const(m_clipboard))
         menu.addAction(clipboard.action);
-    connect(&menu, &QMenu::aboutToShow, this, &EditCommands::prepareMenu);
+    connect(&menu, &QMenu::aboutToShow, this, &EditCommands::enablePossible);
     connect(&menu, &QMenu::aboutToHide, this, &EditCommands::enableAll);
 }
 
@@ -106,7 +106,7 @@ bool EditCommands::canRedoTyping() const
 
 void EditCommands::followFocus(QWidget *focused)
 {
-    // A menu bar worked by keys takes the keyboard, but is not what its commands are about.
+    // A menu bar opened by a key takes the keyboard, but its commands mean the view before it.
     if (!focused || focused->window() != m_window || qobject_cast<QMenuBar *>(focused))
         return;
     if (QLineEdit *field = lineEdit()) {
@@ -158,7 +158,7 @@ void EditCommands::updateUndo()
     m_redo->setEnabled(m_undoManager.canRedo() || canRedoTyping());
 }
 
-void EditCommands::prepareMenu()
+void EditCommands::enablePossible()
 {
     for (const ClipboardCommand &clipboard : std::as_const(m_clipboard)) {
         bool possible = offers(m_focused, clipboard.slot);
@@ -176,8 +176,8 @@ void EditCommands::prepareMenu()
 
 void EditCommands::enableAll()
 {
-    // The keys must work whenever they are pressed: what is possible is only looked up for the menu.
-    // Left for a moment later, for the menu hides before it does what was picked.
+    // A shortcut works only while its action is enabled. Queued, for the menu hides before it triggers
+    // the action that was picked.
     QMetaObject::invokeMethod(
         this,
         [this] {

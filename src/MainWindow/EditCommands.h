@@ -15,15 +15,15 @@ class UndoManager;
 
 /// Undo, Redo, Cut, Copy, Paste and Select All of a window.
 ///
-/// Undo and Redo work on the journal; only in a one-line field, whose text is not in the journal
-/// yet, they take back the typing first. The others work on the view that has the keyboard.
+/// Undo and Redo work on the journal; a one-line field, whose text is not in the journal yet, undoes
+/// its typing first. The other commands work on the view that has the keyboard.
 class EditCommands final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @p commitEditing is asked before the journal is changed, so that what is being typed is the
-    /// first thing to be taken back.
+    /// @p commitEditing is called before the journal is undone, so that the text being typed is the
+    /// first to be undone.
     EditCommands(UndoManager &undoManager, std::function<bool()> commitEditing, QWidget *window);
 
     void addUndoTo(QMenu &menu);
@@ -36,14 +36,14 @@ private:
     struct ClipboardCommand
     {
         QAction *action;
-        const char *slot; ///< By this name text fields, and some lists, offer it.
+        const char *slot; ///< The slot of text fields and lists that performs it.
     };
 
     void followFocus(QWidget *focused);
     void undo();
     void redo();
     void updateUndo();
-    void prepareMenu();
+    void enablePossible();
     void enableAll();
     void perform(const ClipboardCommand &command);
     QLineEdit *lineEdit() const;

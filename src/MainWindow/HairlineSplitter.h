@@ -4,8 +4,8 @@
 
 namespace tembra {
 
-/// A splitter whose handle is one hairline; it can be grabbed a little to either side of it. Its
-/// parts cannot be dragged away.
+/// A splitter whose handle is one hairline that can be grabbed a little to either side. Its panes
+/// cannot be collapsed.
 class HairlineSplitter final : public QSplitter
 {
     Q_OBJECT

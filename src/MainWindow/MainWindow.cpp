@@ -68,9 +68,9 @@ MainWindow::~MainWindow()
 {
     m_windowState.saveWindow(stateName, *this);
     m_windowState.saveSplit(stateName, *m_splitter);
-    // An import is over before what it tells about goes.
+    // An import tells the status line of its end.
     delete m_backupCommands;
-    // They use the coordinator to their end, and it goes before children do.
+    // The panes use the coordinator, a member, which is destroyed before the children.
     delete centralWidget();
 }
 
@@ -287,7 +287,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     event->acceptProposedAction();
-    // Whoever dragged it must not have to wait for the answer.
+    // The program that dragged the packages must not wait for the answer to a question.
     QMetaObject::invokeMethod(
         this,
         [this, packages = BackupCommands::packagesIn(*event->mimeData())] {
@@ -298,7 +298,7 @@ void MainWindow::dropEvent(QDropEvent *event)
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    // Whether the program ends is decided elsewhere; until then the window stays.
+    // Quitting can still be cancelled; until then the window stays.
     event->ignore();
     m_quitRequested();
 }

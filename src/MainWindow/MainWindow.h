@@ -49,14 +49,14 @@ public:
     /// Commands for development; hidden.
     QMenu *debugMenu() const { return m_debugMenu; }
 
-    /// Asks for each of these backups whether it is to be imported.
+    /// Asks for each of these packages whether it is to be imported.
     void openPackages(const QStringList &packagePaths);
     BackupCommands &backupCommands() const { return *m_backupCommands; }
     StatusLine &statusLine() const { return *m_statusLine; }
 
-    /// Edits in progress go into the records they belong to, without ending. False when one refuses.
+    /// Writes edits in progress into their records; the editing goes on. False when a control refuses.
     bool commitEditing();
-    /// The same, and the edits end; half a tag becomes one.
+    /// Commits edits in progress and ends the editing; a half-typed tag becomes a tag.
     void endEditing();
 
 public Q_SLOTS:
@@ -64,7 +64,7 @@ public Q_SLOTS:
     void reveal(const tembra::ObjectID &id);
 
 Q_SIGNALS:
-    /// The user wants to see a tag among all the others; absent, just those.
+    /// The user asked for the tag browser, with @p tag selected unless it is null.
     void tagBrowserRequested(const std::shared_ptr<tembra::Tag> &tag);
 
 protected:
@@ -97,8 +97,8 @@ private:
     BackupCommands *m_backupCommands = nullptr;
     QMenu *m_debugMenu = nullptr;
     QAction *m_rename = nullptr;
-    QList<QAction *> m_teammateCommands; ///< Need a teammate whose meetings are shown.
-    QList<QAction *> m_meetingCommands; ///< Need a meeting in the editor.
+    QList<QAction *> m_teammateCommands; ///< Enabled while a teammate's meetings are shown.
+    QList<QAction *> m_meetingCommands; ///< Enabled while the editor has a meeting.
 };
 
 } // namespace tembra

@@ -47,7 +47,7 @@ QPushButton *verbButton(const QString &objectName, const QString &text = {})
 StatusLine::StatusLine(QWidget *parent) : QWidget(parent)
 {
     buildLayout();
-    connect(qApp, &QApplication::focusChanged, this, &StatusLine::rememberFocus);
+    connect(qApp, &QApplication::focusChanged, this, &StatusLine::rememberFocusBefore);
     hide();
 }
 
@@ -61,7 +61,7 @@ void StatusLine::buildLayout()
                                theme::relatedSpacing);
     layout->addWidget(m_messagePart);
     layout->addWidget(m_taskPart);
-    // As high with one as with the other, with a button or without, so that nothing above it moves.
+    // Message and task, with a button or without, are equally high, so that nothing above moves.
     const int height = std::max(m_messagePart->sizeHint().height(),
                                 m_taskPart->sizeHint().height());
     m_messagePart->setMinimumHeight(height);
@@ -83,7 +83,7 @@ QWidget *StatusLine::buildMessage()
     m_dismissButton->setAccessibleName(name);
     m_dismissButton->setToolTip(name);
     connect(m_dismissButton, &QToolButton::clicked, this, [this] {
-        forgetMessage();
+        removeMessage();
         Q_EMIT messageDismissed();
     });
     auto *part = new QWidget;
@@ -168,10 +168,10 @@ void StatusLine::endProgress()
 void StatusLine::clear()
 {
     m_hasTask = false;
-    forgetMessage();
+    removeMessage();
 }
 
-void StatusLine::forgetMessage()
+void StatusLine::removeMessage()
 {
     m_hasMessage = false;
     m_action = nullptr;
@@ -181,12 +181,12 @@ void StatusLine::forgetMessage()
 void StatusLine::performAction()
 {
     const std::function<void()> action = std::move(m_action);
-    forgetMessage();
+    removeMessage();
     if (action)
         action();
 }
 
-/// Shows what is to be seen, and tells of a message when it is seen for the first time.
+/// Shows the task or else the message, and announces a message when it is shown for the first time.
 void StatusLine::refresh()
 {
     const bool showsMessage = m_hasMessage && !m_hasTask;
@@ -209,14 +209,14 @@ void StatusLine::announce()
     QAccessible::updateAccessibility(&alert);
 }
 
-void StatusLine::rememberFocus(QWidget *before, QWidget *now)
+void StatusLine::rememberFocusBefore(QWidget *before, QWidget *now)
 {
     if (before && before->window() == window() && isAncestorOf(now) && !isAncestorOf(before))
         m_focusBefore = before;
 }
 
-/// When @p change takes away the button that has the keyboard, the keyboard returns to where it came
-/// from: the next one in the tab order would be a stranger, or a button that does something else.
+/// Returns the keyboard to where it came from when @p change hides the button that has it. The next
+/// widget in the tab order could be a button that does something else.
 void StatusLine::changeKeepingFocus(const std::function<void()> &change)
 {
     const QWidget *focus = window()->focusWidget();

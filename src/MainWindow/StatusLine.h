@@ -14,8 +14,8 @@ namespace tembra {
 
 class EmojiLabel;
 
-/// A line at the foot of the window that says what was done or how far something is. Hidden as long
-/// as there is neither.
+/// A line at the foot of the window that shows a message or the progress of a task. Hidden as long
+/// as it has neither.
 ///
 /// It keeps at most one message, the newest, and at most one task. While a task goes on, the line
 /// shows the task; once the task has ended, the message that was said last comes back, or shows for
@@ -28,16 +28,16 @@ class StatusLine final : public QWidget
 public:
     explicit StatusLine(QWidget *parent = nullptr);
 
-    /// Says @p text, with a button named @p actionText (a verb) if that is given. Pressing the
-    /// button takes the message away and then calls @p action, which may say something new.
+    /// Shows @p text, with a button named @p actionText (a verb) if that is given. Pressing the
+    /// button removes the message and then calls @p action, which may show a new one.
     void showMessage(const QString &text, const QString &actionText = {},
                      std::function<void()> action = {});
-    /// A new task begins, of which is not known how far it is.
+    /// Begins a task whose progress is not known yet.
     void showProgress(const QString &text, bool canBeCancelled = true);
     /// From 0 to 1; nullopt when it is not known. Without effect when no task goes on.
     void setProgress(std::optional<double> fraction);
     void endProgress();
-    /// Takes away the message and the task.
+    /// Removes the message and the task.
     void clear();
 
 Q_SIGNALS:
@@ -55,10 +55,10 @@ private:
     QWidget *buildTask();
     void cancel();
     void performAction();
-    void forgetMessage();
+    void removeMessage();
     void refresh();
     void announce();
-    void rememberFocus(QWidget *before, QWidget *now);
+    void rememberFocusBefore(QWidget *before, QWidget *now);
     void changeKeepingFocus(const std::function<void()> &change);
 
     QWidget *m_messagePart = nullptr;
@@ -74,7 +74,7 @@ private:
     bool m_hasMessage = false;
     bool m_messageWasAnnounced = false;
     bool m_hasTask = false;
-    QPointer<QWidget> m_focusBefore; ///< Had the keyboard before it came here.
+    QPointer<QWidget> m_focusBefore; ///< The widget that had the keyboard before this line.
 };
 
 } // namespace tembra

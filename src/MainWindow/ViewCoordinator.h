@@ -9,7 +9,7 @@ class ArrayController;
 class CounterpartsPaneViewController;
 class DetailPaneViewController;
 
-/// Through it the teammate list and the meeting pane of a window reach each other.
+/// Connects the teammate list and the meeting pane of a window with each other.
 class ViewCoordinator : public QObject
 {
     Q_OBJECT
@@ -21,8 +21,8 @@ public:
     QPointer<DetailPaneViewController> detailPaneViewController;
     QPointer<CounterpartsPaneViewController> masterViewController;
 
-    /// While true, the list's selection does not reach the meeting pane: the pane is having the
-    /// list rearranged, and what that does to the list's selection is not the user's choice.
+    /// While true, a change of the list's selection does not reach the meeting pane: the pane is
+    /// rearranging the list, and the user selects nothing.
     bool suspendSync = false;
 
     /// Called once when the three above are set.

@@ -5,7 +5,7 @@
 namespace tembra {
 
 /// Draws the cells of a `BrowserRowsView`: one line of text each, emoji in colour, cut with an
-/// ellipsis where it does not fit and then whole in a tooltip. The row draws what is behind.
+/// ellipsis where it does not fit and then whole in a tooltip. The view draws the background.
 class BrowserRowDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -20,13 +20,13 @@ public:
                    const QModelIndex &index) override;
 
 protected:
-    /// What the cell shows.
+    /// The text of the cell.
     virtual QString cellText(const QModelIndex &index) const;
     virtual bool isDimmed(const QModelIndex &index) const;
     virtual Qt::Alignment cellAlignment(const QModelIndex &index) const;
-    /// Without a text that is cut short.
+    /// The tooltip of a cell whose text is not elided.
     virtual QString toolTipFor(const QModelIndex &index) const;
-    /// Where the text of a cell stands; that of the first column in line with titles above it.
+    /// The rectangle of a cell's text; the first column aligns with the titles above.
     static QRect textRect(const QStyleOptionViewItem &option, const QModelIndex &index);
 };
 

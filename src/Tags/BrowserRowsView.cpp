@@ -12,14 +12,14 @@ namespace tembra {
 
 namespace {
 
-bool isPlainStep(const QKeyEvent &event)
+bool isStep(const QKeyEvent &event)
 {
     return (event.key() == Qt::Key_Up || event.key() == Qt::Key_Down)
            && !(event.modifiers() & ~Qt::KeypadModifier);
 }
 
-/// The columns' titles: no more than dim words above a line, where the columns' texts begin.
-class QuietHeader final : public QHeaderView
+/// Draws the titles of the columns dimmed, above a hairline and aligned with the cells.
+class ColumnTitles final : public QHeaderView
 {
 public:
     using QHeaderView::QHeaderView;
@@ -51,7 +51,7 @@ protected:
 
 BrowserRowsView::BrowserRowsView(QWidget *parent) : QTreeView(parent)
 {
-    setHeader(new QuietHeader(Qt::Horizontal, this));
+    setHeader(new ColumnTitles(Qt::Horizontal, this));
     setFrameShape(QFrame::NoFrame);
     setRootIsDecorated(false);
     setItemsExpandable(false);
@@ -96,8 +96,8 @@ void BrowserRowsView::drawRow(QPainter *painter, const QStyleOptionViewItem &opt
 
 void BrowserRowsView::keyPressEvent(QKeyEvent *event)
 {
-    // With nothing selected an arrow picks the row at hand, which would be skipped else.
-    if (isPlainStep(*event) && currentIndex().isValid() && !selectionModel()->hasSelection())
+    // Without a selection an arrow selects the current row, which would be skipped otherwise.
+    if (isStep(*event) && currentIndex().isValid() && !selectionModel()->hasSelection())
         selectionModel()->setCurrentIndex(currentIndex(), QItemSelectionModel::ClearAndSelect
                                                               | QItemSelectionModel::Rows);
     else

@@ -21,7 +21,7 @@ class TagShortcutMonitor;
 /// popover beside a tag field and never takes the keyboard from it.
 ///
 /// A row whose tag the meeting has already is dimmed; a click there does nothing, its shortcut
-/// still hands the tag over.
+/// still chooses the tag.
 class RecentTagsViewController final : public QWidget
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ class RecentTagsViewController final : public QWidget
                    NOTIFY tagListModelsChanged)
 
 public:
-    /// Absent: the row's tag was deleted.
+    /// Receives the chosen tag; null when it has been deleted.
     using TagHandler = std::function<void(const std::shared_ptr<Tag> &tag)>;
 
     explicit RecentTagsViewController(ManagedObjectContext &context, QWidget *parent = nullptr);
@@ -46,10 +46,10 @@ public:
     std::shared_ptr<Session> selectedSession() const { return m_selectedSession; }
     /// The meeting whose tags are dimmed.
     void setSelectedSession(const std::shared_ptr<Session> &session);
-    /// Shortcuts are heard while this says so; without it, never.
+    /// Shortcuts work while this returns true; without it, never.
     void setMayUseShortcuts(std::function<bool()> mayUseShortcuts);
 
-    /// Hands over the tag of this row, counted from 1, dimmed or not. False when there is none.
+    /// Chooses the tag of a row, counted from 1, dimmed or not. False when there is none.
     bool chooseByNumber(int number);
     void rebuildRows();
 
@@ -57,7 +57,7 @@ public:
     QListView *tableView;
 
 public Q_SLOTS:
-    /// Hands over the tag of the selected row unless it is dimmed, and selects nothing again.
+    /// Chooses the tag of the selected row unless it is dimmed, then clears the selection.
     void handleSelection();
 
 Q_SIGNALS:
@@ -72,7 +72,7 @@ private:
 
     TagHandler m_handleTagSelection;
     QList<std::shared_ptr<TagListViewModel>> m_tagListModels;
-    QList<std::shared_ptr<ManagedObject>> m_tags; ///< Kept, for the rows do not own them.
+    QList<std::shared_ptr<ManagedObject>> m_tags; ///< Owned here, for the rows hold them weakly.
     std::shared_ptr<Session> m_selectedSession;
     std::unique_ptr<TagShortcutMonitor> m_monitor;
     bool m_isLoaded = false;

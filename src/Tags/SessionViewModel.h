@@ -12,7 +12,7 @@ namespace tembra {
 class Counterpart;
 
 /// One row of the meetings in the tag browser. Its texts follow the meeting, its teammate and its
-/// tags for as long as somebody else holds the meeting.
+/// tags as long as another owner holds the meeting.
 class SessionViewModel final : public QObject
 {
     Q_OBJECT
@@ -33,7 +33,7 @@ public:
     /// The titles of the meeting's tags, in their order.
     QString tagSummary() const { return m_tagSummary; }
     void setTagSummary(const QString &tagSummary);
-    /// Nothing once the meeting was deleted, or nobody holds it any more.
+    /// Null once the meeting was deleted, or no other owner holds it.
     std::shared_ptr<Session> session() const;
 
 Q_SIGNALS:
@@ -49,7 +49,7 @@ private:
     QString m_dateString;
     QString m_tagSummary;
     std::weak_ptr<Session> m_session;
-    std::shared_ptr<Counterpart> m_counterpart; ///< Kept, for its name is observed.
+    std::shared_ptr<Counterpart> m_counterpart; ///< Owned, for its name is observed.
 };
 
 } // namespace tembra

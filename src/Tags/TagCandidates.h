@@ -13,11 +13,11 @@ namespace tembra {
 
 class FetchedResultsController;
 
-/// The tags that a field can complete to, made ready for being searched with every key.
+/// A search index over the tags that a field completes to, fast enough for every key.
 class TagCandidates
 {
 public:
-    /// In the order of @p tags, which must outlive this.
+    /// Completions come in the order of @p tags, which must outlive this.
     explicit TagCandidates(FetchedResultsController &tags) : m_tags(tags) {}
 
     /// The titles of the tags that @p substring begins to name, whatever its case, or whose emoji it
@@ -28,7 +28,7 @@ public:
     /// The first tag with exactly this title, if any.
     std::shared_ptr<Tag> tagTitled(const QString &title) const;
 
-    /// Tags came, went or changed.
+    /// Drops the cache; to be called when the tags have changed.
     void invalidate() { m_candidates.clear(); }
 
 private:
@@ -42,7 +42,7 @@ private:
     const std::vector<Candidate> &candidates() const;
 
     FetchedResultsController &m_tags;
-    mutable std::vector<Candidate> m_candidates; ///< Made when first asked for.
+    mutable std::vector<Candidate> m_candidates; ///< A cache, filled on demand.
 };
 
 } // namespace tembra

@@ -27,7 +27,7 @@ public:
     /// "⌥⌘" and the number of the row, from 1; a blank until it is known.
     QString shortcut() const { return m_shortcut; }
     void setShortcut(const QString &shortcut);
-    /// Nothing once the tag was deleted.
+    /// Null once the tag was deleted.
     std::shared_ptr<Tag> tag() const;
     void setTag(const std::shared_ptr<Tag> &tag);
     /// False when the meeting has the tag already.

@@ -62,7 +62,7 @@ QString TagRowDelegate::toolTipFor(const QModelIndex &index) const
     return isEmojiCell(index) ? tr("Change Emoji", "Tooltip of a tag's emoji") : QString();
 }
 
-/// The emoji stands in a frame where a click would change it.
+/// Draws a frame around the emoji under the pointer, since a click changes it.
 void TagRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                            const QModelIndex &index) const
 {
@@ -91,12 +91,12 @@ QWidget *TagRowDelegate::createNameEditor(QWidget *parent)
     auto *editor = new RowNameEditor(this, parent);
     editor->setAccessibleName(tr("Name", "Accessible name of the field for a tag's name"));
     editor->setPlaceholderText(TagsArrayController::unnamedTitle());
-    connect(editor, &QObject::destroyed, this, &TagRowDelegate::nameEditorGone);
+    connect(editor, &QObject::destroyed, this, &TagRowDelegate::nameEditorDestroyed);
     m_nameEditor = editor;
     return editor;
 }
 
-void TagRowDelegate::nameEditorGone(const QObject *editor)
+void TagRowDelegate::nameEditorDestroyed(const QObject *editor)
 {
     if (m_nameEditor == editor)
         m_nameEditor.clear();
@@ -114,10 +114,10 @@ QWidget *TagRowDelegate::createEmojiEditor(QWidget *parent)
     return editor;
 }
 
-/// An emoji field gives the keyboard to nobody when it is done.
+/// Closes the editor and gives the keyboard back to the list; the emoji field only gives it up.
 void TagRowDelegate::closeEmojiEditor(EmojiTextField *editor)
 {
-    // The list may have closed it.
+    // The list may have closed it already.
     if (!editor || editor->isHidden())
         return;
     QWidget *list = editor->parentWidget()->parentWidget();
@@ -172,7 +172,7 @@ bool TagRowDelegate::eventFilter(QObject *object, QEvent *event)
 
 bool TagRowDelegate::filterEmojiEditor(EmojiTextField *editor, QEvent *event)
 {
-    // A popup, as the palette is, takes the keyboard for a while only.
+    // A popup such as the palette takes the keyboard only for a while.
     const bool ofFocus = event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut;
     if (!ofFocus)
         return BrowserRowDelegate::eventFilter(editor, event);
@@ -180,7 +180,7 @@ bool TagRowDelegate::filterEmojiEditor(EmojiTextField *editor, QEvent *event)
     const bool leaves = event->type() == QEvent::FocusOut && !ofPopup
                         && !QApplication::activePopupWidget();
     const bool paletteCloses = event->type() == QEvent::FocusIn && ofPopup;
-    // What was chosen is told before this turn ends.
+    // Queued, for the emoji chosen in the palette is committed later in this turn.
     if (leaves || paletteCloses)
         QMetaObject::invokeMethod(
             this, [this, guard = QPointer(editor)] { closeEmojiEditor(guard); },

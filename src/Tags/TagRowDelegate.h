@@ -18,7 +18,7 @@ public:
     explicit TagRowDelegate(EmojiTextField::CharacterPalette characterPalette,
                             QObject *parent = nullptr);
 
-    /// Writes a name being typed into its tag, and lets the typing go on.
+    /// Writes a name being typed into its tag; the editor stays open.
     void commitOpenEditor();
     /// Whether a name is being typed.
     bool isRenaming() const;
@@ -34,7 +34,7 @@ public:
                               const QModelIndex &index) const override;
 
 Q_SIGNALS:
-    /// No name is being typed any more.
+    /// The editor of a name was closed.
     void renamingEnded();
 
 protected:
@@ -47,12 +47,12 @@ protected:
 private:
     QWidget *createNameEditor(QWidget *parent);
     QWidget *createEmojiEditor(QWidget *parent);
-    void nameEditorGone(const QObject *editor);
+    void nameEditorDestroyed(const QObject *editor);
     void closeEmojiEditor(EmojiTextField *editor);
     bool filterEmojiEditor(EmojiTextField *editor, QEvent *event);
 
     EmojiTextField::CharacterPalette m_characterPalette;
-    QPointer<QWidget> m_nameEditor; ///< A RowNameEditor until it ends.
+    QPointer<QWidget> m_nameEditor; ///< The open RowNameEditor, if any.
 };
 
 } // namespace tembra

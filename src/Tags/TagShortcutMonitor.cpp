@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// The digit row's keys have the same numbers on every layout. Zero stands behind nine.
-std::optional<int> digitOfPlace(quint32 scanCode)
+std::optional<int> digitOfScanCode(quint32 scanCode)
 {
     const QString platform = QGuiApplication::platformName();
     quint32 one = 0;
@@ -55,7 +55,7 @@ std::optional<int> TagShortcutMonitor::digitOf(const QKeyEvent &event)
         return event.key() - Qt::Key_0;
     if (event.modifiers() & Qt::KeypadModifier)
         return std::nullopt;
-    return digitOfPlace(event.nativeScanCode());
+    return digitOfScanCode(event.nativeScanCode());
 }
 
 bool TagShortcutMonitor::eventFilter(QObject *watched, QEvent *event)

@@ -11,8 +11,7 @@ namespace tembra {
 
 class RecentTagsViewController;
 
-/// Hears the shortcuts of the recent tags wherever the keyboard is in their window, for as long as
-/// it lives.
+/// Filters key events for the shortcuts of the recent tags, wherever the keyboard is in their window.
 class TagShortcutMonitor final : public QObject
 {
     Q_OBJECT
@@ -21,7 +20,7 @@ public:
     explicit TagShortcutMonitor(RecentTagsViewController &recentTags);
 
     void start();
-    /// Nothing is heard unless this is true.
+    /// Shortcuts work only while this returns true.
     void setCondition(std::function<bool()> condition) { m_condition = std::move(condition); }
 
     /// The digit that is pressed together with Ctrl and Alt, whatever else is held down: that of the

@@ -82,7 +82,7 @@ TagWindowController::TagWindowController(ManagedObjectContext &context,
 
 TagWindowController::~TagWindowController()
 {
-    // The views tell of what ends with them, and members go before children do.
+    // The views emit signals when their editors close, and members are destroyed before children.
     delete takeCentralWidget();
 }
 
@@ -257,7 +257,7 @@ QAction *TagWindowController::addTagAction(const QString &title, const QString &
     auto *action = new QAction(title, this);
     action->setObjectName(objectName);
     action->setShortcuts(shortcuts);
-    // The keys mean the list, not a field or a table elsewhere in the window.
+    // The shortcuts work in the list only, not in a field or a table elsewhere in the window.
     action->setShortcutContext(Qt::WidgetShortcut);
     m_tagActions.append(action);
     return action;
@@ -341,7 +341,7 @@ void TagWindowController::controllerDidChangeContent()
 
 void TagWindowController::arrangeTags()
 {
-    // A row does not run away from whoever types in it.
+    // A row does not move while its name is being typed.
     if (m_tagDelegate->isRenaming())
         return;
     const auto before = tagsArrayController->arrangedObjects();
@@ -365,7 +365,7 @@ void TagWindowController::rebuildSessions()
     QList<std::shared_ptr<ManagedObject>> sessions;
     if (sessionsResultController)
         sessions = sessionsResultController->fetchedObjects();
-    // Read together; if that fails, each row asks for itself.
+    // One query for all rows; if it fails, each row loads its own tags.
     (void)m_context.prefetch(sessions, {"tags"});
     QList<std::shared_ptr<SessionViewModel>> rows;
     rows.reserve(sessions.size());
@@ -431,7 +431,7 @@ void TagWindowController::updateVisiblePages()
         meetings = m_noMeetings;
     m_meetingsStack->setCurrentWidget(meetings);
     promptLabel->setVisible(m_selectedTag != nullptr);
-    // Whoever worked in what is hidden now goes on in the list.
+    // The keyboard does not stay in a hidden view.
     if (hasTags && hadFocus && !m_windowStack->isAncestorOf(QApplication::focusWidget()))
         tagsTableView->setFocus();
 }

@@ -59,14 +59,14 @@ public:
     }
     void setSessionViewModels(const QList<std::shared_ptr<SessionViewModel>> &rows);
 
-    /// Makes a tag the only one that is selected, where it can be seen.
+    /// Makes a tag the only selected one and scrolls to it.
     void selectTag(const std::shared_ptr<Tag> &tag);
     /// Selects a tag as selectTag() does; one that an undo is about to insert as soon as it is listed.
     void reveal(ObjectID tag);
-    /// A name being typed goes into its tag without ending the edit, unless an input method is
-    /// composing it. Always true: no name is refused.
+    /// Writes a name being typed into its tag, unless an input method is composing it; the editing
+    /// goes on. Always true: no name is refused.
     bool commitEditing();
-    /// What can be done with the selected tags, for a menu of the window.
+    /// Adds the commands for the selected tags to a menu of the window.
     void addTagCommandsTo(QMenu &menu);
 
     TagsArrayController *tagsArrayController;
@@ -122,7 +122,7 @@ private:
     EmojiTextField::CharacterPalette m_characterPalette;
     OpenSession m_openSession;
     std::shared_ptr<Tag> m_selectedTag;
-    QList<std::shared_ptr<ManagedObject>> m_sessions; ///< Kept, for the rows do not own them.
+    QList<std::shared_ptr<ManagedObject>> m_sessions; ///< Owned here, for the rows hold them weakly.
     QList<std::shared_ptr<SessionViewModel>> m_sessionViewModels;
     TagRowDelegate *m_tagDelegate = nullptr;
     QToolButton *m_deleteButton = nullptr;
@@ -131,7 +131,7 @@ private:
     EmptyState *m_noTags = nullptr;
     EmptyState *m_noSelection = nullptr;
     EmptyState *m_noMeetings = nullptr;
-    QList<QAction *> m_tagActions; ///< Need a selected tag.
+    QList<QAction *> m_tagActions; ///< Enabled while a tag is selected.
 };
 
 } // namespace tembra

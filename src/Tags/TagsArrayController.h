@@ -6,7 +6,7 @@ namespace tembra {
 
 class Tag;
 
-/// The tags from A to Z: column 0 is the emoji, column 1 the name.
+/// Lists the tags from A to Z. Column 0 is the emoji, column 1 the name.
 class TagsArrayController final : public ArrayController
 {
     Q_OBJECT
@@ -16,14 +16,14 @@ public:
 
     explicit TagsArrayController(QObject *parent = nullptr);
 
-    /// What stands in for a name that is missing; also the prompt while one is typed.
+    /// The placeholder of a missing name, in the row and in its editor.
     static QString unnamedTitle();
 
     std::shared_ptr<Tag> tagAt(int row) const;
     /// The selected tags in the order of the list.
     QList<std::shared_ptr<Tag>> selectedTags() const;
 
-    /// Besides the usual roles the words for whoever hears the list.
+    /// Adds the accessible text of a cell.
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
 };
 

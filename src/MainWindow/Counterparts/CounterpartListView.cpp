@@ -35,7 +35,7 @@ CounterpartListView::CounterpartListView(QWidget *parent) : QListView(parent)
 void CounterpartListView::keyPressEvent(QKeyEvent *event)
 {
     const bool picksRow = isMovement(*event) && !selectionModel()->hasSelection();
-    // With nothing selected an arrow picks the row at hand, or the first one would be skipped.
+    // Without a selection an arrow selects the current row, which would be skipped otherwise.
     const bool picksRowAtHand = picksRow && isStep(*event) && currentIndex().isValid();
     if (!picksRowAtHand)
         QListView::keyPressEvent(event);

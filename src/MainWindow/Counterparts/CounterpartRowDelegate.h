@@ -17,7 +17,7 @@ class CounterpartRowDelegate final : public QStyledItemDelegate
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
-    /// Writes a name being typed into its record, and lets the typing go on.
+    /// Writes a name being typed into its record; the editor stays open.
     void commitOpenEditor();
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
@@ -32,7 +32,7 @@ public:
     void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
                               const QModelIndex &index) const override;
 
-    /// Shows the texts of a row that is cut short in whole.
+    /// Shows a tooltip with the whole texts of a row when one of them is elided.
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
 

@@ -7,7 +7,7 @@ namespace tembra {
 
 class Counterpart;
 
-/// What a row of the teammate list says.
+/// The texts of a row of the teammate list.
 struct CounterpartRowViewModel
 {
     Q_DECLARE_TR_FUNCTIONS(CounterpartRowViewModel)
@@ -15,7 +15,7 @@ struct CounterpartRowViewModel
 public:
     explicit CounterpartRowViewModel(const Counterpart &counterpart);
 
-    /// What stands in for a name that is missing; also the prompt while one is typed.
+    /// The placeholder of a missing name, in the row and in its editor.
     static QString unnamedTitle();
 
     QString title; ///< The name, or unnamedTitle().
@@ -24,7 +24,7 @@ public:
     QString tagEmoji;
     bool isOverdue;
 
-    /// The whole row in one line, to be read out.
+    /// The whole row in one line, for assistive technology.
     QString accessibleText() const;
 };
 

@@ -4,7 +4,7 @@
 
 namespace tembra {
 
-/// The list of teammates: column 0 is the name, the others are what its row derives from meetings.
+/// Lists the teammates. Column 0 is the name, the others are texts derived from the meetings.
 class CounterpartsArrayController final : public AutoEditArrayController
 {
     Q_OBJECT
@@ -12,7 +12,7 @@ class CounterpartsArrayController final : public AutoEditArrayController
 public:
     explicit CounterpartsArrayController(QObject *parent = nullptr);
 
-    /// Besides the usual roles the text of the whole row for whoever hears the list.
+    /// Adds the text of the whole row for assistive technology.
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
 };
 

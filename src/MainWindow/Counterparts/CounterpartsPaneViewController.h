@@ -42,19 +42,19 @@ public:
     QList<std::shared_ptr<Counterpart>> counterparts() const;
     bool hasSelection() const;
 
-    /// Shows a teammate and makes it the selection, unless the meeting pane shows it already. One
-    /// that is about to come back by undo is shown when it has.
+    /// Selects a teammate, unless the meeting pane shows it already, and scrolls to it. A teammate
+    /// that an undo is about to insert is selected as soon as it is listed.
     void reveal(ObjectID counterpart);
-    /// A name being typed goes into its record without ending the edit, unless an input method is
-    /// composing it. Always true: no name is refused.
+    /// Writes a name being typed into its record, unless an input method is composing it; the
+    /// editing goes on. Always true: no name is refused.
     bool commitEditing();
 
 public Q_SLOTS:
-    /// Segment 0 adds a teammate, any other asks and deletes the selected ones.
+    /// Segment 0 adds a teammate; any other asks, then deletes the selected ones.
     void handleTeammateAddDelete(int segment);
     void handleDeleteFromMenu();
     void renameSelected();
-    /// A backup of all teammates, in the order of the list.
+    /// Requests a backup of all teammates, in the order of the list.
     void handleCreateBackup();
     void handleImportBackup();
     void handleTagsButton();

@@ -215,7 +215,7 @@ void DetailPaneViewController::connectSignals()
             [this] { sessionDetailViewController().focusNoteInput(); });
     connect(m_noTilesState, &EmptyState::triggered, this, [this] {
         if (searchInput || !filterTags.isEmpty())
-            showAllTiles();
+            clearSearchOrFilter();
         else
             addSession();
     });
@@ -259,8 +259,8 @@ void DetailPaneViewController::refreshLabels()
             + u": " + QString::number(days));
 }
 
-/// What the empty strip says, and what its button does.
-void DetailPaneViewController::describeNoTiles()
+/// Sets the text that stands in the empty strip, and the title of its button.
+void DetailPaneViewController::updateNoTilesState()
 {
     if (searchInput) {
         QString quoted = searchInput->left(longestQuotedSearch);
@@ -284,8 +284,8 @@ void DetailPaneViewController::describeNoTiles()
     }
 }
 
-/// Takes back what narrows the strip, the search first.
-void DetailPaneViewController::showAllTiles()
+/// Clears the search, or without one the tag filter.
+void DetailPaneViewController::clearSearchOrFilter()
 {
     if (searchInput)
         searchField->clear();
@@ -298,7 +298,7 @@ void DetailPaneViewController::updateVisibleViews()
     const bool hasTiles = resultsController && resultsController->count() > 0;
     const bool hasEditor = m_selectedSession != nullptr;
     const bool isNarrowed = searchInput || !filterTags.isEmpty();
-    describeNoTiles();
+    updateNoTilesState();
     // Above an editor the empty place is no higher than the tiles were, so that nothing jumps.
     const int stripHeight = summaryCollectionView->height();
     m_noTilesState->setMinimumHeight(stripHeight);
@@ -371,7 +371,7 @@ void DetailPaneViewController::observeCounterpart()
 
 void DetailPaneViewController::setSelectedSession(const std::shared_ptr<Session> &session)
 {
-    m_vacatedRow.reset();
+    m_rowOfDeletedSession.reset();
     if (session == m_selectedSession) {
         selectAndShow();
         return;
@@ -420,7 +420,7 @@ void DetailPaneViewController::rebuildFetch()
             qCWarning(windowLog, "Failed to fetch entities: %s",
                       qUtf8Printable(fetched.error().description()));
         m_timeline->setResultsController(resultsController.get());
-        // After the tiles' own: when the pane hears of the end of a change, they show it already.
+        // Connected after the tiles' model, so that the tiles are up to date in the pane's slots.
         connect(resultsController.get(), &FetchedResultsController::contentWillChange, this,
                 &DetailPaneViewController::contentWillChange);
         connect(resultsController.get(), &FetchedResultsController::contentDidChange, this,
@@ -438,7 +438,7 @@ void DetailPaneViewController::reload()
 
 void DetailPaneViewController::rearrangeCounterparts()
 {
-    // What the new order does to the list's selection is not the user's choice.
+    // A selection that changes by the new order is not the user's choice.
     const QScopedValueRollback suspended(m_viewCoordinator.suspendSync, true);
     require(m_viewCoordinator.counterpartsArrayController, "the pane knows the list of teammates");
     m_viewCoordinator.counterpartsArrayController->rearrangeObjects();
@@ -463,7 +463,7 @@ void DetailPaneViewController::selectAndShow()
 void DetailPaneViewController::stripSelectionChanged(int row)
 {
     // Tiles that come and go take the selection along; it is restored when they have.
-    if (!m_takingOverChanges)
+    if (!m_isUpdatingTiles)
         setSelectedSession(fetchedSession(row));
 }
 
@@ -530,7 +530,7 @@ void DetailPaneViewController::selectedSessionDeleted()
     const int row = selectedRow();
     setSelectedSession({});
     if (row >= 0)
-        m_vacatedRow = row; // Until the results have heard of the deletion, and know who comes next.
+        m_rowOfDeletedSession = row; // The results do not know the deletion yet.
 }
 
 void DetailPaneViewController::stuffSessions()
@@ -546,15 +546,16 @@ void DetailPaneViewController::stuffSessions()
 
 void DetailPaneViewController::contentWillChange()
 {
-    m_takingOverChanges = true;
+    m_isUpdatingTiles = true;
 }
 
 void DetailPaneViewController::controllerDidChangeContent()
 {
-    m_takingOverChanges = false;
-    if (m_vacatedRow && resultsController->count() > 0)
-        setSelectedSession(fetchedSession(std::min(*m_vacatedRow, resultsController->count() - 1)));
-    m_vacatedRow.reset();
+    m_isUpdatingTiles = false;
+    if (m_rowOfDeletedSession && resultsController->count() > 0)
+        setSelectedSession(
+            fetchedSession(std::min(*m_rowOfDeletedSession, resultsController->count() - 1)));
+    m_rowOfDeletedSession.reset();
     rearrangeCounterparts();
     updateVisibleViews();
 }

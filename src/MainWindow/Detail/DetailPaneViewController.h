@@ -60,10 +60,10 @@ public:
     /// Made when it is first asked for; a window that opens does without.
     SessionDetailViewController &sessionDetailViewController();
 
-    /// Edits in progress in the pane's controls go into the records they belong to, without ending
-    /// the edit, moving the caret or breaking a composition. False when one refuses.
+    /// Writes edits in progress into their records; caret, focus and a composition stay. False when
+    /// a control refuses.
     bool commitEditing();
-    /// The same, and the edits end; half a tag becomes one.
+    /// Commits edits in progress and ends the editing; a half-typed tag becomes a tag.
     void endEditing();
     void focusSearchField();
 
@@ -80,7 +80,7 @@ Q_SIGNALS:
     void selectedCounterpartChanged();
     void selectedSessionChanged();
     void controlsEnabledChanged();
-    /// The user wants to see a tag among all the others; absent, just those.
+    /// The user asked for the tag browser, with @p tag selected unless it is null.
     void tagBrowserRequested(const std::shared_ptr<tembra::Tag> &tag);
 
 private:
@@ -120,8 +120,8 @@ private:
     void refreshLabels();
     void selectAndShow();
     void updateVisibleViews();
-    void describeNoTiles();
-    void showAllTiles();
+    void updateNoTilesState();
+    void clearSearchOrFilter();
     void setControlsEnabled(bool enabled);
     std::shared_ptr<Session> fetchedSession(int row) const;
     /// The row of the selected meeting; −1 when it is not among the fetched ones.
@@ -145,8 +145,8 @@ private:
     EmptyState *m_noCounterpartState = nullptr;
     EmptyState *m_noTilesState = nullptr;
     EmptyState *m_noSelectionState = nullptr;
-    bool m_takingOverChanges = false;
-    std::optional<int> m_vacatedRow; ///< Where the deleted selected meeting stood.
+    bool m_isUpdatingTiles = false;
+    std::optional<int> m_rowOfDeletedSession; ///< Until the results know of the deletion.
 };
 
 } // namespace tembra

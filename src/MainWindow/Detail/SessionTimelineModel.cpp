@@ -26,7 +26,7 @@ QVariant SessionTimelineModel::data(const QModelIndex &index, int role) const
     case Qt::ToolTipRole:
         return SessionDescription::toolTip(*session);
     default:
-        return SessionDescription::spoken(*session);
+        return SessionDescription::accessibleText(*session);
     }
 }
 

@@ -19,10 +19,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A list view leaves this much on every side of an item.
-constexpr int roomAround = SummaryCollectionView::itemSpacing / 2;
+/// The margin that a list view leaves on every side of an item.
+constexpr int itemMargin = SummaryCollectionView::itemSpacing / 2;
 
-/// Paints every tile with the one tile there is.
+/// Paints every tile with one SummaryViewItem.
 class TileDelegate final : public QStyledItemDelegate
 {
 public:
@@ -63,8 +63,8 @@ SummaryCollectionView::SummaryCollectionView(const DateFormatting &dates, QWidge
     setFlow(LeftToRight);
     setWrapping(false);
     setUniformItemSizes(true);
-    setSpacing(roomAround);
-    setViewportMargins(sectionInset - roomAround, 0, sectionInset - roomAround, 0);
+    setSpacing(itemMargin);
+    setViewportMargins(sectionInset - itemMargin, 0, sectionInset - itemMargin, 0);
     setItemDelegate(new TileDelegate(dates, this));
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
@@ -74,7 +74,7 @@ SummaryCollectionView::SummaryCollectionView(const DateFormatting &dates, QWidge
     setFrameShape(NoFrame);
     setBackgroundRole(QPalette::Base); // Of the insets too.
     setAutoFillBackground(true);
-    setFixedHeight(itemSize.height() + 2 * roomAround + horizontalScrollBar()->sizeHint().height());
+    setFixedHeight(itemSize.height() + 2 * itemMargin + horizontalScrollBar()->sizeHint().height());
     addDeleteAction();
 }
 
@@ -102,17 +102,17 @@ int SummaryCollectionView::selectedRow() const
 
 void SummaryCollectionView::selectAndShow(int row)
 {
-    const QScopedValueRollback selecting(m_selectingItself, true);
+    const QScopedValueRollback selecting(m_isSelecting, true);
     const QModelIndex tile = model()->index(row, 0);
     selectionModel()->setCurrentIndex(tile, QItemSelectionModel::ClearAndSelect);
-    executeDelayedItemsLayout(); // Where the tile stands is known only after it.
+    executeDelayedItemsLayout(); // The tile has its position only after the layout.
     scrollTo(tile);
 }
 
 void SummaryCollectionView::scrollTo(const QModelIndex &index, ScrollHint)
 {
-    // The base class leaves the last column of pixels, and the room around the tile, outside.
-    const QRect tile = visualRect(index).adjusted(-roomAround, 0, roomAround, 0);
+    // The base class leaves the last column of pixels and the tile's margin outside.
+    const QRect tile = visualRect(index).adjusted(-itemMargin, 0, itemMargin, 0);
     const int beyondLeft = std::min(tile.left(), 0);
     const int beyondRight = std::max(tile.right() - viewport()->width() + 1, 0);
     const int towardsRight = beyondLeft != 0 ? beyondLeft : beyondRight;
@@ -122,7 +122,7 @@ void SummaryCollectionView::scrollTo(const QModelIndex &index, ScrollHint)
 
 void SummaryCollectionView::deselectAll()
 {
-    const QScopedValueRollback selecting(m_selectingItself, true);
+    const QScopedValueRollback selecting(m_isSelecting, true);
     clearSelection();
 }
 
@@ -130,7 +130,7 @@ void SummaryCollectionView::selectionChanged(const QItemSelection &selected,
                                              const QItemSelection &deselected)
 {
     QListView::selectionChanged(selected, deselected);
-    if (!m_selectingItself)
+    if (!m_isSelecting)
         Q_EMIT selectedRowChanged(selectedRow());
 }
 

@@ -16,7 +16,7 @@ class SummaryCollectionView final : public QListView
 public:
     static constexpr QSize itemSize{46, 124};
     static constexpr int itemSpacing = 4;
-    static constexpr int sectionInset = 8; ///< Free room before the first and after the last tile.
+    static constexpr int sectionInset = 8; ///< The margin before the first and after the last tile.
 
     explicit SummaryCollectionView(const DateFormatting &dates, QWidget *parent = nullptr);
     ~SummaryCollectionView() override;
@@ -33,9 +33,9 @@ public:
 Q_SIGNALS:
     /// The user (not selectAndShow or deselectAll) selected another tile; −1 when none is left.
     void selectedRowChanged(int row);
-    /// The selected meeting is to be deleted.
+    /// The user asked to delete the selected meeting.
     void deleteRequested();
-    /// The keyboard is to go to the selected meeting's editor.
+    /// The user asked to edit the selected meeting.
     void editRequested();
 
 protected:
@@ -48,7 +48,7 @@ private:
     void addDeleteAction();
     int tilesPerPage() const;
 
-    bool m_selectingItself = false;
+    bool m_isSelecting = false;
 };
 
 } // namespace tembra

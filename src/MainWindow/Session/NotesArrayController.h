@@ -6,7 +6,7 @@ namespace tembra {
 
 class Note;
 
-/// The notes of a meeting as the rows of the field list: title, and whether there is text.
+/// Lists the notes of a meeting as rows of the field list: title, and whether the note has text.
 class NotesArrayController final : public ArrayController
 {
     Q_OBJECT

@@ -12,7 +12,7 @@ class PropertyObservation;
 class SentimentScale;
 class Session;
 
-/// Ties a pop-up menu to one rating of a meeting: an item for every value of the scale, in the
+/// Binds a pop-up menu to one rating of a meeting. Its items are the values of the scale, in the
 /// scale's order, so that an item's index is the value.
 ///
 /// A value off the scale selects no item, and stays as it is until the user picks one.
@@ -27,7 +27,7 @@ public:
     ~RatingMenu() override;
 
     void setSession(std::shared_ptr<Session> session);
-    /// Reads the emoji anew; what is selected stays selected.
+    /// Reads the emoji again; the selected item stays selected.
     void refresh();
 
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -12,7 +12,7 @@ QString SessionDescription::toolTip(const Session &session)
     return parts(session).join(u'\n');
 }
 
-QString SessionDescription::spoken(const Session &session)
+QString SessionDescription::accessibleText(const Session &session)
 {
     return parts(session).join(u", "_s);
 }

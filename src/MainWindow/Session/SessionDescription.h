@@ -7,16 +7,16 @@ namespace tembra {
 
 class Session;
 
-/// A meeting in words, for those to whom its emoji say too little.
+/// Describes a meeting in words instead of emoji.
 class SessionDescription
 {
     Q_DECLARE_TR_FUNCTIONS(tembra::SessionDescription)
 
 public:
-    /// Several lines: the date, then each rating that lies on its scale.
+    /// The date and each rating that lies on its scale, one a line.
     static QString toolTip(const Session &session);
-    /// The same in one line, to be read aloud.
-    static QString spoken(const Session &session);
+    /// The same parts in one line, for assistive technology.
+    static QString accessibleText(const Session &session);
 
 private:
     static QStringList parts(const Session &session);

@@ -30,8 +30,8 @@ struct JournalServices;
 /// The editor of one meeting: its three ratings, its date, its tags, and its note fields one at a
 /// time.
 ///
-/// Everything goes straight into the meeting. What is being edited when another meeting comes ends
-/// in the one it belongs to; the field that was shown stays the one that is shown.
+/// Edits are written into the meeting at once. When another meeting is set, an edit in progress is
+/// written into the meeting it belongs to, and the same note field stays shown.
 class SessionDetailViewController final : public QWidget
 {
     Q_OBJECT
@@ -54,11 +54,10 @@ public:
     void showField(int identifier);
     /// Gives the keyboard to the text of the shown field.
     void focusNoteInput();
-    /// What is typed goes into the meeting, without ending the edit, moving the caret or breaking a
-    /// composition. False when a control refuses.
-    /// A tag that is half typed stays so.
+    /// Writes what is typed into the meeting; caret, focus and a composition stay. A half-typed tag
+    /// stays half typed. False when a control refuses.
     bool commitEditing();
-    /// What is typed goes into the meeting, half a tag as well, and its editing ends.
+    /// Writes what is typed into the meeting and ends the editing; a half-typed tag becomes a tag.
     void endEditing();
 
 public Q_SLOTS:
@@ -69,7 +68,7 @@ public Q_SLOTS:
 Q_SIGNALS:
     void sessionChanged();
     void sortedNotesChanged();
-    /// The user wants to see a tag among all the others; absent, just those.
+    /// The user asked for the tag browser, with @p tag selected unless it is null.
     void tagBrowserRequested(const std::shared_ptr<tembra::Tag> &tag);
 
 private:

@@ -30,7 +30,7 @@ public:
     QWidget *containerView;
 
 Q_SIGNALS:
-    /// The user wants to see a tag among all the others; absent, just those.
+    /// The user asked for the tag browser, with @p tag selected unless it is null.
     void tagBrowserRequested(const std::shared_ptr<tembra::Tag> &tag);
     /// The window has been closed and will not come back.
     void closed();

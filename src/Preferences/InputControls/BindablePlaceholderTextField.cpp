@@ -112,21 +112,21 @@ void BindablePlaceholderTextField::setText(const QString &text)
     setPlainText(RawText::encoded(text));
 }
 
-/// Follows one change of the document. The counts may include the end of the last paragraph.
+/// Copies one change of the document. The counts may include the end of the last paragraph.
 void BindablePlaceholderTextField::documentChanged(int position, int removed, int added)
 {
     const qsizetype end = document()->characterCount() - 1;
-    QTextCursor piece(document());
-    piece.setPosition(position);
-    piece.setPosition(int(std::min<qsizetype>(position + added, end)), QTextCursor::KeepAnchor);
-    QString text = piece.selectedText();
+    QTextCursor insertion(document());
+    insertion.setPosition(position);
+    insertion.setPosition(int(std::min<qsizetype>(position + added, end)), QTextCursor::KeepAnchor);
+    QString text = insertion.selectedText();
     text.replace(QChar::ParagraphSeparator, u'\n');
     const qsizetype removable = std::min<qsizetype>(removed, m_raw->raw().size() - position);
     if (m_raw->replace(position, removable, text) && !m_loading)
         m_uncommitted = true;
 }
 
-/// Right-to-left notes stand at the right: a plain text document does not see to that itself.
+/// Aligns right-to-left notes at the right, which a plain text document does not do by itself.
 void BindablePlaceholderTextField::alignToDirection()
 {
     const bool rightToLeft = QStringView(m_raw->raw()).left(directionProbe).isRightToLeft();
@@ -158,7 +158,7 @@ void BindablePlaceholderTextField::commitEditing()
         const QScopedValueRollback committing(m_committing, true);
         m_object->setProperty(m_key.constData(), text());
     }
-    // The object has the last word on what it holds.
+    // The object may have stored another text.
     loadFromObject();
 }
 

@@ -14,8 +14,8 @@ class RawText;
 
 /// A multi-line field for notes in plain text, bound to a text property of an object.
 ///
-/// Every keystroke is written into the property, so there is nothing to lose; what an input method
-/// is still composing is not. An emptied field writes a missing text. A change of the property from
+/// Every keystroke is written into the property at once; what an input method is still composing is
+/// not. An emptied field writes a missing text. A change of the property from
 /// elsewhere changes only the part that differs, so the caret stays where it was. The field keeps no
 /// undo of its own: Undo and Redo reach the window's actions.
 class BindablePlaceholderTextField final : public QPlainTextEdit
@@ -95,11 +95,12 @@ private:
     std::unique_ptr<PropertyObservation> m_valueObservation;
     std::unique_ptr<PropertyObservation> m_observation; ///< Of the bound placeholder.
 
-    std::unique_ptr<RawText> m_raw; ///< What the document holds, followed change by change.
+    std::unique_ptr<RawText> m_raw; ///< A copy of the document's text, updated with every change.
     bool m_uncommitted = false; ///< Typed, but not yet in the property.
     bool m_loading = false; ///< The document is changed by the binding, not by the user.
     bool m_committing = false;
-    bool m_changedWhileComposing = false; ///< The property changed; shown once the composition ends.
+    bool m_changedWhileComposing =
+        false; ///< The property's new value is shown once the composition ends.
 
     QPointer<QAbstractItemView> m_tableView;
     int m_rowIndex = 0;

@@ -103,7 +103,7 @@ void EmojiTextField::orderFrontCharacterPalette()
     });
 }
 
-/// As if it were typed: what the field refuses stays out of it.
+/// Inserts an emoji as if it were typed: the validator may refuse it.
 void EmojiTextField::insertFromPalette(const QString &emoji)
 {
     if (!OnlyEmojiValueFormatter::isPartialStringValid(emoji)) {
@@ -133,7 +133,7 @@ void EmojiTextField::textDidChange(const QString &text)
         Q_EMIT emojiCommitted(m_emoji);
 }
 
-/// Nothing has the keyboard then.
+/// Ends the editing and gives up the keyboard.
 void EmojiTextField::endEditing()
 {
     m_editing = false;

@@ -64,7 +64,7 @@ private:
     QString m_emoji;
     bool m_editing = false;
     bool m_showing = false; ///< The text is changed by the field itself.
-    QPointer<QWidget> m_window; ///< In which Tab goes on from here, for nothing has the keyboard.
+    QPointer<QWidget> m_window; ///< Watched for Tab while no widget has the keyboard.
 };
 
 } // namespace tembra

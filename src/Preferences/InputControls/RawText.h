@@ -4,7 +4,7 @@
 
 namespace tembra {
 
-/// The text of a QTextDocument, followed change by change, without loss.
+/// A lossless copy of a QTextDocument's text, updated with each change of the document.
 ///
 /// A document knows one kind of paragraph end and reserves U+FDD0 and U+FDD1. So a text goes into it
 /// with stand-ins (unpaired low surrogates, which no text holds): every line end becomes "\n", led by
@@ -17,12 +17,13 @@ public:
     /// Paragraphs are broken at the first good place from here on.
     static constexpr qsizetype longParagraph = 8'000;
 
-    /// What to give to the document for @p text; unpaired surrogates become U+FFFD.
+    /// Encodes @p text for the document; unpaired surrogates become U+FFFD.
     static QString encoded(const QString &text);
-    /// The way back. @p raw has "\n" between paragraphs.
+    /// Decodes a text of the document, which has "\n" between paragraphs.
     static QString decoded(const QString &raw);
 
-    /// The document replaced @p removed characters at @p position by @p added; false if by the same.
+    /// Records that @p removed characters at @p position were replaced by @p added. False when these
+    /// are the same.
     bool replace(qsizetype position, qsizetype removed, const QString &added);
 
     const QString &raw() const { return m_raw; }
