@@ -37,6 +37,8 @@ QString themeName(Name name)
         return u"edit-undo"_s;
     case Name::Redo:
         return u"edit-redo"_s;
+    case Name::Calendar:
+        return u"x-office-calendar"_s;
     case Name::Close:
         break;
     }

@@ -6,7 +6,7 @@
 /// the program. One-coloured icons follow the text colour, live, also when disabled or selected.
 namespace tembra::icons {
 
-enum class Name { Add, Remove, Previous, Next, Help, Search, Save, Undo, Redo, Close };
+enum class Name { Add, Remove, Previous, Next, Help, Search, Save, Undo, Redo, Calendar, Close };
 
 QIcon icon(Name name);
 

@@ -7,8 +7,8 @@
 #include "support/JournalFixture.h"
 #include "Toolkit/Emoji/EmojiComboBox.h"
 
-#include <QDateTimeEdit>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListView>
 #include <QLocale>
 #include <QPushButton>
@@ -71,10 +71,7 @@ protected:
     {
         return m_editor->findChild<EmojiComboBox *>(name);
     }
-    QDateTimeEdit *dateField() const
-    {
-        return m_editor->findChild<QDateTimeEdit *>(u"dateField"_s);
-    }
+    QLineEdit *dateField() const { return m_editor->findChild<QLineEdit *>(u"dateField"_s); }
     QListView *table() const { return m_editor->findChild<QListView *>(u"noteSelectorTable"_s); }
     BindablePlaceholderTextField *noteField() const
     {

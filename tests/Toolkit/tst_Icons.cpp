@@ -10,10 +10,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::array allNames = {icons::Name::Add,  icons::Name::Remove, icons::Name::Previous,
-                                 icons::Name::Next, icons::Name::Help,   icons::Name::Search,
-                                 icons::Name::Save, icons::Name::Undo,   icons::Name::Redo,
-                                 icons::Name::Close};
+constexpr std::array allNames = {icons::Name::Add,      icons::Name::Remove, icons::Name::Previous,
+                                 icons::Name::Next,     icons::Name::Help,   icons::Name::Search,
+                                 icons::Name::Save,     icons::Name::Undo,   icons::Name::Redo,
+                                 icons::Name::Calendar, icons::Name::Close};
 
 QImage image(const QIcon &icon, QIcon::Mode mode = QIcon::Normal, int size = 32)
 {

@@ -1,17 +1,22 @@
 #include "MainWindow/Session/SessionDateField.h"
 
 #include "Foundation/Time/Clock.h"
+#include "MainWindow/Session/DateTextParser.h"
 #include "Model/Session.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
+#include "Toolkit/Icons.h"
+#include "Toolkit/Popover.h"
 #include "Toolkit/Theme.h"
 
-#include <QDateTimeEdit>
+#include <QAction>
+#include <QCalendarWidget>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLineEdit>
-#include <QLocale>
 #include <QPushButton>
-#include <QSignalBlocker>
-#include <QWheelEvent>
+#include <QRegularExpression>
+#include <QTextCharFormat>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -21,10 +26,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The moments the control can show; others appear as the nearest of these, and are not changed.
+// Dates beyond these are shown as the nearest of them, and are not changed.
 QDateTime earliestMoment()
 {
-    return {QDate(100, 1, 1), QTime(0, 0)};
+    return {QDate(1, 1, 1), QTime(0, 0)};
 }
 
 QDateTime latestMoment()
@@ -32,7 +37,13 @@ QDateTime latestMoment()
     return {QDate(9999, 12, 31), QTime(23, 59)};
 }
 
-QDateTime shownMoment(Date date)
+/// A moment whose text is about as wide as any.
+QDateTime wideMoment()
+{
+    return {QDate(2888, 12, 28), QTime(22, 58)};
+}
+
+QDateTime dateTimeOf(Date date)
 {
     const double milliseconds = std::clamp(date.toUnixMilliseconds(),
                                            double(earliestMoment().toMSecsSinceEpoch()),
@@ -40,51 +51,77 @@ QDateTime shownMoment(Date date)
     return QDateTime::fromMSecsSinceEpoch(qint64(milliseconds));
 }
 
-/// The locale's short format, but with the whole year and without seconds.
-QString displayFormat(const QLocale &locale)
+/// A part of a shown date: the letter of its field in the format, and its place in the text.
+struct DatePart
 {
-    QString format = locale.dateTimeFormat(QLocale::ShortFormat);
-    if (!format.contains("yyyy"_L1))
-        format.replace("yy"_L1, "yyyy"_L1);
-    return format.remove(":ss"_L1);
+    QChar field;
+    qsizetype start;
+    qsizetype length;
+};
+
+/// The parts of a text that was made with a format; fields and texts follow one another alike.
+QList<DatePart> partsOf(const QString &text, const QString &format)
+{
+    static const QRegularExpression field(u"'[^']*'|AP|([dMyhHm])\\1*|[^\\W\\d_]+"_s,
+                                          QRegularExpression::UseUnicodePropertiesOption);
+    static const QRegularExpression part(u"\\d+|[\\p{L}\\p{M}]+"_s,
+                                         QRegularExpression::UseUnicodePropertiesOption);
+    QList<DatePart> parts;
+    auto texts = part.globalMatch(text);
+    for (auto fields = field.globalMatch(format); fields.hasNext() && texts.hasNext();) {
+        const QRegularExpressionMatch match = texts.next();
+        parts.append(
+            {fields.next().captured().front(), match.capturedStart(), match.capturedLength()});
+    }
+    return parts;
+}
+
+QDateTime stepped(const QDateTime &moment, QChar field, int steps)
+{
+    constexpr int secondsPerHour = 3600;
+    switch (field.unicode()) {
+    case u'y':
+        return moment.addYears(steps);
+    case u'M':
+        return moment.addMonths(steps);
+    case u'h':
+    case u'H':
+        return moment.addSecs(steps * secondsPerHour);
+    case u'm':
+        return moment.addSecs(steps * 60);
+    case u'A':
+        return moment.addSecs(steps * 12 * secondsPerHour);
+    default:
+        return moment.addDays(steps);
+    }
+}
+
+QCalendarWidget *makeCalendar(const QLocale &locale, QDate selected, QDate today)
+{
+    auto *calendar = new QCalendarWidget;
+    calendar->setLocale(locale);
+    calendar->setFirstDayOfWeek(locale.firstDayOfWeek());
+    calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+    calendar->setDateRange(earliestMoment().date(), latestMoment().date());
+    calendar->setDateEditEnabled(false);
+    calendar->setSelectedDate(selected);
+    QTextCharFormat todaysFormat;
+    todaysFormat.setFontWeight(QFont::Bold);
+    todaysFormat.setFontUnderline(true);
+    calendar->setDateTextFormat(today, todaysFormat);
+    return calendar;
 }
 
 } // namespace
 
-/// Lets its owner read what is typed without ending the edit.
-class SessionDateTimeEdit final : public QDateTimeEdit
-{
-public:
-    using QDateTimeEdit::QDateTimeEdit;
-
-    /// What the text says, should it be a whole date; else what was shown before.
-    QDateTime typedMoment() const
-    {
-        QString typed = text();
-        int position = lineEdit()->cursorPosition();
-        return validate(typed, position) == QValidator::Acceptable ? dateTimeFromText(typed)
-                                                                   : dateTime();
-    }
-
-protected:
-    void wheelEvent(QWheelEvent *event) override
-    {
-        // Turning the wheel over the field in passing must not change the date.
-        if (hasFocus())
-            QDateTimeEdit::wheelEvent(event);
-        else
-            event->ignore();
-    }
-};
-
 SessionDateField::SessionDateField(const Clock &clock, QWidget *parent)
     : QStackedWidget(parent)
     , m_clock(clock)
-    , m_edit(new SessionDateTimeEdit)
+    , m_format(DateTextParser::displayFormat(locale()))
+    , m_edit(new QLineEdit)
 {
     buildLayout();
-    // A date counts when it is whole: each digit on its own would reorder the meetings.
-    connect(m_edit, &QDateTimeEdit::dateTimeChanged, this, &SessionDateField::storeDate);
+    connect(m_edit, &QLineEdit::editingFinished, this, &SessionDateField::finishEditing);
 }
 
 SessionDateField::~SessionDateField() = default;
@@ -92,12 +129,16 @@ SessionDateField::~SessionDateField() = default;
 void SessionDateField::buildLayout()
 {
     m_edit->setObjectName(u"dateField"_s);
-    m_edit->setKeyboardTracking(false);
-    m_edit->setCalendarPopup(true);
-    m_edit->setFocusPolicy(Qt::StrongFocus);
-    m_edit->setDateTimeRange(earliestMoment(), latestMoment());
-    m_edit->setDisplayFormat(displayFormat(locale()));
     m_edit->setAccessibleName(tr("Date of the meeting"));
+    m_edit->installEventFilter(this);
+    auto *calendar = new QAction(icons::icon(icons::Name::Calendar),
+                                 tr("Show Calendar", "Button in the field for a date"), m_edit);
+    calendar->setObjectName(u"showCalendarAction"_s);
+    connect(calendar, &QAction::triggered, this, &SessionDateField::openCalendar);
+    m_edit->addAction(calendar, QLineEdit::TrailingPosition);
+    const int button = m_edit->sizeHint().height();
+    m_edit->setFixedWidth(m_edit->fontMetrics().horizontalAdvance(textOf(wideMoment())) + button
+                          + 2 * theme::relatedSpacing);
     addWidget(m_edit);
     addWidget(buildNoDatePage());
     setFocusPolicy(m_edit->focusPolicy()); // Else the label's mnemonic would not lead here.
@@ -132,42 +173,155 @@ void SessionDateField::setSession(const std::shared_ptr<Session> &session)
     showDate();
 }
 
+QString SessionDateField::textOf(const QDateTime &moment) const
+{
+    return locale().toString(moment, m_format);
+}
+
+void SessionDateField::showMoment(const QDateTime &moment)
+{
+    m_shownMoment = moment;
+    m_edit->setText(textOf(moment));
+}
+
 void SessionDateField::showDate()
 {
     const OptionalDate date = m_session ? m_session->date() : OptionalDate();
     setCurrentIndex(date || !m_session ? 0 : 1);
-    if (!date)
-        return;
-    const QSignalBlocker blocker(m_edit);
-    m_edit->setDateTime(shownMoment(*date));
+    if (date)
+        showMoment(dateTimeOf(*date));
+    else
+        m_edit->clear();
 }
 
 void SessionDateField::followDate()
 {
-    // What stands there already is not set again: that would move the caret.
+    // A text that stands for this date already is not set again, which would move the caret.
     const OptionalDate date = m_session->date();
-    if (!date || currentIndex() != 0 || shownMoment(*date) != m_edit->typedMoment())
+    const auto typed = currentIndex() == 0 ? typedMoment() : std::nullopt;
+    if (date && typed && textOf(*typed) == textOf(dateTimeOf(*date)))
+        m_shownMoment = dateTimeOf(*date);
+    else
         showDate();
 }
 
-void SessionDateField::storeDate(const QDateTime &moment)
+std::optional<QDateTime> SessionDateField::typedMoment() const
 {
-    // What is shown is what the meeting's date looks like here: only another moment is a change.
-    if (!m_session || !m_session->date() || moment == shownMoment(*m_session->date()))
-        return;
-    m_session->setDate(Date::fromUnixMilliseconds(double(moment.toMSecsSinceEpoch())));
+    if (m_edit->text() == textOf(m_shownMoment))
+        return m_shownMoment;
+    const int year = dateTimeOf(m_clock.now()).date().year();
+    const auto parsed = DateTextParser(locale(), year).parse(m_edit->text());
+    if (!parsed)
+        return std::nullopt;
+    const QTime shown = m_shownMoment.time();
+    const QTime time = parsed->time.value_or(shown);
+    const bool isSameMinute = time == QTime(shown.hour(), shown.minute());
+    return QDateTime(parsed->date, isSameMinute ? shown : time);
+}
+
+void SessionDateField::storeMoment(const QDateTime &moment)
+{
+    if (m_session && m_session->date() && moment != dateTimeOf(*m_session->date()))
+        m_session->setDate(Date::fromUnixMilliseconds(double(moment.toMSecsSinceEpoch())));
 }
 
 void SessionDateField::commitEditing()
 {
-    if (m_session && m_session->date())
-        storeDate(m_edit->typedMoment());
+    if (!m_session || !m_session->date())
+        return;
+    if (const auto moment = typedMoment())
+        storeMoment(*moment);
+}
+
+void SessionDateField::finishEditing()
+{
+    if (!m_session || !m_session->date())
+        return;
+    if (const auto moment = typedMoment())
+        storeMoment(*moment);
+    else
+        QToolTip::showText(mapToGlobal(rect().bottomLeft()),
+                           tr("This is no date. Dates are written as in %1.",
+                              "Shown when a typed date is refused; %1 is a date")
+                               .arg(textOf(m_shownMoment)),
+                           m_edit);
+    const OptionalDate date = m_session->date();
+    if (date && m_edit->text() != textOf(dateTimeOf(*date)))
+        showDate();
 }
 
 void SessionDateField::setDateToNow()
 {
     m_session->setDate(m_clock.now());
     m_edit->setFocus();
+}
+
+bool SessionDateField::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_edit && event->type() == QEvent::KeyPress)
+        return handleKey(*static_cast<QKeyEvent *>(event));
+    return QStackedWidget::eventFilter(watched, event);
+}
+
+bool SessionDateField::handleKey(const QKeyEvent &event)
+{
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    const bool isPlain = modifiers == Qt::NoModifier;
+    const bool opensCalendar = event.key() == Qt::Key_Down && modifiers == Qt::AltModifier;
+    if (opensCalendar || (event.key() == Qt::Key_F4 && isPlain))
+        openCalendar();
+    else if (isPlain && event.key() == Qt::Key_Up)
+        stepBy(1);
+    else if (isPlain && event.key() == Qt::Key_Down)
+        stepBy(-1);
+    else if (isPlain && event.key() == Qt::Key_Escape && m_edit->isModified())
+        showDate();
+    else
+        return false;
+    return true;
+}
+
+void SessionDateField::stepBy(int steps)
+{
+    finishEditing();
+    const qsizetype caret = m_edit->hasSelectedText() ? m_edit->selectionStart()
+                                                      : m_edit->cursorPosition();
+    const QList<DatePart> parts = partsOf(m_edit->text(), m_format);
+    const auto part = std::ranges::find_if(parts, [caret](const DatePart &each) {
+        return caret <= each.start + each.length;
+    });
+    const QDateTime moment = stepped(m_shownMoment, part == parts.end() ? u'd' : part->field,
+                                     steps);
+    if (moment < earliestMoment() || moment > latestMoment())
+        return;
+    storeMoment(moment);
+    showDate();
+    if (part == parts.end())
+        return;
+    const DatePart after = partsOf(m_edit->text(), m_format).value(part - parts.begin());
+    m_edit->setSelection(int(after.start), int(after.length));
+}
+
+void SessionDateField::openCalendar()
+{
+    finishEditing();
+    if (!m_session || !m_session->date())
+        return;
+    QCalendarWidget *calendar = makeCalendar(locale(), m_shownMoment.date(),
+                                             dateTimeOf(m_clock.now()).date());
+    calendar->setAccessibleName(tr("Calendar", "Accessible name of the calendar of a date field"));
+    auto *popover = new Popover(this);
+    popover->setContent(calendar);
+    const auto choose = [this, popover](QDate date) {
+        storeMoment(QDateTime(date, m_shownMoment.time()));
+        showDate();
+        popover->close();
+    };
+    connect(calendar, &QCalendarWidget::activated, this, choose);
+    connect(calendar, &QCalendarWidget::clicked, this, choose);
+    connect(popover, &Popover::closed, popover, &QObject::deleteLater);
+    popover->showRelativeTo(m_edit, Qt::BottomEdge);
+    calendar->setFocus();
 }
 
 } // namespace tembra
