@@ -100,8 +100,7 @@ std::vector<Value> PlainEvaluator::valuesAt(int entity, qint64 key,
     const int property = description.propertyIndex(names.first());
     const QList<QByteArray> rest = names.mid(1);
     if (description.kindOf(property) == PropertyKind::ToMany) {
-        const int destination = m_journal.model.entityIndex(
-            description.toManyAt(property).destination);
+        const int destination = description.toMany(property).destination;
         std::vector<Value> values;
         for (const qint64 other : related(entity, key, property)) {
             const std::vector<Value> more = rest.isEmpty() ? std::vector<Value>{other}
@@ -113,7 +112,7 @@ std::vector<Value> PlainEvaluator::valuesAt(int entity, qint64 key,
     const Value value = m_journal.rows[size_t(entity)].at(key)[size_t(property)];
     if (rest.isEmpty())
         return {value};
-    const int destination = m_journal.model.entityIndex(description.toOneAt(property).destination);
+    const int destination = description.toOne(property)->destination;
     const bool leadsToMany = m_journal.model.entity(destination).propertyIndex(rest.first())
                              >= m_journal.model.entity(destination).columnCount();
     if (isMissing(value))
@@ -123,19 +122,17 @@ std::vector<Value> PlainEvaluator::valuesAt(int entity, qint64 key,
 
 std::vector<qint64> PlainEvaluator::related(int entity, qint64 key, int toMany) const
 {
-    const ToManyDescription &description = m_journal.model.entity(entity).toManyAt(toMany);
+    const ToManyDescription &description = m_journal.model.entity(entity).toMany(toMany);
     std::vector<qint64> found;
-    if (!description.joinTable.isEmpty()) {
+    if (description.joined) {
         for (const auto &[session, tag] : m_journal.links) {
             if ((entity == sessionEntity ? session : tag) == key)
                 found.push_back(entity == sessionEntity ? tag : session);
         }
         return found;
     }
-    const int destination = m_journal.model.entityIndex(description.destination);
-    const int inverse = m_journal.model.entity(destination).propertyIndex(description.inverse);
-    for (const auto &[other, row] : m_journal.rows[size_t(destination)]) {
-        if (row[size_t(inverse)] == Value(key))
+    for (const auto &[other, row] : m_journal.rows[size_t(description.destination)]) {
+        if (row[size_t(description.inverse)] == Value(key))
             found.push_back(other);
     }
     return found;

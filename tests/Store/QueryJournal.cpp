@@ -104,7 +104,7 @@ QString randomText(QRandomGenerator &random)
     return oneOf(random, texts);
 }
 
-QueryJournal::QueryJournal() : rows(size_t(model.entities.size()))
+QueryJournal::QueryJournal() : rows(size_t(model.entities().size()))
 {
     auto opened = Connection::open(m_folder.filePath(u"journal.sqlite"_s),
                                    Connection::Mode::Create);

@@ -26,12 +26,19 @@ QString copyOf(const StoreFolder &folder, int version)
     return folder.directory + u"/Vum-before-version-%1.sqlite"_s.arg(version);
 }
 
+/// The model of a version, whose last migration does something more.
+ObjectModel itemModelWith(int version, const QByteArray &statement)
+{
+    const ObjectModel model = itemModel(version);
+    QList<SchemaMigration> migrations = model.migrations();
+    migrations.last().statements.append(statement);
+    return {model.entities(), migrations};
+}
+
 /// Version 2, whose last statement fails.
 ObjectModel brokenModel()
 {
-    ObjectModel model = itemModel(2);
-    model.migrations.last().statements.append("UPDATE nowhere SET x = 1");
-    return model;
+    return itemModelWith(2, "UPDATE nowhere SET x = 1");
 }
 
 qint64 number(Connection &connection, const QByteArray &sql)
@@ -185,9 +192,7 @@ void tst_SchemaMigrator::aLaterFailureKeepsEarlierVersions()
 {
     const StoreFolder folder;
     makeOldStore(folder);
-    ObjectModel broken = itemModel(3);
-    broken.migrations.last().statements.append("UPDATE nowhere SET x = 1");
-    QVERIFY(!openWith(folder, broken));
+    QVERIFY(!openWith(folder, itemModelWith(3, "UPDATE nowhere SET x = 1")));
     const auto store = openWith(folder, itemModel(2));
     QVERIFY(store.has_value());
     QCOMPARE(number(*store->connection, "SELECT rating FROM item WHERE id = 7"), 11);
@@ -197,9 +202,7 @@ void tst_SchemaMigrator::refusesToLoseReferences()
 {
     const StoreFolder folder;
     makeOldStore(folder);
-    ObjectModel losing = itemModel(3);
-    losing.migrations.last().statements.append("DELETE FROM item");
-    const auto store = openWith(folder, losing);
+    const auto store = openWith(folder, itemModelWith(3, "DELETE FROM item"));
     QVERIFY(!store);
     QVERIFY(store.error().detail.contains(u"refers to another"_s));
 }

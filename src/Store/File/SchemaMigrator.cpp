@@ -160,7 +160,7 @@ Result<void> migrate(Connection &connection, const ObjectModel &model, int fromV
     // Tables are rebuilt and dropped by migrations; with foreign keys on, dropping one would delete
     // what refers to its rows. They are checked once per migration instead.
     const ForeignKeysOff foreignKeysOff(connection);
-    for (const SchemaMigration &migration : model.migrations) {
+    for (const SchemaMigration &migration : model.migrations()) {
         if (migration.to <= fromVersion)
             continue;
         if (auto done = runMigration(connection, migration); !done)

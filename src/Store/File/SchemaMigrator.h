@@ -8,7 +8,7 @@
 namespace tembra {
 
 class Connection;
-struct ObjectModel;
+class ObjectModel;
 
 /// Makes a new store with everything in it, then puts it in its place in one step: there is never
 /// half a store. An empty file there is replaced.

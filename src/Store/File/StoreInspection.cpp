@@ -190,7 +190,7 @@ Result<void> readFirstRows(Connection &connection)
 /// Every column that the program is going to use is there.
 Result<void> checkSchema(Connection &connection, const ObjectModel &model)
 {
-    for (const EntityDescription &entity : model.entities) {
+    for (const EntityDescription &entity : model.entities()) {
         QByteArray columns = "id";
         for (int property = 0; property < entity.columnCount(); ++property)
             columns += ", \"" + entity.propertyName(property) + '"';

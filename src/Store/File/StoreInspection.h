@@ -7,7 +7,7 @@
 
 namespace tembra {
 
-struct ObjectModel;
+class ObjectModel;
 
 /// Looks at what lies in a store's place, without changing it or anything beside it.
 ///

@@ -6,7 +6,7 @@
 
 namespace tembra {
 
-struct ObjectModel;
+class ObjectModel;
 
 /// A store that is open and locked.
 struct OpenStore

@@ -136,7 +136,7 @@ Result<void> ManagedObjectContext::Private::writeDeletion(const DeletionPlan &pl
 Result<void> ManagedObjectContext::Private::checkForNewcomers(const DeletionPlan &plan)
 {
     for (int entity = 0; entity < schema.entityCount(); ++entity) {
-        for (const ToOneColumn &column : schema.table(entity).references) {
+        for (const ToOneDescription &column : schema.entity(entity).references) {
             if (column.entity == plan.left()->entity && column.property == plan.left()->property)
                 continue;
             bool found = false;
@@ -156,13 +156,13 @@ Result<void> ManagedObjectContext::Private::deleteRows(Transaction &transaction,
                                                        const DeletionPlan &plan, int entity)
 {
     const std::vector<qint64> &keys = plan.keys(entity);
-    for (const ToManyLink &link : schema.table(entity).toManys) {
+    for (const ToManyDescription &link : schema.entity(entity).toManys) {
         if (!link.joined)
             continue;
         if (Result<void> done = writer.removeLinks(transaction, link, keys); !done)
             return done;
     }
-    for (const ToOneColumn &column : schema.table(entity).references) {
+    for (const ToOneDescription &column : schema.entity(entity).references) {
         if (column.rule != DeleteRule::Nullify)
             continue;
         if (Result<void> done = writer.nullify(transaction, column, keys); !done)
@@ -240,7 +240,7 @@ void ManagedObjectContext::Private::applyRelated(const RelatedChanges &related, 
 {
     for (const auto &[end, changedKeys] : related) {
         const auto &[owner, property] = end;
-        if (schema.table(owner.entity).toMany(property).joined)
+        if (schema.entity(owner.entity).toMany(property).joined)
             note([&, id = owner, bit = propertyBit(property)](PendingChanges &c) {
                 c.noteUpdated(id, bit);
             });
@@ -266,7 +266,7 @@ void ManagedObjectContext::Private::applyRelated(const RelatedChanges &related, 
 std::optional<HiddenRecords> ManagedObjectContext::Private::hiddenFrom(
     const FetchRequest &request) const
 {
-    const int entity = schema.model().entityIndex(request.entityName);
+    const int entity = schema.entityIndex(request.entityName);
     return entity < 0 ? std::nullopt : leftovers.hidden(entity);
 }
 

@@ -48,7 +48,7 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::Private::insert(int entity)
     const std::shared_ptr<ManagedObject> object = makeObject(id, {});
     object->m_values.assign(size_t(schema.entity(entity).columnCount()), Value());
     // Nothing can have been related to a record that did not exist.
-    for (const ToManyLink &link : schema.table(entity).toManys)
+    for (const ToManyDescription &link : schema.entity(entity).toManys)
         object->m_related.push_back({link.property, {}});
     object->m_isNew = true;
     if (setup.isBackground)
@@ -76,7 +76,7 @@ void ManagedObjectContext::Private::setColumn(ManagedObject &object, int propert
         value = textValue(wellFormedText(std::move(*text)));
     if (object.m_values[size_t(property)] == value)
         return;
-    const ToOneColumn *toOne = schema.table(object.m_id.entity).toOne(property);
+    const ToOneDescription *toOne = schema.entity(object.m_id.entity).toOne(property);
     if (toOne && !isMissing(value) && !exists({toOne->destination, keyOf(value)}))
         return;
     const Value before = std::exchange(object.m_values[size_t(property)], value);
@@ -93,7 +93,7 @@ void ManagedObjectContext::Private::noteColumn(const ManagedObject &object, int 
                                                const Value &before, const Value &after,
                                                Announcements &announcements)
 {
-    const ToOneColumn *toOne = schema.table(object.m_id.entity).toOne(property);
+    const ToOneDescription *toOne = schema.entity(object.m_id.entity).toOne(property);
     if (!toOne) {
         note([&](PendingChanges &changes) {
             changes.noteUpdated(object.m_id, propertyBit(property));
@@ -111,7 +111,7 @@ void ManagedObjectContext::Private::noteColumn(const ManagedObject &object, int 
 void ManagedObjectContext::Private::setLinked(ManagedObject &owner, int property,
                                               ManagedObject &other, bool linked)
 {
-    const ToManyLink &link = schema.table(owner.m_id.entity).toMany(property);
+    const ToManyDescription &link = schema.entity(owner.m_id.entity).toMany(property);
     require(other.m_id.entity == link.destination,
             "the related record is of the relationship's entity");
     if (other.m_deleted)

@@ -13,10 +13,10 @@ namespace {
 /// The to-manys that a change of these to-ones or links touches, each once.
 using TouchedEnds = std::set<std::pair<ObjectID, int>>;
 
-void touchOwners(TouchedEnds &touched, const ObjectChange &change, const StoreSchema &schema)
+void touchOwners(TouchedEnds &touched, const ObjectChange &change, const ObjectModel &schema)
 {
     for (const ToOneChange &toOne : change.toOnes) {
-        const ToOneColumn *column = schema.table(change.id.entity).toOne(toOne.property);
+        const ToOneDescription *column = schema.entity(change.id.entity).toOne(toOne.property);
         if (!column || column->inverse < 0)
             continue;
         for (const qint64 owner : {toOne.oldKey, toOne.newKey}) {
@@ -37,7 +37,7 @@ void ManagedObjectContext::Private::merge(const ChangeSet &changes)
         touchOwners(touched, change, schema);
     for (const ObjectChange &change : changes.updated) {
         touchOwners(touched, change, schema);
-        for (const ToManyLink &link : schema.table(change.id.entity).toManys) {
+        for (const ToManyDescription &link : schema.entity(change.id.entity).toManys) {
             if (change.properties & propertyBit(link.property))
                 touched.insert({change.id, link.property});
         }
@@ -81,7 +81,7 @@ void ManagedObjectContext::Private::mergeWholesale(EntityMask entities,
                 gone.push_back(std::move(vanished));
             continue;
         }
-        for (const ToManyLink &link : schema.table(entity).toManys) {
+        for (const ToManyDescription &link : schema.entity(entity).toManys) {
             if (!(entities & entityBit(link.destination)))
                 continue;
             const auto forgotten = std::erase_if(object->m_related, [&](const auto &related) {

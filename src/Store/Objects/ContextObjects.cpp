@@ -178,7 +178,7 @@ std::vector<qint64> *ManagedObjectContext::Private::knownRelated(const ManagedOb
 }
 
 const std::vector<qint64> &ManagedObjectContext::Private::relatedKeys(const ManagedObject &owner,
-                                                                      const ToManyLink &link)
+                                                                      const ToManyDescription &link)
 {
     static const std::vector<qint64> none;
     if (const auto *known = knownRelated(owner, link.property))
@@ -193,7 +193,7 @@ const std::vector<qint64> &ManagedObjectContext::Private::relatedKeys(const Mana
     return known ? *known : none;
 }
 
-Result<void> ManagedObjectContext::Private::readRelated(const ToManyLink &link,
+Result<void> ManagedObjectContext::Private::readRelated(const ToManyDescription &link,
                                                         std::span<const qint64> owners)
 {
     QHash<qint64, std::vector<qint64>> found;
@@ -229,7 +229,7 @@ void setContained(std::vector<qint64> &keys, qint64 key, bool contained)
 
 } // namespace
 
-void ManagedObjectContext::Private::overlayUnwritten(const ToManyLink &link, qint64 owner,
+void ManagedObjectContext::Private::overlayUnwritten(const ToManyDescription &link, qint64 owner,
                                                      std::vector<qint64> &keys) const
 {
     if (!link.joined) {
@@ -252,7 +252,7 @@ void ManagedObjectContext::Private::overlayUnwritten(const ToManyLink &link, qin
     }
 }
 
-bool ManagedObjectContext::Private::isLinked(const ManagedObject &owner, const ToManyLink &link,
+bool ManagedObjectContext::Private::isLinked(const ManagedObject &owner, const ToManyDescription &link,
                                              const ManagedObject &other)
 {
     if (const auto *known = knownRelated(owner, link.property))

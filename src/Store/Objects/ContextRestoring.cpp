@@ -11,17 +11,17 @@ namespace tembra {
 namespace {
 
 /// Those of the records that no other of them takes along when it is deleted.
-std::vector<ObjectID> topmost(const std::vector<ObjectChange> &restored, const StoreSchema &schema)
+std::vector<ObjectID> topmost(const std::vector<ObjectChange> &restored, const ObjectModel &schema)
 {
     QSet<ObjectID> owners;
     for (const ObjectChange &change : restored) {
-        if (!schema.table(change.id.entity).references.empty())
+        if (!schema.entity(change.id.entity).references.empty())
             owners.insert(change.id);
     }
     std::vector<ObjectID> found;
     for (const ObjectChange &change : restored) {
         const auto isTakenAlong = [&](const ToOneChange &toOne) {
-            const ToOneColumn &column = *schema.table(change.id.entity).toOne(toOne.property);
+            const ToOneDescription &column = *schema.entity(change.id.entity).toOne(toOne.property);
             return column.rule == DeleteRule::Cascade
                    && owners.contains({column.destination, toOne.newKey});
         };
@@ -68,9 +68,9 @@ Result<void> ManagedObjectContext::Private::writeRestored(Transaction &transacti
         return known != isThere.cend() ? *known : *isThere.insert(id, exists(id));
     };
     archive.forEachRow([&](ObjectID id, RowReader::Row row) {
-        if (!schema.table(id.entity).toManys.empty())
+        if (!schema.entity(id.entity).toManys.empty())
             isThere.insert(id, true);
-        for (const ToOneColumn &column : schema.table(id.entity).toOnes) {
+        for (const ToOneDescription &column : schema.entity(id.entity).toOnes) {
             Value &value = row[size_t(column.property)];
             if (!isMissing(value) && !reaches({column.destination, std::get<qint64>(value)}))
                 value = Value();
@@ -89,7 +89,7 @@ Result<void> ManagedObjectContext::Private::writeRestoredLinks(
     const std::function<bool(ObjectID)> &reaches)
 {
     for (const LinkKey &key : archive.links()) {
-        const ToManyLink &link = schema.table(key.entity).toMany(key.property);
+        const ToManyDescription &link = schema.entity(key.entity).toMany(key.property);
         const ObjectID owner{link.entity, key.owner};
         const ObjectID other{link.destination, key.other};
         if (!reaches(owner) || !reaches(other))
@@ -120,7 +120,7 @@ Result<void> ManagedObjectContext::Private::writeCleared(Transaction &transactio
             !done)
             return failure(done.error());
         restoration.toOnes.emplace_back(cleared.id, ToOneChange{cleared.property, 0, cleared.key});
-        const ToOneColumn &toOne = *schema.table(cleared.id.entity).toOne(cleared.property);
+        const ToOneDescription &toOne = *schema.entity(cleared.id.entity).toOne(cleared.property);
         if (toOne.inverse >= 0)
             restoration.gains[{{toOne.destination, cleared.key}, toOne.inverse}].push_back(
                 cleared.id.key);

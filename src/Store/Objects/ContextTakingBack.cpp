@@ -14,20 +14,20 @@ constexpr qint64 keysOfOnePiece = 5000;
 
 /// Whether a link between the two entities keeps the record at its other end from being taken back:
 /// rows are deleted in the opposite order of the entities, so the later one refers to the earlier.
-bool belongsToOwner(const ToManyLink &link)
+bool belongsToOwner(const ToManyDescription &link)
 {
     return link.destination < link.entity;
 }
 
-QByteArray isReferred(const StoreSchema &schema, int entity)
+QByteArray isReferred(const ObjectModel &schema, int entity)
 {
     QByteArray conditions;
-    for (const ToOneColumn &column : schema.table(entity).references) {
-        const EntityTable &table = schema.table(column.entity);
+    for (const ToOneDescription &column : schema.entity(entity).references) {
+        const EntityDescription &table = schema.entity(column.entity);
         conditions += " AND NOT EXISTS (SELECT 1 FROM " + quoted(table.table) + " r WHERE r."
                       + quoted(table.columns[size_t(column.property)]) + " = o.id)";
     }
-    for (const ToManyLink &link : schema.table(entity).toManys) {
+    for (const ToManyDescription &link : schema.entity(entity).toManys) {
         if (link.joined && !belongsToOwner(link))
             conditions += " AND NOT EXISTS (SELECT 1 FROM " + quoted(link.joinTable) + " r WHERE r."
                           + quoted(link.ownColumn) + " = o.id)";
@@ -51,7 +51,7 @@ Result<void> runFor(KeyRange keys, const QByteArray &sql, Connection &connection
 Result<void> ManagedObjectContext::Private::deleteUnreferenced(Transaction &transaction, int entity,
                                                                KeyRange keys)
 {
-    for (const ToManyLink &link : schema.table(entity).toManys) {
+    for (const ToManyDescription &link : schema.entity(entity).toManys) {
         if (!link.joined || !belongsToOwner(link))
             continue;
         const Result<void> unlinked = runFor(keys,
@@ -62,7 +62,7 @@ Result<void> ManagedObjectContext::Private::deleteUnreferenced(Transaction &tran
             return unlinked;
     }
     return runFor(keys,
-                  "DELETE FROM " + quoted(schema.table(entity).table)
+                  "DELETE FROM " + quoted(schema.entity(entity).table)
                       + " AS o WHERE o.id BETWEEN ? AND ?" + isReferred(schema, entity),
                   connection, transaction);
 }

@@ -100,7 +100,7 @@ Result<std::vector<ObjectID>> ManagedObjectContext::Private::writeUnwritten(Tran
     }
     for (auto it = unwritten.links.cbegin(); it != unwritten.links.cend(); ++it) {
         const LinkKey &key = it.key();
-        const ToManyLink &link = schema.table(key.entity).toMany(key.property);
+        const ToManyDescription &link = schema.entity(key.entity).toMany(key.property);
         const Result<void> done = it.value()
                                       ? writer.addLink(transaction, link, key.owner, key.other)
                                       : writer.removeLink(transaction, link, key.owner, key.other);
@@ -242,7 +242,7 @@ Result<void> ManagedObjectContext::Private::dropVanishedToOnes()
     for (const auto &object : unwritten.objects) {
         if (object->m_deleted)
             continue;
-        for (const ToOneColumn &column : schema.table(object->m_id.entity).toOnes) {
+        for (const ToOneDescription &column : schema.entity(object->m_id.entity).toOnes) {
             Value &value = object->m_values[size_t(column.property)];
             const auto *key = std::get_if<qint64>(&value);
             const ObjectID destination{column.destination, key ? *key : 0};

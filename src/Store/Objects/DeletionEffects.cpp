@@ -1,17 +1,17 @@
 #include "Store/Objects/DeletionEffects.h"
 
 #include "Store/Objects/DeletionPlan.h"
-#include "Store/Schema/StoreSchema.h"
+#include "Store/Schema/ObjectModel.h"
 
 #include <algorithm>
 
 namespace tembra {
 
-QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const StoreSchema &schema,
+QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const ObjectModel &schema,
                                          int entity, bool appearing)
 {
     QVarLengthArray<ToOneChange, 1> toOnes;
-    for (const ToOneColumn &column : schema.table(entity).toOnes) {
+    for (const ToOneDescription &column : schema.entity(entity).toOnes) {
         const auto *key = std::get_if<qint64>(&row[size_t(column.property)]);
         if (key)
             toOnes.append({column.property, appearing ? 0 : *key, appearing ? *key : 0});
@@ -19,7 +19,7 @@ QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const StoreS
     return toOnes;
 }
 
-Result<DeletionEffects> DeletionEffects::of(const DeletionPlan &plan, const StoreSchema &schema,
+Result<DeletionEffects> DeletionEffects::of(const DeletionPlan &plan, const ObjectModel &schema,
                                             RowReader &reader)
 {
     DeletionEffects effects;
@@ -44,13 +44,13 @@ Result<DeletionEffects> DeletionEffects::of(const DeletionPlan &plan, const Stor
     return effects;
 }
 
-void DeletionEffects::addRow(const DeletionPlan &plan, const StoreSchema &schema, ObjectID id,
+void DeletionEffects::addRow(const DeletionPlan &plan, const ObjectModel &schema, ObjectID id,
                              const RowReader::Row &row)
 {
     archive->addRow(id, row);
     changes.deleted.push_back({id, allProperties, toOnesOf(row, schema, id.entity, false)});
     for (const ToOneChange &toOne : changes.deleted.back().toOnes) {
-        const ToOneColumn &column = *schema.table(id.entity).toOne(toOne.property);
+        const ToOneDescription &column = *schema.entity(id.entity).toOne(toOne.property);
         const ObjectID owner{column.destination, toOne.oldKey};
         if (column.inverse >= 0 && !plan.contains(owner))
             losses[{owner, column.inverse}].push_back(id.key);
@@ -73,10 +73,10 @@ void DeletionEffects::addVanished(const DeletionPlan &plan, int entity, size_t f
     }
 }
 
-Result<void> DeletionEffects::addLinks(const DeletionPlan &plan, const StoreSchema &schema,
+Result<void> DeletionEffects::addLinks(const DeletionPlan &plan, const ObjectModel &schema,
                                        RowReader &reader, int entity)
 {
-    for (const ToManyLink &link : schema.table(entity).toManys) {
+    for (const ToManyDescription &link : schema.entity(entity).toManys) {
         if (!link.joined)
             continue;
         const Result<void> done = reader.related(
@@ -91,10 +91,10 @@ Result<void> DeletionEffects::addLinks(const DeletionPlan &plan, const StoreSche
     return {};
 }
 
-Result<void> DeletionEffects::addCleared(const DeletionPlan &plan, const StoreSchema &schema,
+Result<void> DeletionEffects::addCleared(const DeletionPlan &plan, const ObjectModel &schema,
                                          RowReader &reader, int entity)
 {
-    for (const ToOneColumn &column : schema.table(entity).references) {
+    for (const ToOneDescription &column : schema.entity(entity).references) {
         if (column.rule != DeleteRule::Nullify)
             continue;
         const Result<void> done = reader.referrers(
@@ -108,11 +108,11 @@ Result<void> DeletionEffects::addCleared(const DeletionPlan &plan, const StoreSc
     return {};
 }
 
-void RestorationEffects::addRow(ObjectID id, const RowReader::Row &row, const StoreSchema &schema)
+void RestorationEffects::addRow(ObjectID id, const RowReader::Row &row, const ObjectModel &schema)
 {
     changes.inserted.push_back({id, allProperties, toOnesOf(row, schema, id.entity, true)});
     for (const ToOneChange &toOne : changes.inserted.back().toOnes) {
-        const ToOneColumn &column = *schema.table(id.entity).toOne(toOne.property);
+        const ToOneDescription &column = *schema.entity(id.entity).toOne(toOne.property);
         if (column.inverse >= 0)
             gains[{{column.destination, toOne.newKey}, column.inverse}].push_back(id.key);
     }

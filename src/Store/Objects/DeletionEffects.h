@@ -11,7 +11,7 @@ namespace tembra {
 
 class DeletionPlan;
 class RowReader;
-class StoreSchema;
+class ObjectModel;
 
 /// Which keys come or go in a to-many relationship of a record.
 using RelatedChanges = std::map<std::pair<ObjectID, int>, std::vector<qint64>>;
@@ -23,23 +23,23 @@ struct DeletionEffects
     ChangeSet changes; ///< The deleted records.
     RelatedChanges losses; ///< To-manys of surviving records.
 
-    static Result<DeletionEffects> of(const DeletionPlan &plan, const StoreSchema &schema,
+    static Result<DeletionEffects> of(const DeletionPlan &plan, const ObjectModel &schema,
                                       RowReader &reader);
 
 private:
-    void addRow(const DeletionPlan &plan, const StoreSchema &schema, ObjectID id,
+    void addRow(const DeletionPlan &plan, const ObjectModel &schema, ObjectID id,
                 const RowReader::Row &row);
     void addVanished(const DeletionPlan &plan, int entity, size_t firstChange);
-    Result<void> addLinks(const DeletionPlan &plan, const StoreSchema &schema, RowReader &reader,
+    Result<void> addLinks(const DeletionPlan &plan, const ObjectModel &schema, RowReader &reader,
                           int entity);
-    Result<void> addCleared(const DeletionPlan &plan, const StoreSchema &schema, RowReader &reader,
+    Result<void> addCleared(const DeletionPlan &plan, const ObjectModel &schema, RowReader &reader,
                             int entity);
 };
 
 /// What bringing deleted records back does.
 struct RestorationEffects
 {
-    void addRow(ObjectID id, const RowReader::Row &row, const StoreSchema &schema);
+    void addRow(ObjectID id, const RowReader::Row &row, const ObjectModel &schema);
 
     ChangeSet changes; ///< The records that are back.
     RelatedChanges gains;
@@ -48,7 +48,7 @@ struct RestorationEffects
 };
 
 /// The to-ones of a row that point somewhere, as changes from or to nothing.
-QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const StoreSchema &schema,
+QVarLengthArray<ToOneChange, 1> toOnesOf(const RowReader::Row &row, const ObjectModel &schema,
                                          int entity, bool appearing);
 
 } // namespace tembra

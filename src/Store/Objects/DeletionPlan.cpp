@@ -9,7 +9,7 @@ namespace tembra {
 DeletionPlan::DeletionPlan(int entityCount) : m_keys(size_t(entityCount)) {}
 
 Result<DeletionPlan> DeletionPlan::cascadingFrom(const std::vector<ObjectID> &roots,
-                                                 const StoreSchema &schema, RowReader &reader,
+                                                 const ObjectModel &schema, RowReader &reader,
                                                  Extent extent)
 {
     DeletionPlan plan(schema.entityCount());
@@ -20,7 +20,7 @@ Result<DeletionPlan> DeletionPlan::cascadingFrom(const std::vector<ObjectID> &ro
         std::vector<qint64> &keys = plan.m_keys[size_t(entity)];
         std::sort(keys.begin(), keys.end());
         keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
-        for (const ToOneColumn &column : schema.table(entity).references) {
+        for (const ToOneDescription &column : schema.entity(entity).references) {
             if (column.rule != DeleteRule::Cascade)
                 continue;
             if (extent == Extent::MayLeaveRows && keys.size() >= LeftoverRows::fewestOwners

@@ -3,7 +3,7 @@
 #include "Foundation/Result.h"
 #include "Store/Rows/RowReader.h"
 #include "Store/Schema/ObjectID.h"
-#include "Store/Schema/StoreSchema.h"
+#include "Store/Schema/ObjectModel.h"
 
 #include <optional>
 #include <vector>
@@ -18,11 +18,11 @@ class DeletionPlan
 public:
     enum class Extent { Everything, MayLeaveRows };
     static Result<DeletionPlan> cascadingFrom(const std::vector<ObjectID> &roots,
-                                              const StoreSchema &schema, RowReader &reader,
+                                              const ObjectModel &schema, RowReader &reader,
                                               Extent extent);
 
     /// By which records that are left refer to their owners, which are in keys().
-    const std::optional<ToOneColumn> &left() const { return m_left; }
+    const std::optional<ToOneDescription> &left() const { return m_left; }
     /// Whether a record with such a row is left.
     bool leaves(int entity, const RowReader::Row &row) const;
 
@@ -35,7 +35,7 @@ private:
     explicit DeletionPlan(int entityCount);
 
     std::vector<std::vector<qint64>> m_keys;
-    std::optional<ToOneColumn> m_left;
+    std::optional<ToOneDescription> m_left;
 };
 
 } // namespace tembra

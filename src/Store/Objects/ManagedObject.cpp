@@ -38,7 +38,7 @@ ObjectID ManagedObject::toOneID(int toOneProperty) const
     const auto *key = std::get_if<qint64>(&value(toOneProperty));
     if (!key || !m_context)
         return {};
-    const ToOneColumn *column = m_context->d->schema.table(m_id.entity).toOne(toOneProperty);
+    const ToOneDescription *column = m_context->d->schema.entity(m_id.entity).toOne(toOneProperty);
     require(column, "the property is a to-one relationship");
     return {column->destination, *key};
 }
@@ -48,7 +48,7 @@ std::vector<ObjectID> ManagedObject::relatedIDs(int toManyProperty) const
     std::vector<ObjectID> ids;
     if (!m_context)
         return ids;
-    const ToManyLink &link = m_context->d->schema.table(m_id.entity).toMany(toManyProperty);
+    const ToManyDescription &link = m_context->d->schema.entity(m_id.entity).toMany(toManyProperty);
     const std::vector<qint64> &keys = m_context->d->relatedKeys(*this, link);
     ids.reserve(keys.size());
     for (const qint64 key : keys)
@@ -120,7 +120,7 @@ std::shared_ptr<ManagedObject> ManagedObject::toOne(int property) const
     const auto *key = std::get_if<qint64>(&value(property));
     if (!key || !m_context)
         return nullptr;
-    const ToOneColumn *column = m_context->d->schema.table(m_id.entity).toOne(property);
+    const ToOneDescription *column = m_context->d->schema.entity(m_id.entity).toOne(property);
     require(column, "the property is a to-one relationship");
     return m_context->object({column->destination, *key});
 }

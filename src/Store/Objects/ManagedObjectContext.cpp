@@ -53,7 +53,7 @@ UndoManager *ManagedObjectContext::undoManager() const
 
 std::shared_ptr<ManagedObject> ManagedObjectContext::insertObject(const QByteArray &entityName)
 {
-    const int entity = d->schema.model().entityIndex(entityName);
+    const int entity = d->schema.entityIndex(entityName);
     require(entity >= 0, "an object is inserted into an entity of the model");
     return d->insert(entity);
 }
@@ -94,7 +94,7 @@ Result<std::vector<qint64>> ManagedObjectContext::fetchKeys(const FetchRequest &
 {
     // What cannot be written now is said in the log and tried again; the answer is what is there.
     (void)d->writeDrafts();
-    const auto prepared = prepareFetch(d->connection, compileFetch(d->schema.model(), request,
+    const auto prepared = prepareFetch(d->connection, compileFetch(d->schema, request,
                                                                    d->hiddenFrom(request)));
     if (!prepared)
         return failure(prepared.error());
@@ -111,7 +111,7 @@ Result<std::vector<qint64>> ManagedObjectContext::fetchKeys(const FetchRequest &
 Result<qint64> ManagedObjectContext::count(const FetchRequest &request)
 {
     (void)d->writeDrafts();
-    const auto prepared = prepareFetch(d->connection, compileCount(d->schema.model(), request,
+    const auto prepared = prepareFetch(d->connection, compileCount(d->schema, request,
                                                                    d->hiddenFrom(request)));
     if (!prepared)
         return failure(prepared.error());
@@ -130,7 +130,7 @@ Result<QList<std::shared_ptr<ManagedObject>>> ManagedObjectContext::fetchObjects
     const Result<std::vector<qint64>> keys = fetchKeys(request);
     if (!keys)
         return failure(keys.error());
-    const int entity = d->schema.model().entityIndex(request.entityName);
+    const int entity = d->schema.entityIndex(request.entityName);
     auto found = d->objects(entity, *keys, request.returnsObjectsAsFaults);
     if (!found || request.relationshipKeyPathsForPrefetching.isEmpty())
         return found;
@@ -147,7 +147,7 @@ Result<void> ManagedObjectContext::prefetch(const QList<std::shared_ptr<ManagedO
         return done;
     const int entity = objects.first()->objectID().entity;
     for (const QByteArray &name : toManyRelationships) {
-        const ToManyLink &link = d->schema.table(entity).toMany(
+        const ToManyDescription &link = d->schema.entity(entity).toMany(
             d->schema.entity(entity).propertyIndex(name));
         std::vector<qint64> owners;
         for (const auto &object : objects) {

@@ -12,7 +12,7 @@
 #include "Store/Rows/LeftoverRows.h"
 #include "Store/Rows/RowReader.h"
 #include "Store/Rows/RowWriter.h"
-#include "Store/Schema/StoreSchema.h"
+#include "Store/Schema/ObjectModel.h"
 
 #include <QSet>
 #include <QTimer>
@@ -57,10 +57,10 @@ struct ManagedObjectContext::Private
 
     // To-many relationships
     static std::vector<qint64> *knownRelated(const ManagedObject &object, int property);
-    const std::vector<qint64> &relatedKeys(const ManagedObject &owner, const ToManyLink &link);
-    Result<void> readRelated(const ToManyLink &link, std::span<const qint64> owners);
-    void overlayUnwritten(const ToManyLink &link, qint64 owner, std::vector<qint64> &keys) const;
-    bool isLinked(const ManagedObject &owner, const ToManyLink &link, const ManagedObject &other);
+    const std::vector<qint64> &relatedKeys(const ManagedObject &owner, const ToManyDescription &link);
+    Result<void> readRelated(const ToManyDescription &link, std::span<const qint64> owners);
+    void overlayUnwritten(const ToManyDescription &link, qint64 owner, std::vector<qint64> &keys) const;
+    bool isLinked(const ManagedObject &owner, const ToManyDescription &link, const ManagedObject &other);
     /// Brings the known related keys of a live owner up to date and announces the change.
     void relate(ObjectID owner, int property, qint64 key, bool related,
                 Announcements &announcements);
@@ -153,7 +153,7 @@ struct ManagedObjectContext::Private
     PersistentContainer &container;
     const ContextSetup setup;
     Connection &connection;
-    const StoreSchema schema;
+    const ObjectModel &schema;
     RowReader reader;
     RowWriter writer;
     LeftoverRows leftovers;

@@ -2,13 +2,13 @@
 
 #include "Foundation/Precondition.h"
 #include "Store/Objects/ManagedObject.h"
-#include "Store/Schema/StoreSchema.h"
+#include "Store/Schema/ObjectModel.h"
 
 #include <QMetaProperty>
 
 namespace tembra {
 
-NotifySignals::NotifySignals(const StoreSchema &schema)
+NotifySignals::NotifySignals(const ObjectModel &schema)
     : m_schema(schema)
     , m_signals(size_t(schema.entityCount()))
 {

@@ -1,10 +1,10 @@
 #include "Store/Objects/UnwrittenEdits.h"
 
-#include "Store/Schema/StoreSchema.h"
+#include "Store/Schema/ObjectModel.h"
 
 namespace tembra {
 
-LinkKey LinkKey::of(const ToManyLink &link, qint64 owner, qint64 other)
+LinkKey LinkKey::of(const ToManyDescription &link, qint64 owner, qint64 other)
 {
     if (link.canonical)
         return {link.entity, link.property, owner, other};

@@ -8,7 +8,7 @@
 namespace tembra {
 
 class ManagedObject;
-struct ToManyLink;
+struct ToManyDescription;
 
 /// A link of a join table, named by its canonical end.
 struct LinkKey
@@ -19,7 +19,7 @@ struct LinkKey
     qint64 other;
 
     /// The link between @p owner and @p other through @p link, whichever end that is.
-    static LinkKey of(const ToManyLink &link, qint64 owner, qint64 other);
+    static LinkKey of(const ToManyDescription &link, qint64 owner, qint64 other);
 
     friend bool operator==(const LinkKey &, const LinkKey &) = default;
     friend size_t qHash(const LinkKey &key, size_t seed = 0)

@@ -6,17 +6,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-int destinationOf(const ObjectModel &model, const EntityDescription &entity, int property)
+int destinationOf(const EntityDescription &entity, int property)
 {
     switch (entity.kindOf(property)) {
     case PropertyKind::Attribute:
         return -1;
     case PropertyKind::ToOne:
-        return model.entityIndex(entity.toOneAt(property).destination);
+        return entity.toOne(property)->destination;
     case PropertyKind::ToMany:
         break;
     }
-    return model.entityIndex(entity.toManyAt(property).destination);
+    return entity.toMany(property).destination;
 }
 
 tl::unexpected<Error> unusable(const QList<QByteArray> &names, const QString &reason)
@@ -45,7 +45,7 @@ Result<KeyPath> KeyPath::resolve(const ObjectModel &model, int entity,
             return unusable(names, u"it leads through more than one to-many relationship"_s);
         if (kind == PropertyKind::ToMany)
             path.toManyIndex = int(path.steps.size());
-        const int destination = destinationOf(model, description, property);
+        const int destination = destinationOf(description, property);
         path.steps.push_back({entity, property, kind, destination});
         entity = destination;
     }

@@ -75,12 +75,11 @@ Region Region::along(const ObjectModel &model, const KeyPath &path)
         region.unite(properties(step.entity, propertyBit(step.property)));
         if (step.kind != PropertyKind::ToMany)
             continue;
-        const ToManyDescription &toMany = model.entity(step.entity).toManyAt(step.property);
-        if (!toMany.joinTable.isEmpty())
+        const ToManyDescription &toMany = model.entity(step.entity).toMany(step.property);
+        if (toMany.joined)
             continue;
-        const int inverse = model.entity(step.destination).propertyIndex(toMany.inverse);
         region.unite(records(step.destination))
-            .unite(properties(step.destination, propertyBit(inverse)));
+            .unite(properties(step.destination, propertyBit(toMany.inverse)));
     }
     return region;
 }

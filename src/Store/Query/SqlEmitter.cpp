@@ -156,18 +156,17 @@ Result<QByteArray> SqlEmitter::emitComparison(const Comparison &comparison, bool
 QByteArray SqlEmitter::emitAny(const KeyPath &path, const Comparison &comparison, bool drives)
 {
     const KeyPathStep &step = path.steps[size_t(path.toManyIndex)];
-    const ToManyDescription &toMany = m_model.entity(step.entity).toManyAt(step.property);
+    const ToManyDescription &toMany = m_model.entity(step.entity).toMany(step.property);
     const QByteArray owner = path.beforeToMany().empty() ? keyColumn()
                                                          : column(m_scope, path.beforeToMany());
     const EntityDescription &destination = m_model.entity(step.destination);
-    const bool joined = !toMany.joinTable.isEmpty();
-
-    Scope scope = openScope(joined ? toMany.joinTable : destination.table);
-    const QByteArray link = scope.alias + '.' + quoted(joined ? toMany.ownColumn : toMany.inverse);
+    Scope scope = openScope(toMany.joined ? toMany.joinTable : destination.table);
+    const QByteArray link = scope.alias + '.'
+                            + quoted(toMany.joined ? toMany.ownColumn : toMany.inverseName);
     QByteArray tested = scope.alias + '.'
-                        + quoted(joined ? toMany.destinationColumn : QByteArray("id"));
+                        + quoted(toMany.joined ? toMany.destinationColumn : QByteArray("id"));
     const std::span<const KeyPathStep> rest = path.afterToMany();
-    if (!rest.empty() && joined) {
+    if (!rest.empty() && toMany.joined) {
         // The join table has the keys only: the records themselves are one join further.
         Scope records = openScope(destination.table);
         scope.tables += " JOIN " + records.tables + " ON " + records.alias + ".\"id\" = " + tested;

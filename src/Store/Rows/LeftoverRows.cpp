@@ -63,26 +63,26 @@ Result<QList<std::pair<QByteArray, QByteArray>>> leftColumns(Connection &connect
 
 } // namespace
 
-LeftoverRows::LeftoverRows(const StoreSchema &schema, Connection &connection, RowReader &reader)
+LeftoverRows::LeftoverRows(const ObjectModel &schema, Connection &connection, RowReader &reader)
     : m_schema(schema)
     , m_connection(connection)
     , m_reader(reader)
 {
 }
 
-bool LeftoverRows::canBeLeft(const StoreSchema &schema, const ToOneColumn &column)
+bool LeftoverRows::canBeLeft(const ObjectModel &schema, const ToOneDescription &column)
 {
-    const EntityTable &table = schema.table(column.entity);
+    const EntityDescription &table = schema.entity(column.entity);
     return column.rule == DeleteRule::Cascade && table.references.empty() && table.toManys.empty()
            && table.toOnes.size() == 1;
 }
 
-Result<void> LeftoverRows::leave(Transaction &transaction, const ToOneColumn &column,
+Result<void> LeftoverRows::leave(Transaction &transaction, const ToOneDescription &column,
                                  std::span<const qint64> owners)
 {
     if (Result<void> made = transaction.execute(createTable); !made)
         return made;
-    const EntityTable &table = m_schema.table(column.entity);
+    const EntityDescription &table = m_schema.entity(column.entity);
     const auto insert = m_connection.prepare(
         "INSERT OR IGNORE INTO leftover VALUES (" + literal(table.table) + ", "
         + literal(table.columns[size_t(column.property)]) + ", ?)");
@@ -96,7 +96,7 @@ Result<void> LeftoverRows::leave(Transaction &transaction, const ToOneColumn &co
     return {};
 }
 
-void LeftoverRows::add(const ToOneColumn &column, std::vector<qint64> owners,
+void LeftoverRows::add(const ToOneDescription &column, std::vector<qint64> owners,
                        std::weak_ptr<RecordArchive> archive)
 {
     m_parts.push_back({column, std::move(owners), std::move(archive)});
@@ -122,7 +122,7 @@ std::optional<HiddenRecords> LeftoverRows::hidden(int entity) const
 {
     if (isEmpty(entity))
         return std::nullopt;
-    const EntityTable &table = m_schema.table(entity);
+    const EntityDescription &table = m_schema.entity(entity);
     const QByteArray &column = table.columns[size_t(table.toOnes.front().property)];
     return HiddenRecords{column, ownersOf(table.table, column)};
 }
@@ -160,14 +160,14 @@ Result<void> LeftoverRows::deletePiece()
     return {};
 }
 
-Result<void> LeftoverRows::deleteRowsOf(const ToOneColumn &column, std::span<const qint64> owners,
+Result<void> LeftoverRows::deleteRowsOf(const ToOneDescription &column, std::span<const qint64> owners,
                                         bool isLast)
 {
     Result<Transaction> transaction = Transaction::begin(m_connection,
                                                          Transaction::Durability::Draft);
     if (!transaction)
         return failure(transaction.error());
-    const EntityTable &table = m_schema.table(column.entity);
+    const EntityDescription &table = m_schema.entity(column.entity);
     Result<void> done = KeyChunks::forEach(m_connection,
                                            "DELETE FROM " + quoted(table.table) + " WHERE "
                                                + quoted(table.columns[size_t(column.property)])

@@ -3,7 +3,7 @@
 #include "Foundation/Result.h"
 #include "Store/Query/FetchStatement.h"
 #include "Store/Rows/RowReader.h"
-#include "Store/Schema/StoreSchema.h"
+#include "Store/Schema/ObjectModel.h"
 
 #include <deque>
 #include <memory>
@@ -27,18 +27,18 @@ public:
     /// With fewer owners everything is deleted at once.
     static constexpr size_t fewestOwners = 1000;
 
-    LeftoverRows(const StoreSchema &schema, Connection &connection, RowReader &reader);
+    LeftoverRows(const ObjectModel &schema, Connection &connection, RowReader &reader);
 
     /// Whether records that refer to others by @p column may be left: nothing refers to them, and
     /// they to nothing else.
-    static bool canBeLeft(const StoreSchema &schema, const ToOneColumn &column);
+    static bool canBeLeft(const ObjectModel &schema, const ToOneDescription &column);
 
     /// Names the owners in the store. To be called within the transaction that deletes them.
-    Result<void> leave(Transaction &transaction, const ToOneColumn &column,
+    Result<void> leave(Transaction &transaction, const ToOneDescription &column,
                        std::span<const qint64> owners);
     /// Takes over what was left, once that transaction is committed. The rows go into @p archive
     /// before they are deleted, if it still exists by then.
-    void add(const ToOneColumn &column, std::vector<qint64> owners,
+    void add(const ToOneDescription &column, std::vector<qint64> owners,
              std::weak_ptr<RecordArchive> archive);
 
     bool isEmpty() const { return m_parts.empty(); }
@@ -56,16 +56,16 @@ public:
 private:
     struct Part
     {
-        ToOneColumn column;
+        ToOneDescription column;
         std::vector<qint64> owners; ///< Ascending.
         std::weak_ptr<RecordArchive> archive;
         size_t done = 0; ///< How many of the owners need no more looking at.
     };
 
-    Result<void> deleteRowsOf(const ToOneColumn &column, std::span<const qint64> owners,
+    Result<void> deleteRowsOf(const ToOneDescription &column, std::span<const qint64> owners,
                               bool isLast);
 
-    const StoreSchema &m_schema;
+    const ObjectModel &m_schema;
     Connection &m_connection;
     RowReader &m_reader;
     std::deque<Part> m_parts;

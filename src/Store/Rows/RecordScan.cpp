@@ -7,22 +7,26 @@ namespace tembra {
 
 Result<RecordScan> RecordScan::of(ManagedObjectContext &context)
 {
-    return context.writeDrafts().map([&] { return RecordScan(context); });
+    return context.writeDrafts()
+        .and_then([&] { return ReadTransaction::begin(context.d->connection); })
+        .map([&](ReadTransaction &&transaction) {
+            return RecordScan(context, std::move(transaction));
+        });
 }
 
 Result<void> RecordScan::records(const QByteArray &entityName, std::span<const qint64> keys,
                                  const RowVisitor &visit)
 {
     ManagedObjectContext::Private &context = *m_context->d;
-    return context.reader.rows(context.schema.model().entityIndex(entityName), keys, visit);
+    return context.reader.rows(context.schema.entityIndex(entityName), keys, visit);
 }
 
 Result<void> RecordScan::referring(const QByteArray &entityName, int toOneProperty,
                                    std::span<const qint64> owners, const RowVisitor &visit)
 {
     ManagedObjectContext::Private &context = *m_context->d;
-    const int entity = context.schema.model().entityIndex(entityName);
-    const ToOneColumn *column = context.schema.table(entity).toOne(toOneProperty);
+    const int entity = context.schema.entityIndex(entityName);
+    const ToOneDescription *column = context.schema.entity(entity).toOne(toOneProperty);
     require(column, "records refer through a to-one relationship");
     return context.reader.referringRows(*column, owners, visit);
 }
@@ -31,8 +35,8 @@ Result<void> RecordScan::related(const QByteArray &entityName, int toManyPropert
                                  std::span<const qint64> owners, const PairVisitor &visit)
 {
     ManagedObjectContext::Private &context = *m_context->d;
-    const int entity = context.schema.model().entityIndex(entityName);
-    return context.reader.related(context.schema.table(entity).toMany(toManyProperty), owners,
+    const int entity = context.schema.entityIndex(entityName);
+    return context.reader.related(context.schema.entity(entity).toMany(toManyProperty), owners,
                                   visit);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Result.h"
+#include "Store/File/ReadTransaction.h"
 #include "Store/Schema/ObjectID.h"
 #include "Store/Schema/Value.h"
 
@@ -15,7 +16,8 @@ namespace tembra {
 class ManagedObjectContext;
 
 /// Reads the values of many records without making objects of them: for whoever goes through a whole
-/// journal. Sees every edit of its context, or fails. On the context's thread.
+/// journal. Reads in one read transaction, which begins with every edit of its context written and
+/// ends with this object; nothing may be edited in the context meanwhile. On the context's thread.
 class RecordScan
 {
 public:
@@ -37,9 +39,14 @@ public:
                          std::span<const qint64> owners, const PairVisitor &visit);
 
 private:
-    explicit RecordScan(ManagedObjectContext &context) : m_context(&context) {}
+    RecordScan(ManagedObjectContext &context, ReadTransaction transaction)
+        : m_context(&context)
+        , m_transaction(std::move(transaction))
+    {
+    }
 
     ManagedObjectContext *m_context;
+    ReadTransaction m_transaction;
 };
 
 } // namespace tembra

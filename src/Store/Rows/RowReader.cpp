@@ -3,21 +3,21 @@
 #include "Store/File/Connection.h"
 #include "Store/Query/SqlText.h"
 #include "Store/Rows/KeyChunks.h"
-#include "Store/Schema/StoreSchema.h"
+#include "Store/Schema/ObjectModel.h"
 
 namespace tembra {
 
-RowReader::RowReader(const StoreSchema &schema, Connection &connection)
+RowReader::RowReader(const ObjectModel &schema, Connection &connection)
     : m_schema(schema)
     , m_connection(connection)
 {
     for (int entity = 0; entity < schema.entityCount(); ++entity)
-        m_statements.push_back({quotedList(schema.table(entity).columns)});
+        m_statements.push_back({quotedList(schema.entity(entity).columns)});
 }
 
 RowReader::Row RowReader::readRow(const Statement &statement, int entity, int firstColumn) const
 {
-    const int count = int(m_schema.table(entity).columns.size());
+    const int count = int(m_schema.entity(entity).columns.size());
     Row row;
     row.reserve(size_t(count));
     for (int column = 0; column < count; ++column)
@@ -29,7 +29,7 @@ Result<std::optional<RowReader::Row>> RowReader::row(ObjectID id)
 {
     EntityStatements &statements = m_statements[size_t(id.entity)];
     if (!statements.row) {
-        const QByteArray table = quoted(m_schema.table(id.entity).table);
+        const QByteArray table = quoted(m_schema.entity(id.entity).table);
         const auto prepared = m_connection.prepare("SELECT " + statements.columns + " FROM " + table
                                                    + " WHERE id = ?");
         if (!prepared)
@@ -53,18 +53,18 @@ Result<void> RowReader::rows(int entity, std::span<const qint64> keys, const Row
     return rowsOf(entity, QByteArrayLiteral("id"), keys, visit);
 }
 
-Result<void> RowReader::referringRows(const ToOneColumn &column,
+Result<void> RowReader::referringRows(const ToOneDescription &column,
                                       std::span<const qint64> destinations, const RowVisitor &visit)
 {
     return rowsOf(column.entity,
-                  quoted(m_schema.table(column.entity).columns[size_t(column.property)]),
+                  quoted(m_schema.entity(column.entity).columns[size_t(column.property)]),
                   destinations, visit);
 }
 
 Result<void> RowReader::rowsOf(int entity, const QByteArray &column, std::span<const qint64> keys,
                                const RowVisitor &visit)
 {
-    const QByteArray table = quoted(m_schema.table(entity).table);
+    const QByteArray table = quoted(m_schema.entity(entity).table);
     const QByteArray sql = "SELECT id," + m_statements[size_t(entity)].columns + " FROM " + table
                            + " WHERE " + column + " IN ";
     return KeyChunks::forEach(m_connection, sql, keys, {},
@@ -83,7 +83,7 @@ Result<bool> RowReader::exists(ObjectID id)
     EntityStatements &statements = m_statements[size_t(id.entity)];
     if (!statements.exists) {
         const auto prepared = m_connection.prepare(
-            "SELECT 1 FROM " + quoted(m_schema.table(id.entity).table) + " WHERE id = ?");
+            "SELECT 1 FROM " + quoted(m_schema.entity(id.entity).table) + " WHERE id = ?");
         if (!prepared)
             return failure(prepared.error());
         statements.exists = *prepared;
@@ -94,7 +94,7 @@ Result<bool> RowReader::exists(ObjectID id)
     return found;
 }
 
-Result<bool> RowReader::isLinked(const ToManyLink &link, qint64 owner, qint64 other)
+Result<bool> RowReader::isLinked(const ToManyDescription &link, qint64 owner, qint64 other)
 {
     const auto statement = m_connection.prepare("SELECT 1 FROM " + quoted(link.joinTable)
                                                 + " WHERE " + quoted(link.ownColumn) + " = ? AND "
@@ -108,10 +108,10 @@ Result<bool> RowReader::isLinked(const ToManyLink &link, qint64 owner, qint64 ot
     return found;
 }
 
-Result<void> RowReader::related(const ToManyLink &link, std::span<const qint64> owners,
+Result<void> RowReader::related(const ToManyDescription &link, std::span<const qint64> owners,
                                 const PairVisitor &visit)
 {
-    const EntityTable &destination = m_schema.table(link.destination);
+    const EntityDescription &destination = m_schema.entity(link.destination);
     const QByteArray table = quoted(link.joined ? link.joinTable : destination.table);
     const QByteArray owner = quoted(link.joined ? link.ownColumn
                                                 : destination.columns[size_t(link.inverse)]);
@@ -120,10 +120,10 @@ Result<void> RowReader::related(const ToManyLink &link, std::span<const qint64> 
                  owners, visit);
 }
 
-Result<void> RowReader::referrers(const ToOneColumn &column, std::span<const qint64> destinations,
+Result<void> RowReader::referrers(const ToOneDescription &column, std::span<const qint64> destinations,
                                   const PairVisitor &visit)
 {
-    const EntityTable &table = m_schema.table(column.entity);
+    const EntityDescription &table = m_schema.entity(column.entity);
     const QByteArray name = quoted(table.columns[size_t(column.property)]);
     return pairs("SELECT id," + name + " FROM " + quoted(table.table) + " WHERE " + name + " IN ",
                  destinations, visit);

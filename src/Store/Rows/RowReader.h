@@ -16,9 +16,9 @@ namespace tembra {
 
 class Connection;
 class Statement;
-class StoreSchema;
-struct ToManyLink;
-struct ToOneColumn;
+class ObjectModel;
+struct ToManyDescription;
+struct ToOneDescription;
 
 /// Reads records and links from the store, as they are written there.
 class RowReader
@@ -28,23 +28,23 @@ public:
     using RowVisitor = std::function<void(qint64 key, Row row)>;
     using PairVisitor = std::function<void(qint64 owner, qint64 other)>;
 
-    RowReader(const StoreSchema &schema, Connection &connection);
+    RowReader(const ObjectModel &schema, Connection &connection);
 
     /// Nothing when there is no such record.
     Result<std::optional<Row>> row(ObjectID id);
     /// Visits those of the records that exist, in no particular order.
     Result<void> rows(int entity, std::span<const qint64> keys, const RowVisitor &visit);
     Result<bool> exists(ObjectID id);
-    Result<bool> isLinked(const ToManyLink &link, qint64 owner, qint64 other);
+    Result<bool> isLinked(const ToManyDescription &link, qint64 owner, qint64 other);
 
     /// Visits (owner, other) for every record that a to-many relationship of @p owners reaches.
-    Result<void> related(const ToManyLink &link, std::span<const qint64> owners,
+    Result<void> related(const ToManyDescription &link, std::span<const qint64> owners,
                          const PairVisitor &visit);
     /// Visits the records whose to-one points to one of @p destinations.
-    Result<void> referringRows(const ToOneColumn &column, std::span<const qint64> destinations,
+    Result<void> referringRows(const ToOneDescription &column, std::span<const qint64> destinations,
                                const RowVisitor &visit);
     /// Visits (record, destination) for every record whose to-one points to one of @p destinations.
-    Result<void> referrers(const ToOneColumn &column, std::span<const qint64> destinations,
+    Result<void> referrers(const ToOneDescription &column, std::span<const qint64> destinations,
                            const PairVisitor &visit);
 
 private:
@@ -61,7 +61,7 @@ private:
                        const PairVisitor &visit);
     Row readRow(const Statement &statement, int entity, int firstColumn) const;
 
-    const StoreSchema &m_schema;
+    const ObjectModel &m_schema;
     Connection &m_connection;
     std::vector<EntityStatements> m_statements;
 };

@@ -3,11 +3,11 @@
 #include "Store/File/Connection.h"
 #include "Store/Query/SqlText.h"
 #include "Store/Rows/KeyChunks.h"
-#include "Store/Schema/StoreSchema.h"
+#include "Store/Schema/ObjectModel.h"
 
 namespace tembra {
 
-RowWriter::RowWriter(const StoreSchema &schema, Connection &connection)
+RowWriter::RowWriter(const ObjectModel &schema, Connection &connection)
     : m_schema(schema)
     , m_connection(connection)
     , m_inserts(size_t(schema.entityCount()), nullptr)
@@ -17,10 +17,10 @@ RowWriter::RowWriter(const StoreSchema &schema, Connection &connection)
 
 QByteArray RowWriter::placeholder(int entity, int property) const
 {
-    const ToOneColumn *toOne = m_schema.table(entity).toOne(property);
+    const ToOneDescription *toOne = m_schema.entity(entity).toOne(property);
     if (!toOne)
         return QByteArrayLiteral("?");
-    return QByteArray("(SELECT id FROM " + quoted(m_schema.table(toOne->destination).table)
+    return QByteArray("(SELECT id FROM " + quoted(m_schema.entity(toOne->destination).table)
                       + " WHERE id = ?)");
 }
 
@@ -29,7 +29,7 @@ Result<Statement *> RowWriter::insertStatement(int entity)
     Statement *&statement = m_inserts[size_t(entity)];
     if (statement)
         return statement;
-    const EntityTable &table = m_schema.table(entity);
+    const EntityDescription &table = m_schema.entity(entity);
     QByteArray placeholders = QByteArrayLiteral("?");
     for (size_t property = 0; property < table.columns.size(); ++property)
         placeholders += ',' + placeholder(entity, int(property));
@@ -58,7 +58,7 @@ Result<Statement *> RowWriter::updateStatement(int entity, PropertyMask columns)
     QHash<PropertyMask, Statement *> &known = m_updates[size_t(entity)];
     if (Statement *statement = known.value(columns))
         return statement;
-    const EntityTable &table = m_schema.table(entity);
+    const EntityDescription &table = m_schema.entity(entity);
     QByteArray assignments;
     for (size_t column = 0; column < table.columns.size(); ++column) {
         if (!(columns & propertyBit(int(column))))
@@ -91,11 +91,11 @@ Result<bool> RowWriter::updateRow(Transaction &transaction, ObjectID id, Propert
     return m_connection.changedRows() > 0;
 }
 
-Result<void> RowWriter::addLink(Transaction &transaction, const ToManyLink &link, qint64 owner,
+Result<void> RowWriter::addLink(Transaction &transaction, const ToManyDescription &link, qint64 owner,
                                 qint64 other)
 {
-    const QByteArray ownTable = quoted(m_schema.table(link.entity).table);
-    const QByteArray otherTable = quoted(m_schema.table(link.destination).table);
+    const QByteArray ownTable = quoted(m_schema.entity(link.entity).table);
+    const QByteArray otherTable = quoted(m_schema.entity(link.destination).table);
     const auto statement = m_connection.prepare(
         "INSERT OR IGNORE INTO " + quoted(link.joinTable) + " (" + quoted(link.ownColumn) + ','
         + quoted(link.destinationColumn) + ") SELECT o.id, d.id FROM " + ownTable + " o, "
@@ -107,7 +107,7 @@ Result<void> RowWriter::addLink(Transaction &transaction, const ToManyLink &link
     return transaction.run(**statement);
 }
 
-Result<void> RowWriter::removeLink(Transaction &transaction, const ToManyLink &link, qint64 owner,
+Result<void> RowWriter::removeLink(Transaction &transaction, const ToManyDescription &link, qint64 owner,
                                    qint64 other)
 {
     const auto statement = m_connection.prepare("DELETE FROM " + quoted(link.joinTable) + " WHERE "
@@ -124,11 +124,11 @@ Result<void> RowWriter::deleteRows(Transaction &transaction, int entity,
                                    std::span<const qint64> keys)
 {
     return runForKeys(transaction,
-                      "DELETE FROM " + quoted(m_schema.table(entity).table) + " WHERE id IN ",
+                      "DELETE FROM " + quoted(m_schema.entity(entity).table) + " WHERE id IN ",
                       keys);
 }
 
-Result<void> RowWriter::removeLinks(Transaction &transaction, const ToManyLink &link,
+Result<void> RowWriter::removeLinks(Transaction &transaction, const ToManyDescription &link,
                                     std::span<const qint64> owners)
 {
     return runForKeys(transaction,
@@ -137,10 +137,10 @@ Result<void> RowWriter::removeLinks(Transaction &transaction, const ToManyLink &
                       owners);
 }
 
-Result<void> RowWriter::nullify(Transaction &transaction, const ToOneColumn &column,
+Result<void> RowWriter::nullify(Transaction &transaction, const ToOneDescription &column,
                                 std::span<const qint64> destinations)
 {
-    const EntityTable &table = m_schema.table(column.entity);
+    const EntityDescription &table = m_schema.entity(column.entity);
     const QByteArray name = quoted(table.columns[size_t(column.property)]);
     return runForKeys(transaction,
                       "UPDATE " + quoted(table.table) + " SET " + name + " = NULL WHERE " + name

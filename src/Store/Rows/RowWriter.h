@@ -14,10 +14,10 @@ namespace tembra {
 
 class Connection;
 class Statement;
-class StoreSchema;
+class ObjectModel;
 class Transaction;
-struct ToManyLink;
-struct ToOneColumn;
+struct ToManyDescription;
+struct ToOneDescription;
 
 /// Writes records and links, within a transaction of the caller's. A to-one and a link to a record
 /// that has vanished are written as missing, so that one lost record never blocks what else is to
@@ -25,7 +25,7 @@ struct ToOneColumn;
 class RowWriter
 {
 public:
-    RowWriter(const StoreSchema &schema, Connection &connection);
+    RowWriter(const ObjectModel &schema, Connection &connection);
 
     Result<void> insertRow(Transaction &transaction, ObjectID id, const std::vector<Value> &values);
     /// False when there is no such record any more.
@@ -33,14 +33,14 @@ public:
                            const std::vector<Value> &values);
     Result<void> deleteRows(Transaction &transaction, int entity, std::span<const qint64> keys);
 
-    Result<void> addLink(Transaction &transaction, const ToManyLink &link, qint64 owner,
+    Result<void> addLink(Transaction &transaction, const ToManyDescription &link, qint64 owner,
                          qint64 other);
-    Result<void> removeLink(Transaction &transaction, const ToManyLink &link, qint64 owner,
+    Result<void> removeLink(Transaction &transaction, const ToManyDescription &link, qint64 owner,
                             qint64 other);
-    Result<void> removeLinks(Transaction &transaction, const ToManyLink &link,
+    Result<void> removeLinks(Transaction &transaction, const ToManyDescription &link,
                              std::span<const qint64> owners);
     /// Makes a to-one missing wherever it points to one of @p destinations.
-    Result<void> nullify(Transaction &transaction, const ToOneColumn &column,
+    Result<void> nullify(Transaction &transaction, const ToOneDescription &column,
                          std::span<const qint64> destinations);
 
 private:
@@ -50,7 +50,7 @@ private:
     Result<void> runForKeys(Transaction &transaction, const QByteArray &sql,
                             std::span<const qint64> keys);
 
-    const StoreSchema &m_schema;
+    const ObjectModel &m_schema;
     Connection &m_connection;
     std::vector<Statement *> m_inserts;
     std::vector<QHash<PropertyMask, Statement *>> m_updates;

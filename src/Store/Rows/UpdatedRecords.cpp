@@ -36,12 +36,11 @@ Result<UpdatedRecords> UpdatedRecords::of(const ObjectModel &model, const FetchR
         if (property < 0 || entity.kindOf(property) != PropertyKind::ToMany)
             return failure(u"“%1” cannot be prefetched: it is not a to-many relationship."_s.arg(
                 QString::fromUtf8(name)));
-        const ToManyDescription &toMany = entity.toManyAt(property);
-        const int destination = model.entityIndex(toMany.destination);
-        const EntityDescription &other = model.entity(destination);
-        const int toOneBack = toMany.joinTable.isEmpty() ? other.propertyIndex(toMany.inverse) : -1;
+        const ToManyDescription &toMany = entity.toMany(property);
+        const int toOneBack = toMany.joined ? -1 : toMany.inverse;
         made.m_shown |= propertyBit(property);
-        made.m_prefetched.push_back({name, destination, columnsOf(other), toOneBack});
+        made.m_prefetched.push_back({name, toMany.destination,
+                                     columnsOf(model.entity(toMany.destination)), toOneBack});
     }
     return made;
 }

@@ -143,7 +143,7 @@ void UndoManager::announce(const UndoStep &step)
 void UndoManager::addTouched(const RecordedChange &change, TouchedProperties &touched)
 {
     const auto addWithOwner = [&](ObjectID id, const auto &valueOf) {
-        for (const ToOneColumn &column : d->context.d->schema.table(id.entity).toOnes) {
+        for (const ToOneDescription &column : d->context.d->schema.entity(id.entity).toOnes) {
             const Value value = valueOf(column.property);
             const auto *owner = std::get_if<qint64>(&value);
             if (owner && column.rule == DeleteRule::Cascade)
