@@ -132,19 +132,25 @@ private:
     {
         SessionValues values;
         const qint64 key = m_sessions.integer(0);
-        values.date = Date{m_sessions.real(1)};
-        values.flag = qint16(m_sessions.integer(2));
-        values.counterpartSentiment = qint16(m_sessions.integer(3));
-        values.meetingSentiment = qint16(m_sessions.integer(4));
-        values.personalSentiment = qint16(m_sessions.integer(5));
+        values.attributes.set(Session::dateProperty, m_sessions.real(1));
+        values.attributes.set(Session::flagProperty, m_sessions.integer(2));
+        values.attributes.set(Session::counterpartSentimentProperty, m_sessions.integer(3));
+        values.attributes.set(Session::meetingSentimentProperty, m_sessions.integer(4));
+        values.attributes.set(Session::personalSentimentProperty, m_sessions.integer(5));
         values.objectID = uri("Session", key);
-        for (m_links.bind(1, key); m_links.next();)
-            values.tags.push_back(
-                {m_links.text(1), m_links.text(2), uri("Tag", m_links.integer(0))});
+        for (m_links.bind(1, key); m_links.next();) {
+            TagValues &tag = values.tags.emplace_back();
+            tag.attributes.set(Tag::emojiProperty, textValue(m_links.text(1)));
+            tag.attributes.set(Tag::nameProperty, textValue(m_links.text(2)));
+            tag.objectID = uri("Tag", m_links.integer(0));
+        }
         m_links.reset();
         values.notes.emplace();
-        for (m_notes.bind(1, key); m_notes.next();)
-            values.notes->push_back({qint16(m_notes.integer(0)), m_notes.text(1)});
+        for (m_notes.bind(1, key); m_notes.next();) {
+            NoteValues &note = values.notes->emplace_back();
+            note.attributes.set(Note::identifierProperty, m_notes.integer(0));
+            note.attributes.set(Note::contentStringProperty, textValue(m_notes.text(1)));
+        }
         m_notes.reset();
         return values;
     }
@@ -188,17 +194,20 @@ private:
     void insert(const SessionValues &values, qint64 teammate)
     {
         const qint64 session = ++m_key;
+        const auto number = [&](int property) {
+            return qint64(values.attributes.integer(property));
+        };
         m_sessions.bind(1, session)
-            .bind(2, values.date->secondsSinceReferenceDate)
-            .bind(3, qint64(values.flag))
-            .bind(4, qint64(values.counterpartSentiment))
-            .bind(5, qint64(values.meetingSentiment))
-            .bind(6, qint64(values.personalSentiment))
+            .bind(2, values.attributes.date(Session::dateProperty)->secondsSinceReferenceDate)
+            .bind(3, number(Session::flagProperty))
+            .bind(4, number(Session::counterpartSentimentProperty))
+            .bind(5, number(Session::meetingSentimentProperty))
+            .bind(6, number(Session::personalSentimentProperty))
             .bind(7, teammate)
             .run();
         std::array<bool, maximumNoteIdentifier + 1> replaced{};
         for (const NoteValues &note : *values.notes)
-            replaced.at(size_t(note.identifier)) = true;
+            replaced.at(size_t(note.attributes.integer(Note::identifierProperty))) = true;
         for (qint64 identifier = 0; identifier <= maximumNoteIdentifier; ++identifier) {
             m_notes.bind(1, ++m_key).bind(2, identifier).bindNull(3);
             if (replaced.at(size_t(identifier)))
@@ -208,8 +217,8 @@ private:
         }
         for (const NoteValues &note : *values.notes)
             m_notes.bind(1, ++m_key)
-                .bind(2, qint64(note.identifier))
-                .bind(3, note.contentString)
+                .bind(2, qint64(note.attributes.integer(Note::identifierProperty)))
+                .bind(3, note.attributes.text(Note::contentStringProperty))
                 .bind(4, session)
                 .run();
         for (const TagValues &tag : values.tags)
@@ -218,10 +227,12 @@ private:
 
     qint64 keyOf(const TagValues &tag)
     {
-        qint64 &key = m_known[{tag.name, *tag.emoji}];
+        const QString name = tag.attributes.text(Tag::nameProperty);
+        const QString emoji = tag.attributes.text(Tag::emojiProperty);
+        qint64 &key = m_known[{name, emoji}];
         if (key == 0) {
             key = ++m_key;
-            m_tags.bind(1, key).bind(2, tag.name).bind(3, *tag.emoji).run();
+            m_tags.bind(1, key).bind(2, name).bind(3, emoji).run();
         }
         return key;
     }

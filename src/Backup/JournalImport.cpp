@@ -23,7 +23,7 @@ void count(const SessionValues &session, BackupCounts &counts)
     counts.tags += qint64(session.tags.size());
     if (session.notes)
         counts.notes += std::ranges::count_if(*session.notes, [](const NoteValues &note) {
-            return !note.contentString.isNull();
+            return !note.attributes.text(Note::contentStringProperty).isNull();
         });
 }
 

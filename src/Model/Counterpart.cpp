@@ -6,8 +6,11 @@
 #include "Foundation/Time/Clock.h"
 #include "Model/DefaultsManager.h"
 #include "Model/DerivedTexts.h"
+#include "Model/JournalEncoding.h"
 #include "Model/JournalQueries.h"
 #include "Model/JournalServices.h"
+#include "Model/RecordDecoding.h"
+#include "Model/RecordValues.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
 #include "Store/Objects/ManagedObjectContext.h"
@@ -105,6 +108,29 @@ void Counterpart::invalidateDerived()
 {
     m_mostRecentSession.reset();
     Q_EMIT derivedChanged();
+}
+
+Result<void> Counterpart::encode(JsonEncoder &encoder) const
+{
+    require(managedObjectContext(), "a teammate who is written is in the store");
+    const qint64 key = objectID().key;
+    return JournalEncoding::begin(*managedObjectContext(), encoder)
+        .and_then([&](JournalEncoding &&encoding) { return encoding.encodeTeammate(key); });
+}
+
+std::shared_ptr<Counterpart> Counterpart::decode(JsonDecoder &decoder,
+                                                 const std::function<void()> &didDecodeSession)
+{
+    ManagedObjectContext &context = decodingContext(decoder, "Counterpart");
+    const auto counterpart = context.insert<Counterpart>();
+    const auto values = CounterpartValues::decode(decoder, [&] {
+        Session::decode(decoder)->setCounterpart(counterpart);
+        if (didDecodeSession)
+            didDecodeSession();
+    });
+    values.attributes.assignTo(*counterpart);
+    counterpart->importID = values.objectID;
+    return counterpart;
 }
 
 } // namespace tembra

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Result.h"
+#include "Model/JournalAttribute.h"
 #include "Store/Objects/ManagedObject.h"
 
 #include <QString>
@@ -33,6 +34,12 @@ class Counterpart : public ManagedObject
 
 public:
     enum Property { nameProperty, emailProperty, lastUpdateProperty, sessionsProperty };
+    Q_ENUM(Property)
+    static constexpr std::array attributes{
+        JournalAttribute{nameProperty, "name", AttributeType::Text},
+        JournalAttribute{emailProperty, "email", AttributeType::Text, InBackup::No},
+        JournalAttribute{lastUpdateProperty, "lastUpdate", AttributeType::Date, InBackup::No},
+    };
 
     explicit Counterpart(const JournalServices &services);
     ~Counterpart() override;

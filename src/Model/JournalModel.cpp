@@ -4,90 +4,94 @@
 #include "Model/Note.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
+#include "Store/Schema/SchemaStatements.h"
 
 namespace tembra {
 
 namespace {
 
+/// An entity with its attributes, yet without relationships.
 template<typename Object>
-auto maker(const JournalServices &services)
+EntityDescription entityOf(const QByteArray &table, const JournalServices &services)
 {
-    return [&services]() -> std::shared_ptr<ManagedObject> {
-        return std::make_shared<Object>(services);
-    };
+    static_assert(standAtTheirPositions(Object::attributes));
+    EntityDescription entity{.name = Object::entityName(),
+                             .table = table,
+                             .makeObject = [&services]() -> std::shared_ptr<ManagedObject> {
+                                 return std::make_shared<Object>(services);
+                             },
+                             .metaObject = &Object::staticMetaObject};
+    for (const JournalAttribute &attribute : Object::attributes)
+        entity.attributes.append({attribute.name, attribute.type, attribute.sinceVersion});
+    return entity;
 }
 
 EntityDescription counterpartEntity(const JournalServices &services)
 {
-    return {
-        .name = Counterpart::entityName(),
-        .table = "counterpart",
-        .attributes = {{"name", AttributeType::Text},
-                       {"email", AttributeType::Text},
-                       {"lastUpdate", AttributeType::Date}},
-        .toOnes = {},
-        .toManys = {{.name = "sessions",
-                     .destination = Session::entityName(),
-                     .inverse = "counterpart",
-                     .deleteRule = DeleteRule::Cascade}},
-        .makeObject = maker<Counterpart>(services),
-    };
+    EntityDescription entity = entityOf<Counterpart>("counterpart", services);
+    entity.toManys = {{.name = "sessions",
+                       .destinationName = Session::entityName(),
+                       .inverseName = "counterpart",
+                       .deleteRule = DeleteRule::Cascade}};
+    return entity;
 }
 
 EntityDescription tagEntity(const JournalServices &services)
 {
-    return {
-        .name = Tag::entityName(),
-        .table = "tag",
-        .attributes = {{"name", AttributeType::Text},
-                       {"emoji", AttributeType::Text},
-                       {"lastUse", AttributeType::Date}},
-        .toOnes = {},
-        .toManys = {{.name = "sessions",
-                     .destination = Session::entityName(),
-                     .inverse = "tags",
-                     .joinTable = "session_tag",
-                     .ownColumn = "tag",
-                     .destinationColumn = "session"}},
-        .makeObject = maker<Tag>(services),
-    };
+    EntityDescription entity = entityOf<Tag>("tag", services);
+    entity.toManys = {{.name = "sessions",
+                       .destinationName = Session::entityName(),
+                       .inverseName = "tags",
+                       .joinTable = "session_tag",
+                       .ownColumn = "tag",
+                       .destinationColumn = "session"}};
+    return entity;
 }
 
 EntityDescription sessionEntity(const JournalServices &services)
 {
-    return {
-        .name = Session::entityName(),
-        .table = "session",
-        .attributes = {{"date", AttributeType::Date},
-                       {"flag", AttributeType::Integer16},
-                       {"personalSentiment", AttributeType::Integer16},
-                       {"meetingSentiment", AttributeType::Integer16},
-                       {"counterpartSentiment", AttributeType::Integer16}},
-        .toOnes = {{"counterpart", Counterpart::entityName(), "sessions"}},
-        .toManys = {{.name = "notes",
-                     .destination = Note::entityName(),
-                     .inverse = "session",
-                     .deleteRule = DeleteRule::Cascade},
-                    {.name = "tags",
-                     .destination = Tag::entityName(),
-                     .inverse = "sessions",
-                     .joinTable = "session_tag",
-                     .ownColumn = "session",
-                     .destinationColumn = "tag"}},
-        .makeObject = maker<Session>(services),
-    };
+    EntityDescription entity = entityOf<Session>("session", services);
+    entity.toOnes = {{"counterpart", Counterpart::entityName(), "sessions"}};
+    entity.toManys = {{.name = "notes",
+                       .destinationName = Note::entityName(),
+                       .inverseName = "session",
+                       .deleteRule = DeleteRule::Cascade},
+                      {.name = "tags",
+                       .destinationName = Tag::entityName(),
+                       .inverseName = "sessions",
+                       .joinTable = "session_tag",
+                       .ownColumn = "session",
+                       .destinationColumn = "tag"}};
+    return entity;
 }
 
 EntityDescription noteEntity(const JournalServices &services)
 {
+    EntityDescription entity = entityOf<Note>("note", services);
+    entity.toOnes = {{"session", Session::entityName(), "notes"}};
+    return entity;
+}
+
+/// What a version has beside the columns of its attributes. Meetings are read newest first, and
+/// indexes that run the same way spare the sort. The partial indexes serve the look-ups of filled
+/// notes and of old flags.
+QList<QByteArray> furtherStatements(int version)
+{
+    if (version > 1)
+        return {};
     return {
-        .name = Note::entityName(),
-        .table = "note",
-        .attributes = {{"identifier", AttributeType::Integer16},
-                       {"contentString", AttributeType::Text}},
-        .toOnes = {{"session", Session::entityName(), "notes"}},
-        .toManys = {},
-        .makeObject = maker<Note>(services),
+        "CREATE TABLE session_tag ("
+        " session INTEGER NOT NULL REFERENCES session(id) DEFERRABLE INITIALLY DEFERRED,"
+        " tag INTEGER NOT NULL REFERENCES tag(id) DEFERRABLE INITIALLY DEFERRED,"
+        " PRIMARY KEY (session, tag)) WITHOUT ROWID",
+        "CREATE INDEX session_counterpart_date ON session(counterpart, date DESC)",
+        "CREATE INDEX session_date ON session(date DESC)",
+        "CREATE INDEX session_flag ON session(flag) WHERE flag > 0",
+        "CREATE INDEX note_session_identifier ON note(session, identifier)",
+        "CREATE INDEX note_filled ON note(session, identifier)"
+        " WHERE contentString IS NOT NULL AND contentString IS NOT ''",
+        "CREATE INDEX session_tag_tag ON session_tag(tag, session)",
+        "CREATE INDEX tag_lastUse ON tag(lastUse)",
     };
 }
 
@@ -95,11 +99,13 @@ EntityDescription noteEntity(const JournalServices &services)
 
 ObjectModel makeJournalModel(const JournalServices &services)
 {
-    return {
-        .entities = {counterpartEntity(services), tagEntity(services), sessionEntity(services),
-                     noteEntity(services)},
-        .migrations = journalMigrations(),
-    };
+    const QList<EntityDescription> entities{counterpartEntity(services), tagEntity(services),
+                                            sessionEntity(services), noteEntity(services)};
+    QList<SchemaMigration> migrations;
+    for (int version = 1; version <= latestVersion(entities); ++version)
+        migrations.append(
+            {version, tableStatements(entities, version) + furtherStatements(version)});
+    return {entities, migrations};
 }
 
 } // namespace tembra

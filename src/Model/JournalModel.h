@@ -10,7 +10,4 @@ struct JournalServices;
 /// rules and schema. @p services must outlive every store made with the model.
 ObjectModel makeJournalModel(const JournalServices &services);
 
-/// The numbered steps that made the schema what it is.
-QList<SchemaMigration> journalMigrations();
-
 } // namespace tembra

@@ -5,6 +5,8 @@
 #include "Model/DerivedTexts.h"
 #include "Model/JournalQueries.h"
 #include "Model/JournalServices.h"
+#include "Model/RecordDecoding.h"
+#include "Model/RecordValues.h"
 #include "Model/Session.h"
 #include "Store/Objects/ManagedObjectContext.h"
 
@@ -90,6 +92,22 @@ std::shared_ptr<Note> Note::lastEntry(ManagedObjectContext &context, ObjectID co
 {
     const auto entries = fetchLastEntry(context, counterpart, identifier);
     return entries && !entries->isEmpty() ? entries->first() : nullptr;
+}
+
+void Note::encode(JsonEncoder &encoder) const
+{
+    NoteValues values;
+    values.attributes.set(identifierProperty, value(identifierProperty));
+    values.attributes.set(contentStringProperty, value(contentStringProperty));
+    values.encode(encoder);
+}
+
+std::shared_ptr<Note> Note::decode(JsonDecoder &decoder)
+{
+    ManagedObjectContext &context = decodingContext(decoder, "Note");
+    const auto note = context.insert<Note>();
+    NoteValues::decode(decoder).attributes.assignTo(*note);
+    return note;
 }
 
 } // namespace tembra

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Model/JournalAttribute.h"
 #include "Model/NoteField.h"
 #include "Store/Objects/ManagedObject.h"
 
@@ -32,6 +33,11 @@ class Note : public ManagedObject
 public:
     using Identifier = NoteIdentifier;
     enum Property { identifierProperty, contentStringProperty, sessionProperty };
+    Q_ENUM(Property)
+    static constexpr std::array attributes{
+        JournalAttribute{identifierProperty, "identifier", AttributeType::Integer16},
+        JournalAttribute{contentStringProperty, "contentString", AttributeType::Text},
+    };
 
     explicit Note(const JournalServices &services);
     ~Note() override;

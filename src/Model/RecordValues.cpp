@@ -51,10 +51,7 @@ std::optional<std::vector<Values>> decodeAll(JsonDecoder &decoder, const QString
 void TagValues::encode(JsonEncoder &encoder) const
 {
     encoder.beginObject();
-    encoder.key("emoji"_L1);
-    encoder.textOrNull(emoji.value_or(QString()));
-    encoder.key("name"_L1);
-    encoder.textOrNull(name);
+    attributes.encode(encoder);
     encoder.key("objectID"_L1);
     encoder.text(objectID);
     encoder.endObject();
@@ -63,50 +60,29 @@ void TagValues::encode(JsonEncoder &encoder) const
 TagValues TagValues::decode(JsonDecoder &decoder)
 {
     TagValues values;
-    decoder.readObject([&](QByteArrayView key) {
-        if (key == "emoji")
-            values.emoji = decoder.readText().value_or(QString());
-        else if (key == "name")
-            values.name = decoder.readText().value_or(QString());
-    });
+    values.attributes.set(Tag::emojiProperty, Tag::defaultEmoji());
+    decoder.readObject([&](QByteArrayView key) { values.attributes.decode(key, decoder); });
     return values;
 }
 
 void NoteValues::encode(JsonEncoder &encoder) const
 {
     encoder.beginObject();
-    encoder.key("identifier"_L1);
-    encoder.integer(identifier);
-    encoder.key("contentString"_L1);
-    encoder.textOrNull(contentString);
+    attributes.encode(encoder);
     encoder.endObject();
 }
 
 NoteValues NoteValues::decode(JsonDecoder &decoder)
 {
     NoteValues values;
-    decoder.readObject([&](QByteArrayView key) {
-        if (key == "identifier")
-            values.identifier = decoder.readInt16().value_or(0);
-        else if (key == "contentString")
-            values.contentString = decoder.readText().value_or(QString());
-    });
+    decoder.readObject([&](QByteArrayView key) { values.attributes.decode(key, decoder); });
     return values;
 }
 
 void SessionValues::encode(JsonEncoder &encoder) const
 {
     encoder.beginObject();
-    encoder.key("date"_L1);
-    encoder.dateOrNull(date);
-    encoder.key("flag"_L1);
-    encoder.integer(flag);
-    encoder.key("counterpartSentiment"_L1);
-    encoder.integer(counterpartSentiment);
-    encoder.key("meetingSentiment"_L1);
-    encoder.integer(meetingSentiment);
-    encoder.key("personalSentiment"_L1);
-    encoder.integer(personalSentiment);
+    attributes.encode(encoder);
     encoder.key("objectID"_L1);
     encoder.text(objectID);
     encoder.key("tags"_L1);
@@ -118,7 +94,7 @@ void SessionValues::encode(JsonEncoder &encoder) const
         encoder.key("notes"_L1);
         encoder.beginArray();
         for (const NoteValues &note : *notes) {
-            if (!note.contentString.isNull())
+            if (!note.attributes.text(Note::contentStringProperty).isNull())
                 note.encode(encoder);
         }
         encoder.endArray();
@@ -129,25 +105,16 @@ void SessionValues::encode(JsonEncoder &encoder) const
 SessionValues SessionValues::decode(JsonDecoder &decoder)
 {
     SessionValues values;
-    const auto integer = [&] { return decoder.readInt16().value_or(0); };
     decoder.readObject([&](QByteArrayView key) {
-        if (key == "date")
-            values.date = decoder.readDate();
-        else if (key == "flag")
-            values.flag = integer();
-        else if (key == "counterpartSentiment")
-            values.counterpartSentiment = integer();
-        else if (key == "meetingSentiment")
-            values.meetingSentiment = integer();
-        else if (key == "personalSentiment")
-            values.personalSentiment = integer();
-        else if (key == "objectID")
+        if (key == "objectID")
             values.objectID = decoder.readText().value_or(QString());
         else if (key == "tags")
             values.tags = decodeAll<TagValues>(decoder, tagLabel())
                               .value_or(std::vector<TagValues>());
         else if (key == "notes")
             values.notes = decodeAll<NoteValues>(decoder, noteLabel());
+        else
+            values.attributes.decode(key, decoder);
     });
     return values;
 }
@@ -156,8 +123,7 @@ void CounterpartValues::encode(JsonEncoder &encoder,
                                const std::function<void()> &encodeSessions) const
 {
     encoder.beginObject();
-    encoder.key("name"_L1);
-    encoder.textOrNull(name);
+    attributes.encode(encoder);
     encoder.key("objectID"_L1);
     encoder.text(objectID);
     encoder.key("sessions"_L1);
@@ -172,11 +138,11 @@ CounterpartValues CounterpartValues::decode(JsonDecoder &decoder,
 {
     CounterpartValues values;
     decoder.readObject([&](QByteArrayView key) {
-        if (key == "name")
-            values.name = decoder.readText().value_or(QString());
-        else if (key == "objectID")
+        if (key == "objectID")
             values.objectID = decoder.readText().value_or(QString());
-        else if (key == "sessions" && !decoder.readNull())
+        else if (key != "sessions")
+            values.attributes.decode(key, decoder);
+        else if (!decoder.readNull())
             decoder.readArray(sessionLabel(), decodeSession);
     });
     return values;

@@ -1,6 +1,10 @@
 #pragma once
 
-#include "Foundation/Time/Date.h"
+#include "Model/AttributeValues.h"
+#include "Model/Counterpart.h"
+#include "Model/Note.h"
+#include "Model/Session.h"
+#include "Model/Tag.h"
 
 #include <QString>
 
@@ -13,25 +17,24 @@ namespace tembra {
 class JsonDecoder;
 class JsonEncoder;
 
-// What a journal's records look like in a backup, apart from any store. Reading takes the keys in
-// any order, ignores those it does not know, and of a key that comes twice takes the last.
+// The records of a journal as they stand in a backup, apart from any store. Reading takes the keys
+// in any order, ignores those it does not know, and of a key that comes twice takes the last.
 
 /// A tag of a meeting. When it was last used is not part of a backup.
 struct TagValues
 {
-    std::optional<QString> emoji; ///< Nothing when the backup says nothing; a null text when missing.
-    QString name; ///< Null when missing.
+    AttributeValues attributes{Tag::attributes};
     QString objectID; ///< Written, and not read.
 
     void encode(JsonEncoder &encoder) const;
+    /// A tag of which the backup does not tell the emoji has that of a new tag.
     static TagValues decode(JsonDecoder &decoder);
 };
 
 /// A note field of a meeting.
 struct NoteValues
 {
-    qint16 identifier = 0;
-    QString contentString; ///< Null when missing.
+    AttributeValues attributes{Note::attributes};
 
     void encode(JsonEncoder &encoder) const;
     static NoteValues decode(JsonDecoder &decoder);
@@ -40,15 +43,11 @@ struct NoteValues
 /// A meeting with its notes and tags.
 struct SessionValues
 {
-    OptionalDate date;
-    qint16 flag = 0;
-    qint16 counterpartSentiment = 0;
-    qint16 meetingSentiment = 0;
-    qint16 personalSentiment = 0;
-    QString objectID; ///< Null when missing.
-    std::vector<TagValues> tags;
+    AttributeValues attributes{Session::attributes};
+    QString objectID = {}; ///< Null when missing.
+    std::vector<TagValues> tags = {};
     /// Nothing when the meeting has no notes at all; those without a text are not written.
-    std::optional<std::vector<NoteValues>> notes;
+    std::optional<std::vector<NoteValues>> notes = {};
 
     void encode(JsonEncoder &encoder) const;
     static SessionValues decode(JsonDecoder &decoder);
@@ -57,7 +56,7 @@ struct SessionValues
 /// A teammate, but for the meetings: of these there may be any number.
 struct CounterpartValues
 {
-    QString name; ///< Null when missing.
+    AttributeValues attributes{Counterpart::attributes};
     QString objectID; ///< Null when missing.
 
     /// @p encodeSessions writes the meetings, one after another.

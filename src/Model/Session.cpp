@@ -1,13 +1,18 @@
 #include "Model/Session.h"
 
+#include "Foundation/Precondition.h"
 #include "Foundation/Time/Clock.h"
 #include "Foundation/Time/DateFormatting.h"
 #include "Model/Counterpart.h"
 #include "Model/DerivedTexts.h"
+#include "Model/JournalEncoding.h"
 #include "Model/JournalServices.h"
 #include "Model/Note.h"
+#include "Model/RecordDecoding.h"
+#include "Model/RecordValues.h"
 #include "Model/SentimentScale.h"
 #include "Model/Tag.h"
+#include "Model/TagMerger.h"
 #include "Store/Objects/ManagedObjectContext.h"
 
 #include <algorithm>
@@ -26,6 +31,24 @@ QString emojiOnScale(const SentimentScale &scale, qint16 value, const DefaultsMa
 bool isEarlierTag(const std::shared_ptr<Tag> &left, const std::shared_ptr<Tag> &right)
 {
     return Tag::comesBefore(left->name(), left->emoji(), right->name(), right->emoji());
+}
+
+/// A note that takes the place of one made with the meeting leaves that one without a meeting, but
+/// in the store.
+void replaceNotes(const std::shared_ptr<Session> &session, const std::vector<NoteValues> &decoded)
+{
+    QMultiHash<qint16, std::shared_ptr<Note>> groups;
+    for (const std::shared_ptr<Note> &note : session->notes())
+        groups.insert(note->identifier(), note);
+    for (const NoteValues &values : decoded) {
+        const auto note = session->managedObjectContext()->insert<Note>();
+        values.attributes.assignTo(*note);
+        for (const std::shared_ptr<Note> &replaced : groups.values(note->identifier()))
+            replaced->setSession({});
+        note->setSession(session);
+        groups.remove(note->identifier());
+        groups.insert(note->identifier(), note);
+    }
 }
 
 } // namespace
@@ -153,6 +176,30 @@ QString Session::tagEmojiSummary() const
 void Session::invalidateDerived()
 {
     Q_EMIT derivedChanged();
+}
+
+Result<void> Session::encode(JsonEncoder &encoder) const
+{
+    require(managedObjectContext(), "a meeting that is written is in the store");
+    const qint64 key = objectID().key;
+    return JournalEncoding::begin(*managedObjectContext(), encoder)
+        .and_then([&](JournalEncoding &&encoding) {
+            return encoding.encodeSessions(std::span(&key, 1));
+        });
+}
+
+std::shared_ptr<Session> Session::decode(JsonDecoder &decoder)
+{
+    ManagedObjectContext &context = decodingContext(decoder, "Session");
+    const SessionValues values = SessionValues::decode(decoder);
+    const auto session = context.insert<Session>();
+    values.attributes.assignTo(*session);
+    session->importID = values.objectID;
+    for (const TagValues &tag : values.tags)
+        session->addTag(*decodingTagMerger(decoder, context).tagFor(tag));
+    if (values.notes)
+        replaceNotes(session, *values.notes);
+    return session;
 }
 
 } // namespace tembra

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Result.h"
+#include "Model/JournalAttribute.h"
 #include "Store/Objects/ManagedObject.h"
 
 #include <QString>
@@ -42,12 +43,21 @@ public:
     enum Property {
         dateProperty,
         flagProperty,
-        personalSentimentProperty,
-        meetingSentimentProperty,
         counterpartSentimentProperty,
+        meetingSentimentProperty,
+        personalSentimentProperty,
         counterpartProperty,
         notesProperty,
         tagsProperty
+    };
+    Q_ENUM(Property)
+    static constexpr std::array attributes{
+        JournalAttribute{dateProperty, "date", AttributeType::Date},
+        JournalAttribute{flagProperty, "flag", AttributeType::Integer16},
+        JournalAttribute{counterpartSentimentProperty, "counterpartSentiment",
+                         AttributeType::Integer16},
+        JournalAttribute{meetingSentimentProperty, "meetingSentiment", AttributeType::Integer16},
+        JournalAttribute{personalSentimentProperty, "personalSentiment", AttributeType::Integer16},
     };
 
     explicit Session(const JournalServices &services);

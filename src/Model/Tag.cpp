@@ -3,8 +3,11 @@
 #include "Foundation/Logging.h"
 #include "Foundation/Precondition.h"
 #include "Model/JournalQueries.h"
+#include "Model/RecordDecoding.h"
+#include "Model/RecordValues.h"
 #include "Model/Session.h"
 #include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/PersistentContainer.h"
 #include "Store/Results/FetchedResultsController.h"
 
 #include <algorithm>
@@ -117,6 +120,24 @@ std::shared_ptr<Tag> Tag::findOrCreate(ManagedObjectContext &context, const QStr
 std::unique_ptr<FetchedResultsController> Tag::allTagsResultController(ManagedObjectContext &context)
 {
     return std::make_unique<FetchedResultsController>(context, JournalQueries::allTags());
+}
+
+void Tag::encode(JsonEncoder &encoder) const
+{
+    require(managedObjectContext(), "a tag that is written is in the store");
+    TagValues values{.objectID = managedObjectContext()->container().uriRepresentation(objectID())};
+    values.attributes.set(emojiProperty, value(emojiProperty));
+    values.attributes.set(nameProperty, value(nameProperty));
+    values.encode(encoder);
+}
+
+std::shared_ptr<Tag> Tag::decode(JsonDecoder &decoder)
+{
+    ManagedObjectContext &context = decodingContext(decoder, "Tag");
+    const TagValues values = TagValues::decode(decoder);
+    const auto tag = context.insert<Tag>();
+    values.attributes.assignTo(*tag);
+    return tag;
 }
 
 } // namespace tembra

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Model/JournalAttribute.h"
 #include "Store/Objects/ManagedObject.h"
 
 #include <QString>
@@ -25,7 +26,13 @@ class Tag : public ManagedObject
     Q_PROPERTY(QString titleString READ titleString NOTIFY titleStringChanged)
 
 public:
-    enum Property { nameProperty, emojiProperty, lastUseProperty, sessionsProperty };
+    enum Property { emojiProperty, nameProperty, lastUseProperty, sessionsProperty };
+    Q_ENUM(Property)
+    static constexpr std::array attributes{
+        JournalAttribute{emojiProperty, "emoji", AttributeType::Text},
+        JournalAttribute{nameProperty, "name", AttributeType::Text},
+        JournalAttribute{lastUseProperty, "lastUse", AttributeType::Date, InBackup::No},
+    };
 
     explicit Tag(const JournalServices &services);
     static QByteArray entityName() { return "Tag"; }

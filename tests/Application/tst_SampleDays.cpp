@@ -30,11 +30,12 @@ Moments momentsInDocument(const QByteArray &json)
     decodeJournal(decoder, [&] {
         QList<QDateTime> ofTeammate;
         const auto values = CounterpartValues::decode(decoder, [&] {
-            const OptionalDate date = SessionValues::decode(decoder).date;
+            const OptionalDate date = SessionValues::decode(decoder).attributes.date(
+                Session::dateProperty);
             ofTeammate.append(momentOf(date.value_or(Date{}), QTimeZone::utc()));
         });
         std::ranges::sort(ofTeammate);
-        moments.insert(values.name, ofTeammate);
+        moments.insert(values.attributes.text(Counterpart::nameProperty), ofTeammate);
     });
     return moments;
 }

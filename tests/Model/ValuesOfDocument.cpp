@@ -28,12 +28,34 @@ void add(QStringList &parts, const QString &key, qint16 number)
         parts.append(key + u' ' + QString::number(number));
 }
 
+void add(QStringList &parts, const QString &key, OptionalDate date)
+{
+    if (date)
+        parts.append(key + u' ' + QString::number(date->secondsSinceReferenceDate, 'g', 17));
+}
+
+void add(QStringList &parts, const AttributeValues &values,
+         std::span<const JournalAttribute> attributes)
+{
+    for (const JournalAttribute &attribute : attributes) {
+        const QString key = QString::fromLatin1(attribute.name);
+        if (attribute.type == AttributeType::Text)
+            add(parts, key, values.text(attribute.property));
+        else if (attribute.type == AttributeType::Integer16)
+            add(parts, key, values.integer(attribute.property));
+        else
+            add(parts, key, values.date(attribute.property));
+    }
+}
+
 QString shown(const TagValues &tag)
 {
     QStringList parts;
-    if (tag.emoji)
-        parts.append(u"emoji "_s + quoted(*tag.emoji));
-    add(parts, u"name"_s, tag.name);
+    // A tag of which nothing is told has the emoji of a new one.
+    const QString emoji = tag.attributes.text(Tag::emojiProperty);
+    if (emoji != Tag::defaultEmoji())
+        parts.append(u"emoji "_s + (emoji.isNull() ? u"null"_s : quoted(emoji)));
+    add(parts, u"name"_s, tag.attributes.text(Tag::nameProperty));
     add(parts, u"objectID"_s, tag.objectID);
     return u'(' + parts.join(u", "_s) + u')';
 }
@@ -41,21 +63,14 @@ QString shown(const TagValues &tag)
 QString shown(const NoteValues &note)
 {
     QStringList parts;
-    add(parts, u"identifier"_s, note.identifier);
-    add(parts, u"contentString"_s, note.contentString);
+    add(parts, note.attributes, Note::attributes);
     return u'(' + parts.join(u", "_s) + u')';
 }
 
 QString shown(const SessionValues &session)
 {
     QStringList parts;
-    if (session.date)
-        parts.append(u"date "_s
-                     + QString::number(session.date->secondsSinceReferenceDate, 'g', 17));
-    add(parts, u"flag"_s, session.flag);
-    add(parts, u"counterpartSentiment"_s, session.counterpartSentiment);
-    add(parts, u"meetingSentiment"_s, session.meetingSentiment);
-    add(parts, u"personalSentiment"_s, session.personalSentiment);
+    add(parts, session.attributes, Session::attributes);
     add(parts, u"objectID"_s, session.objectID);
     if (!session.tags.empty()) {
         QString tags = u"tags "_s;
@@ -84,7 +99,7 @@ QString readValues(QByteArrayView document)
             sessions += shown(SessionValues::decode(decoder));
         });
         QStringList own;
-        add(own, u"name"_s, values.name);
+        add(own, values.attributes, Counterpart::attributes);
         add(own, u"objectID"_s, values.objectID);
         if (!sessions.isEmpty())
             own.append(sessions);

@@ -43,13 +43,11 @@ Q_SIGNALS:
 
 ObjectModel strangersModel()
 {
-    return {.entities = {{.name = "Stranger",
-                          .table = "stranger",
-                          .attributes = {{"name", AttributeType::Text}},
-                          .toOnes = {},
-                          .toManys = {},
-                          .makeObject = [] { return std::make_shared<Stranger>(); }}},
-            .migrations = {{1, {"CREATE TABLE stranger (id INTEGER PRIMARY KEY, name TEXT)"}}}};
+    return {{{.name = "Stranger",
+              .table = "stranger",
+              .attributes = {{"name", AttributeType::Text}},
+              .makeObject = [] { return std::make_shared<Stranger>(); }}},
+            {{1, {"CREATE TABLE stranger (id INTEGER PRIMARY KEY, name TEXT)"}}}};
 }
 
 } // namespace

@@ -18,6 +18,23 @@ QByteArray written(const Values &values)
     return encoder.takeDocument().value();
 }
 
+TagValues tagValues(const QString &emoji, const QString &name, const QString &objectID)
+{
+    TagValues values;
+    values.attributes.set(Tag::emojiProperty, textValue(emoji));
+    values.attributes.set(Tag::nameProperty, textValue(name));
+    values.objectID = objectID;
+    return values;
+}
+
+NoteValues noteValues(qint16 identifier, const QString &text)
+{
+    NoteValues values;
+    values.attributes.set(Note::identifierProperty, qint64(identifier));
+    values.attributes.set(Note::contentStringProperty, textValue(text));
+    return values;
+}
+
 } // namespace
 
 class tst_RecordValues : public QObject
@@ -44,18 +61,19 @@ private Q_SLOTS:
 
 void tst_RecordValues::writesKeysInOrder()
 {
-    QCOMPARE(written(TagValues{u"🚀"_s, u"launch"_s, u"uri/t"_s}),
+    QCOMPARE(written(tagValues(u"🚀"_s, u"launch"_s, u"uri/t"_s)),
              R"({"emoji":"🚀","name":"launch","objectID":"uri/t"})");
-    QCOMPARE(written(NoteValues{4, u"Wants to lead"_s}),
+    QCOMPARE(written(noteValues(4, u"Wants to lead"_s)),
              R"({"identifier":4,"contentString":"Wants to lead"})");
-    const SessionValues values{.date = Date{573406200},
-                               .flag = 5,
-                               .counterpartSentiment = 2,
-                               .meetingSentiment = 3,
-                               .personalSentiment = 1,
-                               .objectID = u"uri/s"_s,
-                               .tags = {{u"a"_s, u"b"_s, u"c"_s}, {u"d"_s, u"e"_s, u"f"_s}},
-                               .notes = {{{0, u"one"_s}, {1, u"two"_s}}}};
+    SessionValues values;
+    values.attributes.set(Session::dateProperty, 573406200.0);
+    values.attributes.set(Session::flagProperty, qint64(5));
+    values.attributes.set(Session::counterpartSentimentProperty, qint64(2));
+    values.attributes.set(Session::meetingSentimentProperty, qint64(3));
+    values.attributes.set(Session::personalSentimentProperty, qint64(1));
+    values.objectID = u"uri/s"_s;
+    values.tags = {tagValues(u"a"_s, u"b"_s, u"c"_s), tagValues(u"d"_s, u"e"_s, u"f"_s)};
+    values.notes = {noteValues(0, u"one"_s), noteValues(1, u"two"_s)};
     QCOMPARE(written(values),
              R"({"date":573406200,"flag":5,"counterpartSentiment":2,"meetingSentiment":3,)"
              R"("personalSentiment":1,"objectID":"uri/s",)"
@@ -68,7 +86,7 @@ void tst_RecordValues::writesKeysInOrder()
 void tst_RecordValues::writesMissingValues()
 {
     QCOMPARE(written(TagValues{}), R"({"emoji":null,"name":null,"objectID":""})");
-    QCOMPARE(written(TagValues{QString(), QString(), u"t"_s}),
+    QCOMPARE(written(tagValues(QString(), QString(), u"t"_s)),
              R"({"emoji":null,"name":null,"objectID":"t"})");
     QCOMPARE(written(NoteValues{}), R"({"identifier":0,"contentString":null})");
     // Without notes there is no key for them.
@@ -79,21 +97,23 @@ void tst_RecordValues::writesMissingValues()
              R"("personalSentiment":0,"objectID":"s","tags":[]})");
     constexpr qint16 least = -32768;
     constexpr qint16 most = 32767;
-    session.flag = session.meetingSentiment = least;
-    session.counterpartSentiment = session.personalSentiment = most;
+    session.attributes.set(Session::flagProperty, qint64(least));
+    session.attributes.set(Session::meetingSentimentProperty, qint64(least));
+    session.attributes.set(Session::counterpartSentimentProperty, qint64(most));
+    session.attributes.set(Session::personalSentimentProperty, qint64(most));
     QCOMPARE(written(session),
              R"({"date":null,"flag":-32768,"counterpartSentiment":32767,)"
              R"("meetingSentiment":-32768,"personalSentiment":32767,"objectID":"s","tags":[]})");
-    QCOMPARE(written(NoteValues{least, u""_s}), R"({"identifier":-32768,"contentString":""})");
+    QCOMPARE(written(noteValues(least, u""_s)), R"({"identifier":-32768,"contentString":""})");
 }
 
 void tst_RecordValues::writesTexts()
 {
     const QString odd = u"\"\\/\n"_s + QChar(0) + u"é🏳️‍🌈שלום"_s;
     QCOMPARE(
-        written(NoteValues{0, odd}),
+        written(noteValues(0, odd)),
         "{\"identifier\":0,\"contentString\":\"\\\"\\\\/\\n\\u0000é🏳️‍🌈שלום\"}");
-    QCOMPARE(written(TagValues{u""_s, odd, u""_s}),
+    QCOMPARE(written(tagValues(u""_s, odd, u""_s)),
              "{\"emoji\":\"\",\"name\":\"\\\"\\\\/"
              "\\n\\u0000é🏳️‍🌈שלום\",\"objectID\":\"\"}");
 }
@@ -107,8 +127,9 @@ void tst_RecordValues::writesNotesThatHaveText()
         return whole.mid(whole.indexOf("\"notes\""));
     };
     QCOMPARE(notesOf({}), R"("notes":[]})");
-    QCOMPARE(notesOf({{0, {}}, {1, {}}}), R"("notes":[]})");
-    QCOMPARE(notesOf({{0, {}}, {1, u""_s}, {2, {}}, {3, u"x"_s}}),
+    QCOMPARE(notesOf({noteValues(0, {}), noteValues(1, {})}), R"("notes":[]})");
+    QCOMPARE(notesOf({noteValues(0, {}), noteValues(1, u""_s), noteValues(2, {}),
+                      noteValues(3, u"x"_s)}),
              R"("notes":[{"identifier":1,"contentString":""},)"
              R"({"identifier":3,"contentString":"x"}]})");
 }
@@ -137,7 +158,7 @@ void tst_RecordValues::writesDates()
     QFETCH(double, seconds);
     QFETCH(QByteArray, expected);
     SessionValues session;
-    session.date = Date{seconds};
+    session.attributes.set(Session::dateProperty, seconds);
     const QByteArray whole = written(session);
     QCOMPARE(whole.left(whole.indexOf(",\"flag\"")), "{\"date\":" + expected);
 }

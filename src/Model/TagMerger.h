@@ -13,11 +13,11 @@ class Tag;
 struct TagValues;
 
 /// Merges the tags of a backup by name and emoji with those that are there, and with each other.
-class ImportedTags
+class TagMerger
 {
 public:
-    explicit ImportedTags(ManagedObjectContext &context);
-    ~ImportedTags();
+    explicit TagMerger(ManagedObjectContext &context);
+    ~TagMerger();
 
     /// The first tag with this name and emoji in the context (missing equals missing), else a new one.
     std::shared_ptr<Tag> tagFor(const TagValues &values);

@@ -88,7 +88,7 @@ private:
 
 } // namespace
 
-class tst_ImportedTags : public QObject
+class tst_TagMerger : public QObject
 {
     Q_OBJECT
 
@@ -105,7 +105,7 @@ private Q_SLOTS:
     void saysNothingUnlessAsked();
 };
 
-void tst_ImportedTags::tagsOfAMeeting_data()
+void tst_TagMerger::tagsOfAMeeting_data()
 {
     QTest::addColumn<QByteArray>("member");
     QTest::addColumn<QString>("expected");
@@ -145,7 +145,7 @@ void tst_ImportedTags::tagsOfAMeeting_data()
     row("key twice", "[" + launch + R"(],"tags":[{"name":"land"}])", R"("land" "🏷")");
 }
 
-void tst_ImportedTags::tagsOfAMeeting()
+void tst_TagMerger::tagsOfAMeeting()
 {
     QFETCH(QByteArray, member);
     JournalFixture journal;
@@ -156,7 +156,7 @@ void tst_ImportedTags::tagsOfAMeeting()
     QCOMPARE(allTags(journal.context()).size(), meeting->tags().size());
 }
 
-void tst_ImportedTags::meetingsShareATag()
+void tst_TagMerger::meetingsShareATag()
 {
     JournalFixture journal;
     QByteArray document = meetingsWith({launch, launch + R"(,{"name":"land"})", ""});
@@ -169,7 +169,7 @@ void tst_ImportedTags::meetingsShareATag()
     QCOMPARE(tags.at(1)->sessions().size(), 1);
 }
 
-void tst_ImportedTags::mergesWithTagsOfTheStore_data()
+void tst_TagMerger::mergesWithTagsOfTheStore_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("emoji");
@@ -197,7 +197,7 @@ void tst_ImportedTags::mergesWithTagsOfTheStore_data()
     row(R"({"name":"a\u0000c","emoji":"🚀"})", u"a"_s + QChar(0) + u'b', u"🚀"_s, false);
 }
 
-void tst_ImportedTags::mergesWithTagsOfTheStore()
+void tst_TagMerger::mergesWithTagsOfTheStore()
 {
     QFETCH(QString, name);
     QFETCH(QString, emoji);
@@ -215,7 +215,7 @@ void tst_ImportedTags::mergesWithTagsOfTheStore()
     QCOMPARE(shown(*there), quoted(name) + u' ' + quoted(emoji));
 }
 
-void tst_ImportedTags::mergesWithTheFirstOfEqualTags()
+void tst_TagMerger::mergesWithTheFirstOfEqualTags()
 {
     JournalFixture journal;
     QList<std::shared_ptr<Tag>> there;
@@ -231,7 +231,7 @@ void tst_ImportedTags::mergesWithTheFirstOfEqualTags()
         QCOMPARE(meeting->tags(), there.first(1));
 }
 
-void tst_ImportedTags::mergesWithWhatWasNotSavedYet()
+void tst_TagMerger::mergesWithWhatWasNotSavedYet()
 {
     JournalFixture journal;
     const auto there = journal.context().insert<Tag>();
@@ -249,7 +249,7 @@ void tst_ImportedTags::mergesWithWhatWasNotSavedYet()
         QCOMPARE(teammate->sessions().first()->tags().first(), there);
 }
 
-void tst_ImportedTags::lastUseIsNoBackupsBusiness()
+void tst_TagMerger::lastUseIsNoBackupsBusiness()
 {
     JournalFixture journal;
     const auto there = Tag::findOrCreate(journal.context(), u"launch"_s, u"🚀"_s);
@@ -262,7 +262,7 @@ void tst_ImportedTags::lastUseIsNoBackupsBusiness()
         QCOMPARE(tag->lastUse(), tag == there ? OptionalDate(Date{5}) : OptionalDate());
 }
 
-void tst_ImportedTags::saysWhatBecameOfEachTag()
+void tst_TagMerger::saysWhatBecameOfEachTag()
 {
     JournalFixture journal;
     const auto there = Tag::findOrCreate(journal.context(), u"launch"_s, u"🚀"_s);
@@ -280,7 +280,7 @@ void tst_ImportedTags::saysWhatBecameOfEachTag()
                           u"Existing: land 🏷 "_s + uris.at(1), u"New:  🏷 "_s + uris.at(2)}));
 }
 
-void tst_ImportedTags::saysNothingUnlessAsked()
+void tst_TagMerger::saysNothingUnlessAsked()
 {
     const ImportLog log;
     QLoggingCategory::setFilterRules({});
@@ -289,5 +289,5 @@ void tst_ImportedTags::saysNothingUnlessAsked()
     QCOMPARE(log.lines(), QStringList());
 }
 
-QTEST_GUILESS_MAIN(tst_ImportedTags)
-#include "tst_ImportedTags.moc"
+QTEST_GUILESS_MAIN(tst_TagMerger)
+#include "tst_TagMerger.moc"

@@ -1,4 +1,4 @@
-#include "Model/ImportedTags.h"
+#include "Model/TagMerger.h"
 
 #include "Foundation/Logging.h"
 #include "Model/JournalQueries.h"
@@ -27,7 +27,7 @@ void logTag(const char *how, const Tag &tag)
 
 } // namespace
 
-ImportedTags::ImportedTags(ManagedObjectContext &context) : m_context(context)
+TagMerger::TagMerger(ManagedObjectContext &context) : m_context(context)
 {
     const auto tags = context.fetch<Tag>(JournalQueries::allTags());
     if (!tags) {
@@ -41,24 +41,23 @@ ImportedTags::ImportedTags(ManagedObjectContext &context) : m_context(context)
     }
 }
 
-ImportedTags::~ImportedTags() = default;
+TagMerger::~TagMerger() = default;
 
-ImportedTags::NameAndEmoji ImportedTags::keyOf(const QString &name, const QString &emoji)
+TagMerger::NameAndEmoji TagMerger::keyOf(const QString &name, const QString &emoji)
 {
     return {marked(name), marked(emoji)};
 }
 
-std::shared_ptr<Tag> ImportedTags::tagFor(const TagValues &values)
+std::shared_ptr<Tag> TagMerger::tagFor(const TagValues &values)
 {
-    const QString emoji = values.emoji.value_or(Tag::defaultEmoji());
-    std::shared_ptr<Tag> &tag = m_tags[keyOf(values.name, emoji)];
+    std::shared_ptr<Tag> &tag = m_tags[keyOf(values.attributes.text(Tag::nameProperty),
+                                             values.attributes.text(Tag::emojiProperty))];
     if (tag) {
         logTag("Existing: ", *tag);
         return tag;
     }
     tag = m_context.insert<Tag>();
-    tag->setName(values.name);
-    tag->setEmoji(emoji);
+    values.attributes.assignTo(*tag);
     logTag("New: ", *tag);
     return tag;
 }
