@@ -1,12 +1,11 @@
 #pragma once
 
 #include "Store/Objects/ManagedObjectContext.h"
+#include "support/GuiTest.h"
 #include "support/JournalFixture.h"
 #include "Tags/TagField.h"
 
-#include <QInputMethodEvent>
 #include <QLineEdit>
-#include <QTest>
 #include <QVBoxLayout>
 #include <QWidget>
 
@@ -45,13 +44,7 @@ public:
         journal.context().processPendingChanges();
         return tag;
     }
-    /// As an input method or an emoji keyboard gives a text that no key stands for.
-    void compose(const QString &text) const
-    {
-        QInputMethodEvent event;
-        event.setCommitString(text);
-        QCoreApplication::sendEvent(field, &event);
-    }
+    void compose(const QString &text) const { gui::commitText(*field, text); }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
     {
         QTest::keyClick(field, key, modifiers);

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "PackageFolder.h"
-#include "Toolkit/Alert.h"
+#include "support/GuiTest.h"
 #include "Toolkit/Package/PackageDialog.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -147,23 +146,14 @@ protected:
         if (std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; })) {
             QTest::keyClicks(nameEdit(), text);
         } else {
-            QApplication::clipboard()->setText(text);
-            QTest::keyClick(nameEdit(), Qt::Key_V, Qt::ControlModifier);
+            gui::pasteText(*nameEdit(), text);
         }
         // What offers to complete it would be taken for the window that gets the next key.
         if (QWidget *popup = QApplication::activePopupWidget())
             QTest::keyClick(popup, Qt::Key_Escape);
     }
 
-    Alert *question() const
-    {
-        auto *alert = m_dialog->findChild<Alert *>();
-        if (!alert || !alert->isVisible())
-            return nullptr;
-        [[maybe_unused]] const bool active = QTest::qWaitFor(
-            [alert] { return QApplication::activeWindow() == alert; });
-        return alert;
-    }
+    Alert *question() const { return gui::sheetOf(*m_dialog); }
 
     void verifyDeletingIsImpossible() const
     {
@@ -177,9 +167,9 @@ protected:
 
     void answer(const std::function<void(PackageDialog *)> &act)
     {
-        QTimer::singleShot(100, qApp, [act] {
+        QTimer::singleShot(0, qApp, [act] {
             auto *dialog = qobject_cast<PackageDialog *>(QApplication::activeModalWidget());
-            QVERIFY(dialog);
+            QVERIFY(dialog && gui::waitUntilActive(*dialog));
             act(dialog);
         });
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/GuiTest.h"
 #include "WordField.h"
 
 #include <QLineEdit>
@@ -9,7 +10,8 @@
 
 #include <memory>
 
-/// A window with a field of words that has the keyboard, and another field below it.
+/// The base of tests of a token field: a window with a field of words that has the keyboard, and
+/// another field below it.
 class TokenFieldTest : public QObject
 {
     Q_OBJECT

@@ -3,9 +3,6 @@
 #include "Toolkit/Token/TokenField.h"
 #include "WordDelegate.h"
 
-#include <QCoreApplication>
-#include <QKeyEvent>
-
 /// A token field for words.
 class WordField : public tembra::TokenField, public WordDelegate
 {
@@ -17,19 +14,6 @@ public:
     explicit WordField(QWidget *parent = nullptr) : TokenField(*this, parent)
     {
         presentWords = [this] { return words(); };
-    }
-
-    /// Types each character, of whatever script.
-    void type(const QString &text)
-    {
-        for (const uint character : text.toUcs4()) {
-            const QString key = QString::fromUcs4(reinterpret_cast<const char32_t *>(&character),
-                                                  1);
-            for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-                QKeyEvent event(type, 0, Qt::NoModifier, key);
-                QCoreApplication::sendEvent(this, &event);
-            }
-        }
     }
 
     void moveCaret(int position, int anchor = -1)

@@ -46,66 +46,60 @@ class TestIcons : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyIconIsDrawn();
-    void iconsDiffer();
-    void followTheTextColour();
-    void areSharpAtTwiceTheScale();
-    void applicationIconIsColoured();
-};
-
-void TestIcons::everyIconIsDrawn()
-{
-    for (const icons::Name name : allNames) {
-        const int ink = opaquePixels(image(icons::icon(name)));
-        QVERIFY(ink > 20 && ink < 32 * 32 / 2);
+    void everyIconIsDrawn()
+    {
+        for (const icons::Name name : allNames) {
+            const int ink = opaquePixels(image(icons::icon(name)));
+            QVERIFY(ink > 20 && ink < 32 * 32 / 2);
+        }
+        for (const auto kind :
+             {icons::AlertIcon::Information, icons::AlertIcon::Warning, icons::AlertIcon::Error})
+            QVERIFY(opaquePixels(image(icons::alert(kind))) > 100);
+        QVERIFY(opaquePixels(image(icons::package())) > 100);
     }
-    for (const auto kind :
-         {icons::AlertIcon::Information, icons::AlertIcon::Warning, icons::AlertIcon::Error})
-        QVERIFY(opaquePixels(image(icons::alert(kind))) > 100);
-    QVERIFY(opaquePixels(image(icons::package())) > 100);
-}
 
-void TestIcons::iconsDiffer()
-{
-    for (size_t i = 0; i < allNames.size(); ++i)
-        for (size_t j = i + 1; j < allNames.size(); ++j)
-            QVERIFY(image(icons::icon(allNames[i])) != image(icons::icon(allNames[j])));
-}
+    void iconsDiffer()
+    {
+        for (size_t i = 0; i < allNames.size(); ++i)
+            for (size_t j = i + 1; j < allNames.size(); ++j)
+                QVERIFY(image(icons::icon(allNames[i])) != image(icons::icon(allNames[j])));
+    }
 
-void TestIcons::followTheTextColour()
-{
-    const QPalette before = QApplication::palette();
-    const QIcon icon = icons::icon(icons::Name::Add);
-    QCOMPARE(inkOf(image(icon)), before.color(QPalette::ButtonText));
-    QPalette palette = before;
-    palette.setColor(QPalette::ButtonText, QColor(0xee, 0xdd, 0xcc));
-    palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x77, 0x66, 0x55));
-    palette.setColor(QPalette::HighlightedText, QColor(0x11, 0x22, 0x33));
-    QApplication::setPalette(palette);
-    QCOMPARE(inkOf(image(icon)), QColor(0xee, 0xdd, 0xcc));
-    QCOMPARE(inkOf(image(icon, QIcon::Disabled)), QColor(0x77, 0x66, 0x55));
-    QCOMPARE(inkOf(image(icon, QIcon::Selected)), QColor(0x11, 0x22, 0x33));
-    QPushButton button(icon, QString());
-    QCOMPARE(inkOf(image(button.icon())), QColor(0xee, 0xdd, 0xcc));
-    QApplication::setPalette(before);
-}
+    void followTheTextColour()
+    {
+        const QPalette before = QApplication::palette();
+        const QIcon icon = icons::icon(icons::Name::Add);
+        QCOMPARE(inkOf(image(icon)), before.color(QPalette::ButtonText));
+        QPalette palette = before;
+        palette.setColor(QPalette::ButtonText, QColor(0xee, 0xdd, 0xcc));
+        palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x77, 0x66, 0x55));
+        palette.setColor(QPalette::HighlightedText, QColor(0x11, 0x22, 0x33));
+        QApplication::setPalette(palette);
+        QCOMPARE(inkOf(image(icon)), QColor(0xee, 0xdd, 0xcc));
+        QCOMPARE(inkOf(image(icon, QIcon::Disabled)), QColor(0x77, 0x66, 0x55));
+        QCOMPARE(inkOf(image(icon, QIcon::Selected)), QColor(0x11, 0x22, 0x33));
+        QPushButton button(icon, QString());
+        QCOMPARE(inkOf(image(button.icon())), QColor(0xee, 0xdd, 0xcc));
+        QApplication::setPalette(before);
+    }
 
-void TestIcons::areSharpAtTwiceTheScale()
-{
-    const QPixmap pixmap = icons::icon(icons::Name::Search).pixmap(QSize(16, 16), 2.0);
-    QCOMPARE(pixmap.size(), QSize(32, 32));
-    QCOMPARE(pixmap.devicePixelRatio(), 2.0);
-    QImage atTwice = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
-    atTwice.setDevicePixelRatio(1);
-    QCOMPARE(atTwice, image(icons::icon(icons::Name::Search)));
-}
+    void areSharpAtTwiceTheScale()
+    {
+        const QPixmap pixmap = icons::icon(icons::Name::Search).pixmap(QSize(16, 16), 2.0);
+        QCOMPARE(pixmap.size(), QSize(32, 32));
+        QCOMPARE(pixmap.devicePixelRatio(), 2.0);
+        QImage atTwice = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
+        atTwice.setDevicePixelRatio(1);
+        QCOMPARE(atTwice, image(icons::icon(icons::Name::Search)));
+    }
 
-void TestIcons::applicationIconIsColoured()
-{
-    const QImage picture = image(icons::application(), QIcon::Normal, 64);
-    QVERIFY(opaquePixels(picture) > 64 * 64 / 2);
-    QVERIFY(picture.pixelColor(20, 56).hslSaturationF() > 0.3F);
-}
+    void applicationIconIsColoured()
+    {
+        const QImage picture = image(icons::application(), QIcon::Normal, 64);
+        QVERIFY(opaquePixels(picture) > 64 * 64 / 2);
+        QVERIFY(picture.pixelColor(20, 56).hslSaturationF() > 0.3F);
+    }
+};
 
 QTEST_MAIN(TestIcons)
 #include "tst_Icons.moc"

@@ -167,7 +167,7 @@ private Q_SLOTS:
         QFETCH(Qt::LayoutDirection, direction);
         open(QFileDialog::List);
         m_dialog->setLayoutDirection(direction);
-        QTest::qWait(50);
+        gui::handlePendingEvents();
         const QRect row = view()->visualRect(view()->model()->index(0, 0, view()->rootIndex()));
         QVERIFY(view()->viewport()->rect().contains(row));
     }
