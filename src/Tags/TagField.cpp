@@ -111,6 +111,12 @@ QStringList TagField::completionsForSubstring(const QString &substring, int /*in
     return m_candidates.completions(substring, attachedTags(), newTagPrompt());
 }
 
+bool TagField::isWholeName(const QString &substring, const QString &completion) const
+{
+    const std::shared_ptr<Tag> tag = m_candidates.tagTitled(completion);
+    return tag && !tag->name().isNull() && tag->name().toLower() == substring.toLower();
+}
+
 TagField::Object TagField::representedObjectForEditingString(const QString &editingString)
 {
     return m_candidates.tagTitled(editingString);
@@ -130,19 +136,18 @@ QList<TagField::Object> TagField::shouldAddObjects(const QList<Proposal> &propos
 {
     if (m_session && m_session->isDeleted())
         return {}; // What is half typed for a meeting that is gone becomes no tag.
-    QList<Object> tokens;
+    QList<std::shared_ptr<Tag>> added;
     for (const Proposal &proposal : proposed) {
         std::shared_ptr<Tag> tag;
         if (const auto *object = std::get_if<Object>(&proposal))
             tag = asTag(*object);
         else if (m_createsNewTags)
             tag = makeTag(std::get<QString>(proposal));
-        if (!tag || tag->isDeleted())
-            continue;
-        attach(tag);
-        tokens.append(tag);
+        if (tag && !tag->isDeleted())
+            added.append(tag);
     }
-    return tokens;
+    attach(added);
+    return {added.begin(), added.end()};
 }
 
 std::shared_ptr<Tag> TagField::makeTag(QString text)
@@ -159,13 +164,14 @@ std::shared_ptr<Tag> TagField::makeTag(QString text)
     return tag;
 }
 
-void TagField::attach(const std::shared_ptr<Tag> &tag)
+void TagField::attach(const QList<std::shared_ptr<Tag>> &tags)
 {
-    tagsToTimeStamp.append(tag);
+    tagsToTimeStamp.append(tags);
     if (!m_session)
         return;
     const QScopedValueRollback own(m_changesSession, true);
-    m_session->addTag(*tag);
+    for (const std::shared_ptr<Tag> &tag : tags)
+        m_session->addTag(*tag);
     m_tagsOfSession = m_session->sortedTags();
 }
 
@@ -265,6 +271,8 @@ void TagField::controllerDidChangeContent()
         if (tag->isDeleted())
             removeObject(tag);
     }
+    if (const auto edited = asTag(editor().editedObject()); edited && edited->isDeleted())
+        removeObject(edited);
     refreshTokens();
 }
 
@@ -309,7 +317,7 @@ void TagField::addRecentTag(const std::shared_ptr<Tag> &tag)
 {
     if (!tag)
         return;
-    attach(tag);
+    attach({tag});
     appendObject(tag);
 }
 

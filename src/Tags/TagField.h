@@ -69,6 +69,7 @@ protected:
 
 private:
     QStringList completionsForSubstring(const QString &substring, int indexOfToken) override;
+    bool isWholeName(const QString &substring, const QString &completion) const override;
     Object representedObjectForEditingString(const QString &editingString) override;
     QString displayStringForRepresentedObject(const Object &object) const override;
     QString editingStringForRepresentedObject(const Object &object) const override;
@@ -88,7 +89,7 @@ private:
     void controllerDidChangeContent();
 
     std::shared_ptr<Tag> makeTag(QString text);
-    void attach(const std::shared_ptr<Tag> &tag);
+    void attach(const QList<std::shared_ptr<Tag>> &tags);
     void addRecentTag(const std::shared_ptr<Tag> &tag);
     void replaceTagsOfSession();
     void stampTags();

@@ -67,8 +67,11 @@ bool TagShortcutMonitor::eventFilter(QObject *watched, QEvent *event)
     if (!m_condition || window != m_recentTags.window() || !window->isActiveWindow()
         || !m_condition())
         return QObject::eventFilter(watched, event);
-    const std::optional<int> digit = digitOf(*static_cast<QKeyEvent *>(event));
-    return (digit && m_recentTags.chooseByNumber(*digit)) || QObject::eventFilter(watched, event);
+    const auto &key = *static_cast<QKeyEvent *>(event);
+    const std::optional<int> digit = digitOf(key);
+    // A key that is held repeats, and would add a token each time.
+    return (digit && (key.isAutoRepeat() || m_recentTags.chooseByNumber(*digit)))
+           || QObject::eventFilter(watched, event);
 }
 
 } // namespace tembra

@@ -142,6 +142,19 @@ private Q_SLOTS:
         QCOMPARE(m_test->meeting->tags(), QList{planning});
     }
 
+    void aHeldShortcutAddsOneToken()
+    {
+        const auto planning = use(u"Planning"_s, {}, 1);
+        focus();
+        constexpr Qt::KeyboardModifiers both = Qt::ControlModifier | Qt::AltModifier;
+        for (const bool isRepeat : {false, true, true}) {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_1, both, u"1"_s, isRepeat);
+            QCoreApplication::sendEvent(m_test->field, &press);
+        }
+        QCOMPARE(m_test->field->tags(), QList{planning});
+        QVERIFY(!m_test->field->editor().hasHalfTypedText());
+    }
+
     void shortcutsAreHeardWhileTheFieldIsEdited()
     {
         const auto planning = use(u"Planning"_s, {}, 1);

@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMimeData>
@@ -118,6 +119,52 @@ private Q_SLOTS:
         leave();
         QCOMPARE(m_test->titles().size(), 5);
         QCOMPARE(m_test->field->tags().last()->name(), QString(10'000, u'x'));
+    }
+
+    void thousandsOfPastedLinesBecomeTagsQuickly()
+    {
+        QString lines;
+        for (int i = 0; i < 5'000; ++i)
+            lines += u"tag %1\n"_s.arg(i);
+        focus();
+        QElapsedTimer timer;
+        timer.start();
+        gui::pasteText(*m_test->field, lines);
+        leave();
+        qInfo("5,000 pasted tags: %lld ms", timer.elapsed());
+        QCOMPARE(m_test->field->tags().size(), 5'000);
+        QCOMPARE(m_test->meeting->tags().size(), 5'000);
+        QVERIFY(timer.elapsed() < 3'000);
+    }
+
+    void aPastedTitleIsItsTag()
+    {
+        const auto planning = m_test->make(u"Planning"_s);
+        focus();
+        gui::pasteText(*m_test->field, planning->titleString());
+        QCOMPARE(m_test->field->tags(), QList{planning});
+        QCOMPARE(allTags(), 1);
+    }
+
+    void aTypedWholeNameIsTheOfferedTag_data()
+    {
+        QTest::addColumn<bool>("closesTheList");
+        QTest::addColumn<qint64>("tagsAfter");
+        QTest::newRow("comma takes the tag") << false << qint64(1);
+        QTest::newRow("with the list closed it is a second tag") << true << qint64(2);
+    }
+
+    void aTypedWholeNameIsTheOfferedTag()
+    {
+        QFETCH(bool, closesTheList);
+        const auto planning = m_test->make(u"Planning"_s, u"🗓"_s);
+        focus();
+        QTest::keyClicks(m_test->field, u"planning"_s);
+        if (closesTheList)
+            m_test->press(Qt::Key_Escape);
+        QTest::keyClicks(m_test->field, u","_s);
+        QCOMPARE(m_test->field->tags().contains(planning), !closesTheList);
+        QTEST(allTags(), "tagsAfter");
     }
 
     void withoutPermissionTextsAreDropped()
@@ -240,6 +287,22 @@ private Q_SLOTS:
         QVERIFY(m_test->titles().isEmpty());
         leave();
         QCOMPARE(m_test->titlesOfMeeting(), QStringList{u"ha "_s});
+    }
+
+    void aDeletedTagDoesNotComeBackWhenItsTokenIsEdited()
+    {
+        const auto tag = m_test->make(u"gone"_s);
+        m_test->meeting->addTag(*tag);
+        focus();
+        m_test->press(Qt::Key_Backspace);
+        m_test->press(Qt::Key_F2);
+        QVERIFY(m_test->titles().isEmpty());
+        QVERIFY(m_test->journal.context().deleteObject(tag));
+        m_test->journal.context().processPendingChanges();
+        leave();
+        QVERIFY(m_test->titles().isEmpty());
+        QVERIFY(m_test->titlesOfMeeting().isEmpty());
+        QCOMPARE(allTags(), 0);
     }
 
     void aDeletedMeetingLeavesTheField()

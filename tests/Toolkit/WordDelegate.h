@@ -56,6 +56,11 @@ public:
         return result;
     }
 
+    bool isWholeName(const QString &substring, const QString &completion) const override
+    {
+        return completion.compare(substring, Qt::CaseInsensitive) == 0;
+    }
+
     Object representedObjectForEditingString(const QString &editingString) override
     {
         for (const Object &object : vocabulary) {

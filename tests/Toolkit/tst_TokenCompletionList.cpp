@@ -141,6 +141,40 @@ private Q_SLOTS:
         QCOMPARE(m_field->words(), QStringList({u"Planning"_s, u"pl"_s}));
     }
 
+    void endingTheTextTakesAWholeName_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("end");
+        QTest::addColumn<QString>("word");
+        QTest::newRow("comma") << u"planning"_s << u"comma"_s << u"Planning"_s;
+        QTest::newRow("leaving") << u" planning"_s << u"leaving"_s << u"Planning"_s;
+        QTest::newRow("by the program") << u"planning"_s << u"program"_s << u"Planning"_s;
+        QTest::newRow("part of a name") << u"planni"_s << u"comma"_s << u"planni"_s;
+        QTest::newRow("leaving a part") << u"planni"_s << u"leaving"_s << u"planni"_s;
+        QTest::newRow("closed by Escape") << u"planning"_s << u"Escape, comma"_s << u"planning"_s;
+    }
+
+    void endingTheTextTakesAWholeName()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, end);
+        m_field->setHighlightsFirstCompletion(true);
+        m_field->offered = QStringList{u"Planning"_s};
+        QTest::keyClicks(m_field, typed);
+        QVERIFY(m_field->isCompletionListShown());
+        if (end.startsWith(u"Escape"_s))
+            key(Qt::Key_Escape);
+        if (end == u"leaving"_s)
+            m_other->setFocus();
+        else if (end == u"program"_s)
+            m_field->endEditing();
+        else
+            key(Qt::Key_Comma);
+        QCOMPARE(m_field->words().size(), 1);
+        QTEST(m_field->words().first(), "word");
+        QVERIFY(!m_field->isCompletionListShown());
+    }
+
     void takesAClick()
     {
         QTest::keyClicks(m_field, u"pl"_s);

@@ -218,6 +218,16 @@ private Q_SLOTS:
         QTEST(picture(), "after");
     }
 
+    void aPastedTitleThatEndsInABlankIsKnown()
+    {
+        const auto known = m_words->known(u"Planning "_s);
+        QMimeData data;
+        data.setText(u"Planning , Planning ,Other "_s);
+        QVERIFY(m_editor->paste(data));
+        QCOMPARE(m_text->objects().first(2), (QList{known, known}));
+        QCOMPARE(picture(), u"[Planning ][Planning ][Other]|"_s);
+    }
+
     void filesAndPicturesAreNotPasted()
     {
         QMimeData files;

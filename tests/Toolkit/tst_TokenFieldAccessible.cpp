@@ -51,6 +51,12 @@ private Q_SLOTS:
         QVERIFY(accessible()->state().readOnly);
     }
 
+    void hasNoNamelessChildren()
+    {
+        QCOMPARE(accessible()->childCount(), 0);
+        QVERIFY(!accessible()->child(0));
+    }
+
     void mapsPositions()
     {
         m_field->show({u"One"_s, u"Two"_s});

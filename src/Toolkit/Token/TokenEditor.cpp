@@ -188,6 +188,14 @@ TokenEditor::Proposal TokenEditor::proposalFor(const QString &text) const
     return text;
 }
 
+/// A title may end in blanks; those of a text that is no title are dropped.
+TokenEditor::Proposal TokenEditor::proposalForPasted(const QString &text) const
+{
+    if (Object object = m_delegate.representedObjectForEditingString(withoutLeadingBlanks(text)))
+        return object;
+    return proposalFor(text.trimmed());
+}
+
 /// Replaces a text with tokens; returns the position behind them. The delegate may change the
 /// document, so a cursor keeps the place.
 int TokenEditor::tokenize(int from, int to)
@@ -322,8 +330,8 @@ bool TokenEditor::pasteText(const QString &text)
     QTextCursor place = cursorFor(around.start, around.end());
     QList<Proposal> proposed;
     for (const QString &part : parts) {
-        if (const QString name = part.trimmed(); !name.isEmpty())
-            proposed.append(proposalFor(name));
+        if (!part.trimmed().isEmpty())
+            proposed.append(proposalForPasted(part));
     }
     QList<Object> objects;
     if (!proposed.isEmpty())

@@ -92,6 +92,7 @@ private:
     };
 
     Proposal proposalFor(const QString &text) const;
+    Proposal proposalForPasted(const QString &text) const;
     int tokenize(int from, int to);
     bool pasteText(const QString &text);
     bool pasteObjects(const QMimeData &mimeData);

@@ -197,6 +197,7 @@ void TokenField::endEditing()
 {
     if (isComposing() && hasFocus())
         QGuiApplication::inputMethod()->commit();
+    takeWholeName();
     m_completion->close();
     m_editor->tokenizeAll();
     if (!m_isEditing)
@@ -217,8 +218,9 @@ void TokenField::focusOutEvent(QFocusEvent *event)
 {
     TokenView::focusOutEvent(event);
     update();
-    m_completion->close();
-    if (!isTemporary(event->reason()))
+    if (isTemporary(event->reason()))
+        m_completion->close();
+    else
         endEditing();
 }
 
@@ -230,8 +232,9 @@ bool TokenField::focusNextPrevChild(bool next)
 void TokenField::hideEvent(QHideEvent *event)
 {
     TokenView::hideEvent(event);
-    m_completion->close();
-    if (!event->spontaneous())
+    if (event->spontaneous())
+        m_completion->close();
+    else
         endEditing();
 }
 
@@ -247,19 +250,34 @@ void TokenField::setHighlightsFirstCompletion(bool highlightsFirst)
     m_completion->setHighlightsFirst(highlightsFirst);
 }
 
+/// Takes the highlighted completion if the half-typed text is its whole name; false if it is not.
+bool TokenField::takeWholeName()
+{
+    const int row = m_completion->highlightedRow();
+    return row >= 0 && m_delegate.isWholeName(halfTypedName(), m_completion->entry(row))
+           && m_completion->takeHighlighted();
+}
+
+/// The half-typed text around the caret, without the blanks before it.
+QString TokenField::halfTypedName() const
+{
+    const QString text = m_editor->halfTypedText().text;
+    const auto first = std::ranges::find_if_not(text, [](QChar c) { return c.isSpace(); });
+    return text.sliced(first - text.begin());
+}
+
 /// Offers what completes the text around the caret, after a change of the content.
 void TokenField::complete()
 {
-    const TokenText::Fragment text = m_editor->halfTypedText();
-    const auto first = std::ranges::find_if_not(text.text, [](QChar c) { return c.isSpace(); });
-    const QString substring = text.text.sliced(first - text.text.begin());
+    const QString substring = halfTypedName();
+    const int start = m_editor->halfTypedText().start;
     const bool isOffering = !substring.isEmpty() && hasFocus() && !isReadOnly() && !isComposing()
                             && !textCursor().hasSelection();
     QStringList entries;
     if (isOffering)
         entries = m_delegate.completionsForSubstring(substring,
-                                                     m_editor->text().tokensBefore(text.start));
-    m_completion->offer(entries, text.start);
+                                                     m_editor->text().tokensBefore(start));
+    m_completion->offer(entries, start);
     placeCompletionList();
 }
 
@@ -362,7 +380,8 @@ bool TokenField::handleEditingKey(QKeyEvent &event)
         return true;
     if (!isTyped(event))
         return false;
-    m_editor->typeText(event.text());
+    if (event.text() != ","_L1 || !takeWholeName())
+        m_editor->typeText(event.text());
     return true;
 }
 

@@ -80,6 +80,8 @@ private:
     void restorePreedit();
 
     void complete();
+    bool takeWholeName();
+    QString halfTypedName() const;
     void placeCompletionList();
     void closeStaleCompletion();
     void takeCompletion(const QString &entry, int textStart);

@@ -22,6 +22,10 @@ public:
     /// The titles and half-typed texts, separated by commas.
     static QString textOf(const TokenField &field);
 
+    /// The parts of the widget are nothing by themselves.
+    int childCount() const override { return 0; }
+    QAccessibleInterface *child(int) const override { return nullptr; }
+    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
     QAccessible::State state() const override;
     QString text(QAccessible::Text part) const override;
     void setText(QAccessible::Text part, const QString &text) override;

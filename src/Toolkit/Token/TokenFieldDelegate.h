@@ -33,6 +33,9 @@ public:
     virtual Object representedObjectForEditingString(const QString &editingString) = 0;
     /// The completions of a half-typed text that will be the token of this index.
     virtual QStringList completionsForSubstring(const QString &substring, int indexOfToken) = 0;
+    /// Whether the half-typed text names the object of a completion in full, so that ending the text
+    /// takes that completion.
+    virtual bool isWholeName(const QString &substring, const QString &completion) const = 0;
     /// The objects to insert for @p proposed, as tokens from @p index on. A text for which none is
     /// returned is removed.
     virtual QList<Object> shouldAddObjects(const QList<Proposal> &proposed, int index) = 0;
