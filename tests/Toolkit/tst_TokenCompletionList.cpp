@@ -175,6 +175,16 @@ private Q_SLOTS:
         QVERIFY(!m_field->isCompletionListShown());
     }
 
+    void aCommaInsideAWholeNameSplitsIt()
+    {
+        m_field->setHighlightsFirstCompletion(true);
+        m_field->offered = QStringList{u"Planning"_s};
+        QTest::keyClicks(m_field, u"planning"_s);
+        key(Qt::Key_Left);
+        key(Qt::Key_Comma);
+        QCOMPARE(m_field->picture(), u"[plannin]|g"_s);
+    }
+
     void takesAClick()
     {
         QTest::keyClicks(m_field, u"pl"_s);

@@ -380,9 +380,16 @@ bool TokenField::handleEditingKey(QKeyEvent &event)
         return true;
     if (!isTyped(event))
         return false;
-    if (event.text() != ","_L1 || !takeWholeName())
-        m_editor->typeText(event.text());
+    typeText(event.text());
     return true;
+}
+
+/// A comma behind the whole name of the highlighted completion takes that.
+void TokenField::typeText(const QString &text)
+{
+    const bool isAtEnd = textCursor().position() == m_editor->halfTypedText().end();
+    if (text != ","_L1 || !isAtEnd || !takeWholeName())
+        m_editor->typeText(text);
 }
 
 /// False where there is nothing to end: then the key is the window's.
@@ -447,7 +454,7 @@ void TokenField::inputMethodEvent(QInputMethodEvent *event)
         const int start = textCursor().position() + event->replacementStart();
         m_editor->select(start, start + event->replacementLength());
     }
-    m_editor->typeText(text);
+    typeText(text);
     if (!event->preeditString().isEmpty()) {
         QInputMethodEvent next(event->preeditString(), event->attributes());
         TokenView::inputMethodEvent(&next);

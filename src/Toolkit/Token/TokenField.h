@@ -86,6 +86,7 @@ private:
     void closeStaleCompletion();
     void takeCompletion(const QString &entry, int textStart);
 
+    void typeText(const QString &text);
     bool handleCompletionKey(const QKeyEvent &event);
     bool handleEditingKey(QKeyEvent &event);
     bool handleReturn(const QKeyEvent &event);
