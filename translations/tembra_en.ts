@@ -839,14 +839,6 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     </message>
 </context>
 <context>
-    <name>tembra::EmojiTones</name>
-    <message>
-        <source>Skin tones</source>
-        <comment>Name of a row of variants of an emoji</comment>
-        <translation type="unfinished"></translation>
-    </message>
-</context>
-<context>
     <name>tembra::Import</name>
     <message>
         <source>No teammate data found.</source>
@@ -1057,48 +1049,6 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     </message>
 </context>
 <context>
-    <name>tembra::PackageChoice</name>
-    <message>
-        <source>%1 counts as one file. Nothing inside of it can be chosen.</source>
-        <comment>%1 is the quoted name of a package</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>“%1”</source>
-        <comment>A name in quotation marks</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>%1 is named like the kind “%2”, but is a plain file and cannot be opened.</source>
-        <comment>%1 is the quoted name of a file, %2 the name of a kind of file</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>%1 is not of the kind “%2” and cannot be opened here.</source>
-        <comment>%1 is the quoted name of a file, %2 the name of a kind of file</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>%1 was not found. Check the name and the folder.</source>
-        <comment>%1 is the quoted name of a file</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>There is no folder %1. Choose another one.</source>
-        <comment>%1 is the quoted name of a folder</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>This name is too long. Choose a shorter one.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>%1 is a plain file that would be in the way. Choose another name.</source>
-        <comment>%1 is the quoted name of a file</comment>
-        <translation type="unfinished"></translation>
-    </message>
-</context>
-<context>
     <name>tembra::PackageDialog</name>
     <message>
         <source>&amp;Open</source>
@@ -1140,6 +1090,48 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>⌥⌘ is Alt+Ctrl here</source>
         <comment>Says which keys a shortcut stands for</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::ResolvedPackagePath</name>
+    <message>
+        <source>%1 counts as one file. Nothing inside of it can be chosen.</source>
+        <comment>%1 is the quoted name of a package</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <comment>A name in quotation marks</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is named like the kind “%2”, but is a plain file and cannot be opened.</source>
+        <comment>%1 is the quoted name of a file, %2 the name of a kind of file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is not of the kind “%2” and cannot be opened here.</source>
+        <comment>%1 is the quoted name of a file, %2 the name of a kind of file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 was not found. Check the name and the folder.</source>
+        <comment>%1 is the quoted name of a file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no folder %1. Choose another one.</source>
+        <comment>%1 is the quoted name of a folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This name is too long. Choose a shorter one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is a plain file that would be in the way. Choose another name.</source>
+        <comment>%1 is the quoted name of a file</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -1267,6 +1259,14 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>Meeting</source>
         <comment>Title of a window that shows a meeting</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::SkinTonePicker</name>
+    <message>
+        <source>Skin tones</source>
+        <comment>Name of a row of variants of an emoji</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -1,15 +1,14 @@
 #include "Preferences/InputControls/BindablePlaceholderTextField.h"
 
 #include "BoundNote.h"
+#include "support/GuiTest.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMenu>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
@@ -377,38 +376,22 @@ void TestBindablePlaceholderTextField::tabFollowsTheWindowWithoutNeighbours()
 
 void TestBindablePlaceholderTextField::leavesUndoToTheWindow_data()
 {
-    QTest::addColumn<QKeySequence>("shortcut");
-    QTest::newRow("Ctrl+Z") << QKeySequence(Qt::CTRL | Qt::Key_Z);
-    QTest::newRow("Ctrl+Shift+Z") << QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
-    QTest::newRow("Ctrl+Y") << QKeySequence(Qt::CTRL | Qt::Key_Y);
+    gui::addUndoKeys();
 }
 
 void TestBindablePlaceholderTextField::leavesUndoToTheWindow()
 {
-    QFETCH(QKeySequence, shortcut);
-    QAction action(m_window.get());
-    action.setShortcut(shortcut);
-    m_window->addAction(&action);
-    const QSignalSpy triggered(&action, &QAction::triggered);
+    QFETCH(QKeySequence, keys);
     m_field->setFocus();
     type(u"x"_s);
-    QTest::keyClick(m_field, shortcut[0].key(), shortcut[0].keyboardModifiers());
-    QCOMPARE(triggered.count(), 1);
+    QVERIFY(gui::reachesTheWindow(*m_field, keys));
     QCOMPARE(m_note->contentString(), u"boundx"_s);
 }
 
 void TestBindablePlaceholderTextField::menuOffersNoUndo()
 {
     m_field->setFocus();
-    QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5),
-                            m_field->viewport()->mapToGlobal(QPoint(5, 5)));
-    QApplication::sendEvent(m_field->viewport(), &event);
-    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-    QVERIFY(menu);
-    QStringList names;
-    for (const QAction *action : menu->actions())
-        names.append(action->objectName());
-    menu->close();
+    const QStringList names = gui::contextMenuOf(*m_field->viewport());
     QVERIFY(names.contains(u"edit-paste"_s));
     QVERIFY(!names.contains(u"edit-undo"_s));
     QVERIFY(!names.contains(u"edit-redo"_s));

@@ -1,9 +1,13 @@
 #include "support/GuiTest.h"
 
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QPushButton>
+#include <QShortcut>
+#include <QSignalSpy>
 
 #include <algorithm>
 
@@ -50,6 +54,37 @@ void pasteText(QWidget &widget, const QString &text)
 {
     QApplication::clipboard()->setText(text);
     QTest::keyClick(&widget, Qt::Key_V, Qt::ControlModifier);
+}
+
+void addUndoKeys()
+{
+    QTest::addColumn<QKeySequence>("keys");
+    QTest::newRow("Ctrl+Z") << QKeySequence(Qt::CTRL | Qt::Key_Z);
+    QTest::newRow("Ctrl+Shift+Z") << QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+    QTest::newRow("Ctrl+Y") << QKeySequence(Qt::CTRL | Qt::Key_Y);
+}
+
+bool reachesTheWindow(QWidget &field, const QKeySequence &keys)
+{
+    const QShortcut shortcut(keys, field.window());
+    const QSignalSpy activated(&shortcut, &QShortcut::activated);
+    QTest::keyClick(&field, keys[0].key(), keys[0].keyboardModifiers());
+    return activated.count() == 1;
+}
+
+QStringList contextMenuOf(QWidget &field)
+{
+    const QPoint corner(5, 5);
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, corner, field.mapToGlobal(corner));
+    QCoreApplication::sendEvent(&field, &event);
+    auto *menu = waitForPopup<QMenu>();
+    QStringList names;
+    if (menu) {
+        for (const QAction *action : menu->actions())
+            names.append(action->objectName());
+        menu->close();
+    }
+    return names;
 }
 
 void handlePendingEvents()

@@ -3,6 +3,7 @@
 #include "Toolkit/Alert.h"
 
 #include <QApplication>
+#include <QKeySequence>
 #include <QString>
 #include <QTest>
 
@@ -30,6 +31,13 @@ void typeText(QWidget &widget, const QString &text);
 void commitText(QWidget &widget, const QString &text);
 /// Puts a text on the clipboard and presses Ctrl+V.
 void pasteText(QWidget &widget, const QString &text);
+
+/// Adds a row for each of the keys for undo and redo, in a column "keys".
+void addUndoKeys();
+/// Presses @p keys in a field; true if a shortcut of its window got them.
+bool reachesTheWindow(QWidget &field, const QKeySequence &keys);
+/// The object names of the commands in the context menu of a field, which is opened and closed.
+QStringList contextMenuOf(QWidget &field);
 
 /// Handles events until none is pending, so that what a change has posted has happened.
 void handlePendingEvents();
