@@ -6,6 +6,7 @@
 #include <new>
 #include <sqlite3.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tembra {
 
@@ -23,6 +24,7 @@ struct FaultVfs::Private
     std::atomic<int> failures = 0;
     std::atomic<Fault> fault = Fault::DiskFull;
     std::atomic<Lasting> lasting = Lasting::Once;
+    std::function<void()> callback; ///< Called once, in place of a failure.
 };
 
 namespace {
@@ -189,6 +191,10 @@ int FaultVfs::Private::verdict(Operation operation)
                                                         : number == failingNumber);
     if (!isTurn)
         return SQLITE_OK;
+    if (callback) {
+        std::exchange(callback, nullptr)();
+        return SQLITE_OK;
+    }
     ++failures;
     if (fault == Fault::ProcessEnds)
         ::_exit(0);
@@ -228,8 +234,15 @@ void FaultVfs::failAt(int number, Fault fault, Lasting lasting, int operations)
     d->failingNumber = number;
 }
 
+void FaultVfs::callAt(int number, std::function<void()> callback, int operations)
+{
+    failAt(number, Fault::InputOutput, Lasting::Once, operations);
+    d->callback = std::move(callback);
+}
+
 void FaultVfs::failNothing(int operations)
 {
+    d->callback = nullptr;
     d->failingNumber = 0;
     d->operations = operations;
     d->count = 0;

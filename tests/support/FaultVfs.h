@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#include <functional>
 #include <memory>
 
 namespace tembra {
@@ -41,6 +42,9 @@ public:
 
     /// Counts from 1 again, and fails the operation of number @p number among @p operations.
     void failAt(int number, Fault fault, Lasting lasting, int operations = AnyChange);
+    /// Counts from 1 again, and calls @p callback before the operation of number @p number, on the
+    /// thread and in the middle of the SQLite call that does it: it must use another connection.
+    void callAt(int number, std::function<void()> callback, int operations = AnyChange);
     /// Counts from 1 again, and fails nothing.
     void failNothing(int operations = AnyChange);
 
