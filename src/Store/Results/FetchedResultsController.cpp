@@ -5,8 +5,8 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Objects/PersistentContainer.h"
 #include "Store/Query/Region.h"
+#include "Store/Results/BatchFaultingCache.h"
 #include "Store/Results/ListDiff.h"
-#include "Store/Results/RecentObjects.h"
 #include "Store/Rows/UpdatedRecords.h"
 
 #include <QPointer>
@@ -45,7 +45,7 @@ struct FetchedResultsController::Private
     // What performFetch() sets up.
     Region region;
     std::optional<UpdatedRecords> updatedRecords;
-    std::unique_ptr<RecentObjects> objects;
+    std::unique_ptr<BatchFaultingCache> objects;
     QMetaObject::Connection changesConnection;
 
     bool telling = false;
@@ -67,8 +67,8 @@ Result<void> FetchedResultsController::Private::start()
     keys = std::move(*found);
     region = std::move(*depends);
     updatedRecords = std::move(*updates);
-    objects = std::make_unique<RecentObjects>(*context, entity,
-                                              request.relationshipKeyPathsForPrefetching);
+    objects = std::make_unique<BatchFaultingCache>(*context, entity,
+                                                   request.relationshipKeyPathsForPrefetching);
     changesConnection = connect(context, &ManagedObjectContext::objectsDidChange, &q,
                                 [this](const ChangeSet &changes) { take(changes); });
     return {};

@@ -1,4 +1,4 @@
-#include "Store/Results/RecentObjects.h"
+#include "Store/Results/BatchFaultingCache.h"
 
 #include "Foundation/Logging.h"
 #include "Foundation/Precondition.h"
@@ -15,8 +15,8 @@ constexpr int heldObjects = 4 * batchSize;
 
 } // namespace
 
-RecentObjects::RecentObjects(ManagedObjectContext &context, int entity,
-                             QList<QByteArray> prefetchedToManys)
+BatchFaultingCache::BatchFaultingCache(ManagedObjectContext &context, int entity,
+                                       QList<QByteArray> prefetchedToManys)
     : m_context(&context)
     , m_entity(entity)
     , m_prefetchedToManys(std::move(prefetchedToManys))
@@ -24,9 +24,9 @@ RecentObjects::RecentObjects(ManagedObjectContext &context, int entity,
 {
 }
 
-RecentObjects::~RecentObjects() = default;
+BatchFaultingCache::~BatchFaultingCache() = default;
 
-std::shared_ptr<ManagedObject> RecentObjects::object(std::span<const qint64> rows, int row)
+std::shared_ptr<ManagedObject> BatchFaultingCache::object(std::span<const qint64> rows, int row)
 {
     require(row >= 0 && size_t(row) < rows.size(), "a row of the list");
     const qint64 key = rows[size_t(row)];
@@ -39,12 +39,12 @@ std::shared_ptr<ManagedObject> RecentObjects::object(std::span<const qint64> row
     return held ? *held : nullptr;
 }
 
-void RecentObjects::forget(qint64 key)
+void BatchFaultingCache::forget(qint64 key)
 {
     m_objects.remove(key);
 }
 
-void RecentObjects::load(std::span<const qint64> keys)
+void BatchFaultingCache::load(std::span<const qint64> keys)
 {
     if (!m_context)
         return;

@@ -12,14 +12,15 @@
 
 namespace tembra {
 
-/// Loads the objects of a long list in batches, as rows are shown, and holds those shown last, so
-/// that scrolling needs the same memory however long the list is.
-class RecentObjects
+/// Loads the objects of a long list in batches, as rows are shown, and caches those that were used
+/// last, so that scrolling needs the same memory however long the list is.
+class BatchFaultingCache
 {
 public:
-    RecentObjects(ManagedObjectContext &context, int entity, QList<QByteArray> prefetchedToManys);
-    ~RecentObjects();
-    Q_DISABLE_COPY_MOVE(RecentObjects)
+    BatchFaultingCache(ManagedObjectContext &context, int entity,
+                       QList<QByteArray> prefetchedToManys);
+    ~BatchFaultingCache();
+    Q_DISABLE_COPY_MOVE(BatchFaultingCache)
 
     /// The object of @p row among @p rows, read together with its neighbours. Null when the record
     /// is not in the store any more, or the context is gone.
