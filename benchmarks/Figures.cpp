@@ -59,6 +59,23 @@ void registerWork(const std::string &name, const Work &work)
         ->MinTime(0.05);
 }
 
+void registerPrepared(const std::string &name, const Work &prepare, const Work &work)
+{
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [prepare, work](benchmark::State &state) {
+                                     for ([[maybe_unused]] auto round : state) {
+                                         state.PauseTiming();
+                                         prepare();
+                                         state.ResumeTiming();
+                                         work();
+                                     }
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->Repetitions(repetitions)
+        ->Iterations(1);
+}
+
 /// Keeps the median of each benchmark's repetitions.
 class MedianReporter final : public benchmark::BenchmarkReporter
 {
@@ -99,6 +116,14 @@ void compare(const std::string &name, const Work &work, const Work &floor, doubl
     registerWork(name + floorSuffix, floor);
 }
 
+void comparePrepared(const std::string &name, const Work &prepare, const Work &work,
+                     const Work &floor, double factor, double allowance)
+{
+    registered().push_back({name, factor, allowance, true});
+    registerPrepared(name + figureSuffix, prepare, work);
+    registerPrepared(name + floorSuffix, prepare, floor);
+}
+
 void limit(const std::string &name, const Work &work, double limitInMilliseconds)
 {
     registered().push_back({name, 0, limitInMilliseconds, false});
@@ -109,28 +134,16 @@ void limitPrepared(const std::string &name, const Work &prepare, const Work &wor
                    double limitInMilliseconds)
 {
     registered().push_back({name, 0, limitInMilliseconds, false});
-    benchmark::RegisterBenchmark((name + figureSuffix).c_str(),
-                                 [prepare, work](benchmark::State &state) {
-                                     for ([[maybe_unused]] auto round : state) {
-                                         state.PauseTiming();
-                                         prepare();
-                                         state.ResumeTiming();
-                                         work();
-                                     }
-                                 })
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime()
-        ->Repetitions(repetitions)
-        ->Iterations(1);
+    registerPrepared(name + figureSuffix, prepare, work);
 }
 
-void limitOnce(const std::string &name, const Work &work, double limitInMilliseconds)
+double measureOnce(const Work &work)
 {
     const auto begin = std::chrono::steady_clock::now();
     work();
     const std::chrono::duration<double, std::milli> elapsed = std::chrono::steady_clock::now()
                                                               - begin;
-    report(name, elapsed.count(), limitInMilliseconds, "ms");
+    return elapsed.count();
 }
 
 void report(const std::string &name, double figure, double allowed, const std::string &unit,

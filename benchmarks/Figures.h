@@ -13,14 +13,18 @@ using Work = std::function<void()>;
 void compare(const std::string &name, const Work &work, const Work &floor, double factor,
              double allowance);
 
+/// As compare(), with @p prepare before each time of both being left out.
+void comparePrepared(const std::string &name, const Work &prepare, const Work &work,
+                     const Work &floor, double factor, double allowance);
+
 /// Measures @p work against @p limit in milliseconds.
 void limit(const std::string &name, const Work &work, double limit);
 
 /// Measures work that can be done once only, @p prepare before each time being left out.
 void limitPrepared(const std::string &name, const Work &prepare, const Work &work, double limit);
 
-/// Measures, right now, work that can be done only once.
-void limitOnce(const std::string &name, const Work &work, double limit);
+/// Measures, right now, work that can be done only once, in milliseconds.
+double measureOnce(const Work &work);
 
 /// Adds a figure that was measured elsewhere, in a unit of its own.
 void report(const std::string &name, double figure, double allowed, const std::string &unit,

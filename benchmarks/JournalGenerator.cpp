@@ -153,7 +153,7 @@ private:
 
 QString cachedDirectory(int sessions)
 {
-    return QDir::temp().filePath(u"tembra-benchmark-journals-v2/%1"_s.arg(sessions));
+    return QDir::temp().filePath(u"tembra-benchmark-journals-v3/%1"_s.arg(sessions));
 }
 
 void make(const QString &directory, int sessions)

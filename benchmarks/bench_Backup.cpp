@@ -32,8 +32,7 @@ namespace {
 
 constexpr double writingFactor = 1.5;
 constexpr double readingFactor = 2;
-constexpr double writingMemoryFactor = 1.2; ///< Of the document.
-constexpr double readingMemory = 64; ///< Megabytes, besides the document.
+constexpr double memoryBeside = 16; ///< Megabytes, beside the document.
 constexpr double longestPause = 100; ///< Milliseconds.
 constexpr double megabyte = 1024.0 * 1024;
 
@@ -189,10 +188,10 @@ void reportMemory(int sessions)
         write(documentOf(journal), path);
     }
     const auto [writing, written] = measured({u"--measure-write"_s, QString::number(sessions)});
-    figures::report("memory to write " + std::to_string(sessions), writing,
-                    writingMemoryFactor * written, "MB", written);
+    figures::report("memory to write " + std::to_string(sessions), writing, written + memoryBeside,
+                    "MB", written);
     const auto [reading, read] = measured({u"--measure-read"_s, path});
-    figures::report("memory to read " + std::to_string(sessions), reading, readingMemory + read,
+    figures::report("memory to read " + std::to_string(sessions), reading, read + memoryBeside,
                     "MB", read);
 }
 
