@@ -13,20 +13,24 @@ namespace {
 
 constexpr int usageError = 2;
 
+/// The options with their help, which the README repeats.
 struct Options
 {
     QCommandLineOption dataDir{u"data-dir"_s,
-                               u"Keep the journal, the settings and the window state in DIR."_s,
+                               u"keep the journal, the settings and the window state in DIR"_s,
                                u"DIR"_s};
     QCommandLineOption sample{u"sample"_s,
-                              u"Start with a sample journal that is thrown away at the end."_s};
+                              u"start with a sample journal that is thrown away at the end; "
+                              "your own journal is not touched"_s};
     QCommandLineOption screenshots{u"screenshots"_s,
-                                   u"Leave a picture of each window in DIR, then quit."_s,
-                                   u"DIR"_s};
-    QCommandLineOption verify{u"verify"_s, u"Say whether the backup PACKAGE can be imported."_s,
-                              u"PACKAGE"_s};
-    QCommandLineOption help{{u"h"_s, u"help"_s}, u"Show this help."_s};
-    QCommandLineOption version{{u"v"_s, u"version"_s}, u"Show the version."_s};
+                                   u"leave a picture of each window in DIR, then quit"_s, u"DIR"_s};
+    QCommandLineOption verify{
+        u"verify"_s,
+        u"read a backup as an import would, and only say how much is in it (exit status 0) or "
+        "what is wrong with it (1); needs no screen"_s,
+        u"PACKAGE"_s};
+    QCommandLineOption help{{u"h"_s, u"help"_s}, u"show this help"_s};
+    QCommandLineOption version{{u"v"_s, u"version"_s}, u"show the version"_s};
 };
 
 /// What the toolkit takes off the command line by itself, as "-platform xcb" or "--platform xcb".
@@ -43,24 +47,52 @@ QList<QCommandLineOption> optionsOfTheToolkit()
     return options;
 }
 
-QString usage()
+constexpr qsizetype helpColumn = 21;
+constexpr qsizetype lineLength = 85;
+
+/// One entry of the help: a name, and beside it the description, wrapped.
+QString helpEntry(const QString &name, const QString &description)
 {
-    return u"Usage: tembra [--data-dir DIR | --sample] [PACKAGE...]\n"
-           "       tembra [--data-dir DIR | --sample] --screenshots DIR\n"
-           "       tembra --verify PACKAGE\n"
-           "       tembra --help | --version\n"
-           "A journal for people who manage a team.\n\n"
-           "  PACKAGE            a backup; Tembra asks whether to import it\n"
-           "  --data-dir DIR     keep the journal, the settings and the window state in DIR\n"
-           "                     (without it the journal lies in\n"
-           "                     %1)\n"
-           "  --sample           start with a sample journal that is thrown away at the end;\n"
-           "                     your own journal is not touched\n"
-           "  --screenshots DIR  leave a picture of each window in DIR, then quit\n"
-           "  --verify PACKAGE   read a backup as an import would, and only say how much is in\n"
-           "                     it (exit status 0) or what is wrong with it (1); needs no screen\n"
-           "  -h, --help         show this help\n"
-           "  -v, --version      show the version\n"_s.arg(DataFolder::usualJournalDirectory());
+    QString entry = QString(u"  "_s + name).leftJustified(helpColumn);
+    qsizetype column = entry.size();
+    for (const QString &word : description.split(u' ')) {
+        if (column > helpColumn && column + 1 + word.size() > lineLength) {
+            entry += u'\n' + QString(helpColumn, u' ');
+            column = helpColumn;
+        } else if (column > helpColumn) {
+            entry += u' ';
+            ++column;
+        }
+        entry += word;
+        column += word.size();
+    }
+    return entry + u'\n';
+}
+
+QString helpEntry(const QCommandLineOption &option)
+{
+    QStringList names;
+    for (const QString &name : option.names())
+        names.append((name.size() == 1 ? u"-"_s : u"--"_s) + name);
+    const QString value = option.valueName();
+    return helpEntry(names.join(u", "_s) + (value.isEmpty() ? value : QString(u' ' + value)),
+                     option.description());
+}
+
+QString usage(const Options &options)
+{
+    QString text = u"Usage: tembra [--data-dir DIR | --sample] [PACKAGE...]\n"
+                   "       tembra [--data-dir DIR | --sample] --screenshots DIR\n"
+                   "       tembra --verify PACKAGE\n"
+                   "       tembra --help | --version\n"
+                   "A journal for people who manage a team.\n\n"_s
+                   + helpEntry(u"PACKAGE"_s, u"a backup; Tembra asks whether to import it"_s);
+    for (const QCommandLineOption &option : {options.dataDir, options.sample, options.screenshots,
+                                             options.verify, options.help, options.version})
+        text += helpEntry(option);
+    return text
+           + u"\nWithout --data-dir the journal lies in\n  %1\n"_s.arg(
+               DataFolder::usualJournalDirectory());
 }
 
 PrintAndExit mistake(const QString &sentence)
@@ -152,7 +184,7 @@ CommandLine parseCommandLine(const QStringList &arguments, const QDir &workingDi
     parser.addOptions(optionsOfTheToolkit());
     const bool understood = parser.parse(arguments);
     if (parser.isSet(options.help))
-        return PrintAndExit{usage(), 0};
+        return PrintAndExit{usage(options), 0};
     if (parser.isSet(options.version))
         return PrintAndExit{u"tembra %1\n"_s.arg(programVersion()), 0};
     const QString wrong = understood ? mistakeIn(parser, options) : parser.errorText();

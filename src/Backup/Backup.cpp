@@ -1,5 +1,6 @@
 #include "Backup/Backup.h"
 
+#include "Backup/BackupWriter.h"
 #include "Backup/DetachedCall.h"
 #include "Foundation/Logging.h"
 #include "Model/DefaultsManager.h"
@@ -68,19 +69,28 @@ void Backup::backUp(const QList<std::shared_ptr<Counterpart>> &teammates,
         return !waiting.hasExpired(std::chrono::milliseconds(timeout).count());
     };
     const QString path = folder->toLocalFile() + u'/' + automaticFileName();
-    const auto isFolder = callDetached<bool>(
-        [path = folder->toLocalFile()] { return QFileInfo(path).isDir(); }, keepWaiting);
-    if (!isFolder)
+    // Nothing when there is no folder.
+    const auto writer = callDetached<std::optional<BackupWriter>>(
+        [path, folder = folder->toLocalFile(),
+         &fileSystem = m_fileSystem]() -> std::optional<BackupWriter> {
+            if (!QFileInfo(folder).isDir())
+                return std::nullopt;
+            BackupWriter made(path, fileSystem);
+            made.inspectReplaced();
+            return made;
+        },
+        keepWaiting);
+    if (!writer)
         return logFailure(noAnswer(path));
-    if (!*isFolder)
+    if (!*writer)
         return;
     Result<QByteArray> json = encodeJournal(m_context, teammates);
     if (!json)
         return logFailure(json.error());
     std::stop_source cancellation;
-    const auto written = callDetached<Result<void>>(
-        [document = BackupDocument{std::move(*json)}, path, &fileSystem = m_fileSystem,
-         token = cancellation.get_token()] { return document.write(path, fileSystem, token); },
+    const auto written = callDetached<Result<QString>>(
+        [document = BackupDocument{std::move(*json)}, writer = **writer,
+         token = cancellation.get_token()] { return writer.write(document, token); },
         keepWaiting);
     // A late write must not replace what a later backup has written.
     cancellation.request_stop();
@@ -88,6 +98,9 @@ void Backup::backUp(const QList<std::shared_ptr<Counterpart>> &teammates,
         logFailure(noAnswer(path));
     else if (!*written)
         logFailure(written->error());
+    else if (!written->value().isEmpty())
+        qCWarning(backupLog, "The backup before held more teammates or meetings; it is kept as %s",
+                  qUtf8Printable(written->value()));
 }
 
 } // namespace tembra

@@ -1,6 +1,7 @@
 #include "Backup/BackupPanel.h"
 
 #include "Backup/Backup.h"
+#include "Backup/BackupWriter.h"
 #include "Backup/DetachedCall.h"
 #include "Backup/ImportTexts.h"
 #include "Foundation/Logging.h"
@@ -31,18 +32,37 @@ Result<QByteArray> encode(ManagedObjectContext &context, const std::vector<qint6
     return encodeJournal(context, teammates);
 }
 
-/// The folder may be one that does not answer: then the call is abandoned once the user has cancelled.
-Result<void> writePackage(BackupDocument document, const QString &packagePath,
-                          const BackgroundTask::ProgressHandler &progressHandler)
+/// The folder may be one that does not answer: then the calls are abandoned once the user has
+/// cancelled.
+Result<WrittenBackup> writePackage(ManagedObjectContext &context, const std::vector<qint64> &keys,
+                                   const QString &packagePath,
+                                   const BackgroundTask::ProgressHandler &progressHandler)
 {
-    std::stop_source cancellation;
-    const auto written = callDetached<Result<void>>(
-        [document = std::move(document), packagePath, token = cancellation.get_token()] {
-            return document.write(packagePath, systemFileSystem(), token);
+    const auto isWanted = [&] { return progressHandler(0); };
+    const auto writer = callDetached<BackupWriter>(
+        [packagePath] {
+            BackupWriter made(packagePath);
+            made.inspectReplaced();
+            return made;
         },
-        [&] { return progressHandler(0); });
+        isWanted);
+    if (!writer)
+        return failure(u"It was cancelled."_s);
+    Result<QByteArray> json = encode(context, keys);
+    if (!json)
+        return failure(json.error());
+    const qint64 size = json->size();
+    std::stop_source cancellation;
+    const auto copy = callDetached<Result<QString>>(
+        [document = BackupDocument{std::move(*json)}, writer = *writer,
+         token = cancellation.get_token()] { return writer.write(document, token); },
+        isWanted);
     cancellation.request_stop();
-    return written ? *written : failure(u"It was cancelled."_s);
+    if (!copy)
+        return failure(u"It was cancelled."_s);
+    if (!*copy)
+        return failure(copy->error());
+    return WrittenBackup{packagePath, size, **copy};
 }
 
 void logFailure(const Error &error)
@@ -85,34 +105,33 @@ void BackupPanel::writeBackup(const QList<ObjectID> &teammates, const QString &p
     // The other context reads what is written: edits made since the panel opened as well.
     if (const Result<void> written = m_coreData.viewContext().writeDrafts(); !written)
         return logFailure(written.error());
-    const auto size = std::make_shared<qint64>(0);
+    const auto backup = std::make_shared<WrittenBackup>();
     auto started = BackgroundTask::start(
         m_coreData.persistentContainer(),
         [keys, packagePath,
-         size](ManagedObjectContext &context,
-               const BackgroundTask::ProgressHandler &progressHandler) -> Result<void> {
-            Result<QByteArray> json = encode(context, keys);
-            if (!json)
-                return failure(json.error());
-            *size = json->size();
-            return writePackage({std::move(*json)}, packagePath, progressHandler);
+         backup](ManagedObjectContext &context,
+                 const BackgroundTask::ProgressHandler &progressHandler) -> Result<void> {
+            const auto written = writePackage(context, keys, packagePath, progressHandler);
+            if (!written)
+                return failure(written.error());
+            *backup = *written;
+            return {};
         });
     if (!started)
         return logFailure(started.error());
     m_task = std::move(*started);
-    connect(m_task.get(), &BackgroundTask::finished, this,
-            [this, packagePath, size] { finish(packagePath, *size); });
+    connect(m_task.get(), &BackgroundTask::finished, this, [this, backup] { finish(*backup); });
     Q_EMIT began(tr("Writing the backup “%1” …", "Says what is going on")
                      .arg(importTexts::nameOf(packagePath)));
 }
 
-void BackupPanel::finish(const QString &packagePath, qint64 size)
+void BackupPanel::finish(const WrittenBackup &backup)
 {
     const std::unique_ptr<BackgroundTask> task = std::move(m_task);
     const Result<void> outcome = task->outcome();
     Q_EMIT ended();
     if (outcome)
-        Q_EMIT wrote(packagePath, size);
+        Q_EMIT wrote(backup);
     else
         logFailure(outcome.error());
 }

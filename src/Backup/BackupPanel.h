@@ -12,6 +12,14 @@ namespace tembra {
 class Clock;
 class CoreDataInterface;
 
+/// A backup that is on the disk, was read back and is complete.
+struct WrittenBackup
+{
+    QString packagePath;
+    qint64 size = 0; ///< Of the document, in bytes.
+    QString replacedCopy; ///< The name under which the larger one that it replaced is kept, if any.
+};
+
 /// Writes backups that the user asks for: asks where, and writes the journal there in the background.
 /// A failure is only logged.
 class BackupPanel final : public QObject
@@ -34,11 +42,11 @@ public:
 Q_SIGNALS:
     void began(const QString &activity);
     void ended();
-    /// After ended(): the backup is on the disk, was read back and is complete.
-    void wrote(const QString &packagePath, qint64 size);
+    /// After ended().
+    void wrote(const tembra::WrittenBackup &backup);
 
 private:
-    void finish(const QString &packagePath, qint64 size);
+    void finish(const WrittenBackup &backup);
 
     CoreDataInterface &m_coreData;
     const Clock &m_clock;

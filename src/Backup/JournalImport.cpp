@@ -4,9 +4,12 @@
 #include "Model/Counterpart.h"
 #include "Model/RecordDecoding.h"
 #include "Model/RecordValues.h"
+#include "Model/Tag.h"
 #include "Store/Objects/ManagedObjectContext.h"
 
 #include <algorithm>
+#include <set>
+#include <tuple>
 
 namespace tembra {
 
@@ -17,10 +20,14 @@ namespace {
 /// Reading is most of the work; the rest is the save, which cannot be cancelled.
 constexpr double readingFraction = 0.95;
 
-void count(const SessionValues &session, BackupCounts &counts)
+/// Whether a tag has a name, the name, and the emoji.
+using TagKey = std::tuple<bool, QString, QString>;
+
+void count(const SessionValues &session, BackupCounts &counts, std::set<TagKey> &tags)
 {
     ++counts.sessions;
-    counts.tags += qint64(session.tags.size());
+    for (const TagValues &tag : session.tags)
+        tags.emplace(!tag.name.isNull(), tag.name, tag.emoji.value_or(Tag::defaultEmoji()));
     if (session.notes)
         counts.notes += std::ranges::count_if(*session.notes, [](const NoteValues &note) {
             return !note.attributes.text(Note::contentStringProperty).isNull();
@@ -33,13 +40,16 @@ Result<BackupCounts> inspectJournal(QByteArrayView json)
 {
     JsonDecoder decoder(json);
     BackupCounts counts;
+    std::set<TagKey> tags;
     decodeJournal(decoder, [&] {
         ++counts.teammates;
-        (void)CounterpartValues::decode(decoder,
-                                        [&] { count(SessionValues::decode(decoder), counts); });
+        (void)CounterpartValues::decode(decoder, [&] {
+            count(SessionValues::decode(decoder), counts, tags);
+        });
     });
     if (decoder.hasFailed())
         return failure(decoder.error());
+    counts.tags = qint64(tags.size());
     return counts;
 }
 

@@ -12,7 +12,7 @@ struct BackupCounts
     qint64 teammates = 0;
     qint64 sessions = 0;
     qint64 notes = 0; ///< With a text.
-    qint64 tags = 0; ///< On meetings, each time one stands there.
+    qint64 tags = 0; ///< Of different name or emoji; counted by inspectJournal() only.
 };
 
 /// Parses the document of a backup as an import does, but inserts nothing. The failure says where in

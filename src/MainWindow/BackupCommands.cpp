@@ -165,16 +165,21 @@ void BackupCommands::didUndo(const CompletedImport &import)
                     .arg(importTexts::nameOf(import.packagePath)));
 }
 
-void BackupCommands::didWriteBackup(const QString &packagePath, qint64 size)
+void BackupCommands::didWriteBackup(const WrittenBackup &backup)
 {
     const QLocale locale;
     const QDateTime now = QDateTime::fromMSecsSinceEpoch(
         qint64(m_services.clock.now().toUnixMilliseconds()));
-    showMessage(tr("The backup “%1” is complete: read back and found whole at %2, %3.",
-                   "%1 is a backup's name, %2 the time of day, %3 its size")
-                    .arg(importTexts::nameOf(packagePath),
-                         locale.toString(now.time(), QLocale::ShortFormat),
-                         locale.formattedDataSize(size)));
+    QString text = tr("The backup “%1” is complete: read back and found whole at %2, %3.",
+                      "%1 is a backup's name, %2 the time of day, %3 its size")
+                       .arg(importTexts::nameOf(backup.packagePath),
+                            locale.toString(now.time(), QLocale::ShortFormat),
+                            locale.formattedDataSize(backup.size));
+    if (!backup.replacedCopy.isEmpty())
+        text += u' '
+                + tr("The one before held more and is kept as “%1”.", "%1 is a backup's name")
+                      .arg(importTexts::nameOf(backup.replacedCopy));
+    showMessage(text);
 }
 
 /// Every message keeps the offer to undo the newest import.

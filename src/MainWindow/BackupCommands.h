@@ -51,7 +51,7 @@ private:
     void cancelActivity();
     void didImport(const CompletedImport &import);
     void didUndo(const CompletedImport &import);
-    void didWriteBackup(const QString &packagePath, qint64 size);
+    void didWriteBackup(const WrittenBackup &backup);
     void showMessage(const QString &text);
     void showImportMessage(const CompletedImport &import);
     void setActionsEnabled(bool enabled);

@@ -2,6 +2,8 @@
 
 #include "Application/Version.h"
 
+#include <QFile>
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace tembra;
@@ -20,6 +22,7 @@ private Q_SLOTS:
     void verify();
     void helpAndVersion_data();
     void helpAndVersion();
+    void theReadmeRepeatsTheHelp();
     void mistakes_data();
     void mistakes();
 };
@@ -144,6 +147,25 @@ void tst_CommandLine::helpAndVersion()
          {u"PACKAGE..."_s, u"--data-dir DIR"_s, u"--sample"_s, u"--screenshots DIR"_s,
           u"--verify PACKAGE"_s, u"--help"_s, u"--version"_s})
         QVERIFY2(text.text.contains(option), qPrintable(option));
+}
+
+void tst_CommandLine::theReadmeRepeatsTheHelp()
+{
+    const auto parsed = parseCommandLine({u"tembra"_s, u"--help"_s});
+    // As one line, so that it does not matter where lines are wrapped.
+    const QString help = std::get<PrintAndExit>(parsed).text.simplified();
+    QFile readme(QFINDTESTDATA("../../README.md"));
+    QVERIFY(readme.open(QIODevice::ReadOnly));
+    static const QRegularExpression row(u"^\\| `([^`]+)` \\| (.+) \\|$"_s,
+                                        QRegularExpression::MultilineOption);
+    int rows = 0;
+    for (auto found = row.globalMatch(QString::fromUtf8(readme.readAll())); found.hasNext();) {
+        const QRegularExpressionMatch match = found.next();
+        ++rows;
+        const QString entry = match.captured(1) + u' ' + match.captured(2);
+        QVERIFY2(help.contains(entry), qPrintable(entry));
+    }
+    QCOMPARE(rows, 7);
 }
 
 void tst_CommandLine::mistakes_data()

@@ -1,5 +1,6 @@
 #include "Application/AppDelegate.h"
 
+#include "Backup/BackupDocument.h"
 #include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
 #include "ProgramInProcess.h"
 #include "RunningProgram.h"
@@ -37,6 +38,8 @@ private Q_SLOTS:
     void isWrittenAtEveryWayOut_data();
     void isWrittenAtEveryWayOut();
     void holdsWhoIsListed();
+    void holdsWhatIsBeingTyped();
+    void oneThatWouldHoldFewerKeepsTheOldOne();
     void theNextOneTakesItsPlace();
     void isWrittenBeforeAnythingIsAsked();
     void isNotWrittenWhereItIsSwitchedOff();
@@ -146,6 +149,35 @@ void tst_QuitBackup::holdsWhoIsListed()
         place = found;
     }
     QCOMPARE(json.count("\"name\":"), 3);
+}
+
+void tst_QuitBackup::holdsWhatIsBeingTyped()
+{
+    start();
+    const auto typeAndQuit = [&] {
+        m_program->find<QAction>(u"newTeammateAction"_s)->trigger();
+        QTRY_VERIFY(qobject_cast<QLineEdit *>(QApplication::focusWidget()));
+        QTest::keyClicks(QApplication::focusWidget(), u"Ben"_s);
+        std::raise(SIGTERM);
+    };
+    QCOMPARE(m_program->run(typeAndQuit), 0);
+    QVERIFY2(backup().contains("Ben"), backup().constData());
+}
+
+void tst_QuitBackup::oneThatWouldHoldFewerKeepsTheOldOne()
+{
+    const QByteArray before = R"([{"name":"Ana"},{"name":"Ben"}])";
+    QVERIFY(BackupDocument{before}.write(m_backups + u"/TembraData.tembrabackup"_s));
+    start(); // With an empty journal.
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(
+                             u"^The backup before held more teammates or meetings; it is kept as "
+                             "TembraData .+\\.tembrabackup$"_s));
+    QCOMPARE(quit(), 0);
+    QCOMPARE(backup(), "[]");
+    const QStringList kept = listed().filter(u"TembraData 20"_s);
+    QCOMPARE(kept.size(), 1);
+    QCOMPARE(readFile(m_backups + u'/' + kept.first() + u"/teammates.json"_s), before);
 }
 
 void tst_QuitBackup::theNextOneTakesItsPlace()

@@ -1,11 +1,14 @@
 #include "Application/AppDelegate.h"
 
+#include "Backup/BackupDocument.h"
 #include "MainWindow/StatusLine.h"
 #include "ProgramInProcess.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
+#include "Toolkit/Package/PackageDialog.h"
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QUrl>
@@ -46,8 +49,13 @@ private Q_SLOTS:
 
     void aSlowFolderIsWaitedFor();
     void aFolderThatDoesNotAnswerIsGivenUp();
+    void aManualBackupIsFinishedFirst();
+    void aManualBackupThatHangsLeavesTheOldPackage();
 
 private:
+    /// Begins a backup that the user asked for, and switches the automatic one off.
+    void beginManualBackup(const QString &path) const;
+
     QString task() const
     {
         const auto *label = m_program->window->statusLine().findChild<EmojiLabel *>(
@@ -143,6 +151,57 @@ void tst_QuitBackupHangs::aFolderThatDoesNotAnswerIsGivenUp()
     QCOMPARE(m_program->alerts->messages, QStringList());
     QCOMPARE(m_said, QStringList(u"Writing the backup before quitting …"_s));
     QVERIFY2(m_longestBreak < 300, qPrintable(QString::number(m_longestBreak)));
+}
+
+void tst_QuitBackupHangs::beginManualBackup(const QString &path) const
+{
+    QSettings(m_folder->filePath(u"settings.ini"_s), QSettings::IniFormat)
+        .setValue(DefaultsManager::shouldBackUpDataKey, false);
+    QTimer answer;
+    connect(&answer, &QTimer::timeout, &answer, [&] {
+        auto *dialog = qobject_cast<PackageDialog *>(QApplication::activeModalWidget());
+        if (!dialog || !dialog->isVisible())
+            return;
+        auto *name = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s);
+        if (name->text() != path) {
+            name->selectAll();
+            QTest::keyClicks(name, path);
+        }
+        // The first time it may only close the list of completions.
+        QTest::keyClick(name, Qt::Key_Return);
+    });
+    answer.start(50);
+    m_program->find<QAction>(u"createBackupAction"_s)->trigger();
+}
+
+void tst_QuitBackupHangs::aManualBackupIsFinishedFirst()
+{
+    const QString path = m_folder->filePath(u"backups/Mine.tembrabackup"_s);
+    beginManualBackup(path);
+    QTimer::singleShot(2000, this, [] { diskHangs = false; });
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    QCOMPARE(quitImpatiently(), 0);
+    QVERIFY(BackupDocument::read(path)->teammatesJsonData.value_or("").contains("Ana"));
+    QVERIFY(m_said.contains(u"Finishing the backup before quitting …"_s));
+}
+
+void tst_QuitBackupHangs::aManualBackupThatHangsLeavesTheOldPackage()
+{
+    const QString path = m_folder->filePath(u"backups/Mine.tembrabackup"_s);
+    diskHangs = false;
+    QVERIFY(BackupDocument{"[]"}.write(path));
+    diskHangs = true;
+    beginManualBackup(path);
+    QTest::ignoreMessage(QtWarningMsg, "Could not write backup: It was cancelled.");
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(quitImpatiently(), 0);
+    QVERIFY2(timer.elapsed() >= 10'000 && timer.elapsed() < 12'000,
+             qPrintable(QString::number(timer.elapsed())));
+    diskHangs = false;
+    QTRY_VERIFY(QDir(path).entryList({u"*.tmp"_s}, QDir::AllEntries | QDir::Hidden).isEmpty());
+    QCOMPARE(BackupDocument::read(path)->teammatesJsonData, QByteArray("[]"));
+    QVERIFY(!m_program->hasChanges());
 }
 
 QTEST_MAIN(tst_QuitBackupHangs)

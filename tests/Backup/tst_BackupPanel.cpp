@@ -51,11 +51,13 @@ private Q_SLOTS:
         m_panel->createBackup(ids());
         QCOMPARE(suggested, u"Tembra_Backup_2026-11-20.tembrabackup"_s);
         QVERIFY(wrote.size() == 1 || wrote.wait());
-        QCOMPARE(wrote.first().first().toString(), path);
+        const auto backup = wrote.first().first().value<WrittenBackup>();
+        QCOMPARE(backup.packagePath, path);
+        QCOMPARE(backup.replacedCopy, QString());
         const auto document = BackupDocument::read(path);
         QVERIFY(document);
         QVERIFY(document->teammatesJsonData->contains("Ana"));
-        QCOMPARE(wrote.first().at(1).toLongLong(), document->teammatesJsonData->size());
+        QCOMPARE(backup.size, document->teammatesJsonData->size());
         // What was typed until then is saved too.
         QVERIFY(!m_journal->context().hasChanges());
     }

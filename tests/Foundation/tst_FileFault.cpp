@@ -14,6 +14,8 @@ class tst_FileFault : public QObject
 private Q_SLOTS:
     void saysWhatWhereAndWhy_data();
     void saysWhatWhereAndWhy();
+    void aReaderIsToldNothingAboutWriting_data();
+    void aReaderIsToldNothingAboutWriting();
 };
 
 void tst_FileFault::saysWhatWhereAndWhy_data()
@@ -75,6 +77,25 @@ void tst_FileFault::saysWhatWhereAndWhy()
     QVERIFY2(error.message.startsWith(start), qPrintable(error.message));
     QVERIFY2(error.message.endsWith(u'.'), qPrintable(error.message));
     QCOMPARE(error.detail, detail);
+}
+
+void tst_FileFault::aReaderIsToldNothingAboutWriting_data()
+{
+    QTest::addColumn<int>("systemError");
+    for (const int systemError :
+         {EACCES, EPERM, EIO, EBUSY, ENOENT, ENOTDIR, EISDIR, ENAMETOOLONG, ESTALE, ENOMEM, EMFILE,
+          EDOM, int(notRegularFile), int(symbolicLink), int(changedMeanwhile)})
+        QTest::addRow("%d", systemError) << systemError;
+}
+
+void tst_FileFault::aReaderIsToldNothingAboutWriting()
+{
+    QFETCH(int, systemError);
+    const QString sentence = fileError(u"/a b/%1%2"_s, systemError, FileUse::Reading).message;
+    QVERIFY(sentence.contains(u"“/a b/%1%2”"_s));
+    for (const QString &advice :
+         {u"written"_s, u"hoose another place"_s, u"or change"_s, u"Remove"_s, u"Move it"_s})
+        QVERIFY2(!sentence.contains(advice), qPrintable(sentence));
 }
 
 QTEST_GUILESS_MAIN(tst_FileFault)

@@ -1,3 +1,4 @@
+#include "Model/JournalModel.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Objects/PersistentContainer.h"
 #include "Store/Undo/UndoManager.h"
@@ -6,6 +7,8 @@
 
 #include <QSignalSpy>
 #include <QTest>
+
+#include <stdexcept>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
@@ -47,6 +50,7 @@ private Q_SLOTS:
     void secondMigrationChangesNothing();
     void migrationCannotBeUndone();
     void savesOfOtherContextsAppear();
+    void aStoreThatCannotBeOpenedIsNotSaved();
 };
 
 void tst_CoreDataInterface::savesEveryTwoMinutes()
@@ -236,6 +240,26 @@ void tst_CoreDataInterface::savesOfOtherContextsAppear()
     const auto all = journal.counterparts();
     QCOMPARE(all.size(), 1);
     QCOMPARE(all.first()->name(), u"From elsewhere"_s);
+}
+
+void tst_CoreDataInterface::aStoreThatCannotBeOpenedIsNotSaved()
+{
+    const JournalFixture services;
+    CoreDataInterface coreData(
+        [&] {
+            return std::make_unique<PersistentContainer>(
+                u"Vum"_s, makeJournalModel(services.services),
+                PersistentContainer::Options{.directory = u"/proc/nowhere"_s,
+                                             .clock = &services.clock});
+        },
+        services.defaults);
+    coreData.setStopProgram(
+        [](const QString &reason) { throw std::runtime_error(qPrintable(reason)); });
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error, coreData.viewContext());
+    // While an alert tells of it, two minutes go by, and the user logs out.
+    coreData.handleTimer();
+    QVERIFY(coreData.saveChanges());
+    QVERIFY(!coreData.isSaveFailing());
 }
 
 QTEST_GUILESS_MAIN(tst_CoreDataInterface)

@@ -38,13 +38,16 @@ enum FoundFault : int {
 /// The kind of a value of errno or FoundFault.
 FileFault fileFaultOf(int systemError);
 
+/// What was being done, which decides what the user can do about a fault.
+enum class FileUse { Reading, Writing };
+
 /// The user's sentence for a fault met with the file or folder @p path.
-QString sentenceFor(FileFault fault, const QString &path);
+QString sentenceFor(FileFault fault, const QString &path, FileUse use = FileUse::Writing);
 
 /// The system's own words for a value of errno or FoundFault. May be called in any thread.
 QString systemReason(int systemError);
 
 /// The sentence for a call that failed with @p systemError, with the system's reason as detail.
-Error fileError(const QString &path, int systemError);
+Error fileError(const QString &path, int systemError, FileUse use = FileUse::Writing);
 
 } // namespace tembra

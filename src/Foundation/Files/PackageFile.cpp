@@ -5,6 +5,8 @@
 #include "Foundation/Files/PackagePath.h"
 #include "Foundation/Precondition.h"
 
+#include <QCoreApplication>
+
 #include <cerrno>
 #include <new>
 
@@ -16,10 +18,18 @@ namespace {
 
 constexpr qsizetype growth = 64 * 1024;
 
+Error readError(const QString &path, int systemError)
+{
+    return fileError(path, systemError, FileUse::Reading);
+}
+
 Error tooLarge(const QString &path, qint64 limit)
 {
     constexpr double mebibyte = 1024.0 * 1024.0;
-    return {u"“%1” is too large to be read. Choose another file."_s.arg(path),
+    return {QCoreApplication::translate("PackageFile",
+                                        "“%1” is too large to be read. Choose another file.",
+                                        "%1 is the path of a file")
+                .arg(path),
             u"larger than %1 MiB"_s.arg(double(limit) / mebibyte)};
 }
 
@@ -31,16 +41,16 @@ Result<std::optional<FileHandle>> openPackageFile(const QString &packagePath,
     require(isPlainName(fileName), "A package's file has a plain name");
     // The rest of such a path would be left unread.
     if (packagePath.contains(QChar::Null))
-        return failure(fileError(packagePath, ENOENT));
+        return failure(readError(packagePath, ENOENT));
     const auto package = FileHandle::folderAt(fileSystem, packagePath);
     if (!package)
-        return failure(fileError(packagePath, package.error()));
+        return failure(readError(packagePath, package.error()));
     auto file = FileHandle::fileIn(*package, fileName, FileAccess::Read);
     if (file)
         return std::optional(*std::move(file));
     if (file.error() == ENOENT)
         return std::nullopt;
-    return failure(fileError(path, file.error()));
+    return failure(readError(path, file.error()));
 }
 
 /// Reads on where a file turns out to be longer than it said. Returns all that was read.
@@ -65,22 +75,22 @@ Result<QByteArray> readOpened(const FileHandle &file, const QString &path, qint6
     FileSystem &fileSystem = file.fileSystem();
     const auto before = fileSystem.status(file.id());
     if (!before)
-        return failure(fileError(path, before.error()));
+        return failure(readError(path, before.error()));
     if (before->size > limit)
         return failure(tooLarge(path, limit));
     QByteArray contents(qsizetype(before->size), Qt::Uninitialized);
     const auto count = readToEnd(file, contents, limit);
     if (!count)
-        return failure(fileError(path, count.error()));
+        return failure(readError(path, count.error()));
     if (*count > limit)
         return failure(tooLarge(path, limit));
     const auto after = fileSystem.status(file.id());
     if (!after)
-        return failure(fileError(path, after.error()));
+        return failure(readError(path, after.error()));
     // Some network folders give no size; then the end of the file is where it ended.
     const bool isWhole = *count == before->size || before->size == 0;
     if (*before != *after || !isWhole)
-        return failure(fileError(path, changedMeanwhile));
+        return failure(readError(path, changedMeanwhile));
     return contents;
 }
 
@@ -98,7 +108,7 @@ Result<std::optional<PackageFileInfo>> inspectPackageFile(const QString &package
         return std::nullopt;
     const auto status = fileSystem.status((*file)->id());
     if (!status)
-        return failure(fileError(path, status.error()));
+        return failure(readError(path, status.error()));
     return PackageFileInfo{status->size, status->modified};
 }
 
@@ -117,7 +127,7 @@ Result<std::optional<QByteArray>> readPackageFile(const QString &packagePath,
             return std::optional(std::move(contents));
         });
     } catch (const std::bad_alloc &) {
-        return failure(fileError(path, ENOMEM));
+        return failure(readError(path, ENOMEM));
     }
 }
 

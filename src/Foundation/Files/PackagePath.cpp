@@ -1,5 +1,7 @@
 #include "Foundation/Files/PackagePath.h"
 
+#include <QCoreApplication>
+
 namespace tembra {
 
 using namespace Qt::StringLiterals;
@@ -14,7 +16,11 @@ Result<PackagePath> PackagePath::parse(const QString &path)
     if (slash >= 0)
         package.folder = slash == 0 ? u"/"_s : trimmed.left(slash);
     if (!isPlainName(package.name) || package.folder.contains(QChar::Null))
-        return failure(u"“%1” is not a name for a file. Choose another name."_s.arg(path));
+        return failure(
+            QCoreApplication::translate("PackagePath",
+                                        "“%1” is not a name for a file. Choose another name.",
+                                        "%1 is a path that was typed")
+                .arg(path));
     return package;
 }
 

@@ -60,12 +60,14 @@ public:
             return malformed(
                 tr("a comma or closing bracket is missing", "What is wrong with a JSON file"));
         case rapidjson::kParseErrorStringUnicodeEscapeInvalidHex:
-        case rapidjson::kParseErrorStringUnicodeSurrogateInvalid:
         case rapidjson::kParseErrorStringEscapeInvalid:
         case rapidjson::kParseErrorStringMissQuotationMark: // at U+0000
             return malformed(
                 tr("a text holds a control character, or a backslash that means nothing",
                    "What is wrong with a JSON file"));
+        case rapidjson::kParseErrorStringUnicodeSurrogateInvalid:
+            return malformed(
+                tr("a text holds half of a surrogate pair", "What is wrong with a JSON file"));
         case rapidjson::kParseErrorStringInvalidEncoding:
             return malformed(
                 tr("a text is not encoded in UTF-8", "What is wrong with a JSON file"));
