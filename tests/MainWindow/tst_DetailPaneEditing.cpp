@@ -1,8 +1,10 @@
 #include "MeetingPaneTest.h"
 
 #include "Model/DefaultsManager.h"
+#include "Model/Tag.h"
 #include "Store/Undo/UndoManager.h"
 #include "support/FaultVfs.h"
+#include "Tags/TagField.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
@@ -52,6 +54,15 @@ private Q_SLOTS:
         QTest::qWait(1);
         QCOMPARE(strip()->model()->rowCount(), 4);
         QCOMPARE(pane()->selectedSession(), added);
+    }
+
+    void addingPutsTheCaretIntoTheNote()
+    {
+        addSessions(1, 3);
+        showAna();
+        QTest::mouseClick(addButton(), Qt::LeftButton);
+        QTest::keyClicks(QApplication::focusWidget(), u"Ask"_s);
+        QCOMPARE(pane()->selectedSession()->sortedNotes().first()->contentString(), u"Ask"_s);
     }
 
     void addingSavesNothing()
@@ -284,6 +295,55 @@ private Q_SLOTS:
         QCOMPARE(shown(), (QList<std::shared_ptr<Session>>{m_sessions.at(0), m_sessions.at(2)}));
     }
 
+    void aSelectedMeetingThatMovesMakesRoomForTheNext()
+    {
+        addSessions(3);
+        const auto ben = m_journal->addCounterpart(u"Ben"_s);
+        showAna();
+        clickTile(1);
+        m_sessions.at(1)->setCounterpart(ben);
+        m_journal->context().processPendingChanges();
+        QCOMPARE(pane()->selectedSession(), m_sessions.at(2));
+        QCOMPARE(editor()->session(), m_sessions.at(2));
+        QCOMPARE(strip()->selectedRow(), 1);
+        QTest::keyClick(strip(), Qt::Key_Delete);
+        QVERIFY(m_panes->sheetText(u"informativeText"_s).startsWith(m_sessions.at(2)->dateText()));
+    }
+
+    void aMeetingThatNoLongerMatchesTheSearchLeavesNoOtherSelected()
+    {
+        addSessions(3);
+        for (const int found : {0, 1})
+            m_journal->write(m_sessions.at(found), NoteIdentifier::wins, u"found"_s);
+        showAna();
+        QTest::keyClicks(searchField(), u"found"_s);
+        QCOMPARE(strip()->selectedRow(), 0);
+        editor()->showField(int(NoteIdentifier::wins));
+        editor()->focusNoteInput();
+        QTest::keyClick(noteField(), Qt::Key_Backspace);
+        m_journal->context().processPendingChanges();
+        QCOMPARE(shown(), QList{m_sessions.at(1)});
+        verifyNoTileIsSelectedAndTheEditorHas(m_sessions.at(0));
+        QTest::keyClicks(noteField(), u"d"_s);
+        m_journal->context().processPendingChanges();
+        QCOMPARE(strip()->selectedRow(), 0);
+    }
+
+    void aMeetingThatLosesItsTagUnderAFilterLeavesNoOtherSelected()
+    {
+        addSessions(3);
+        for (const int tagged : {0, 1})
+            m_journal->addTag(m_sessions.at(tagged), u"Career"_s, {});
+        const auto career = m_sessions.at(0)->sortedTags().first();
+        showAna();
+        pane()->findChild<TagField *>(u"tagFilterField"_s)->setObjectValue({career});
+        QCOMPARE(strip()->selectedRow(), 0);
+        m_sessions.at(0)->removeTag(*career);
+        m_journal->context().processPendingChanges();
+        QCOMPARE(shown(), QList{m_sessions.at(1)});
+        verifyNoTileIsSelectedAndTheEditorHas(m_sessions.at(0));
+    }
+
     // Changes from elsewhere.
 
     void aMeetingAddedElsewhereKeepsTheSelection()
@@ -374,6 +434,22 @@ private Q_SLOTS:
         m_journal->context().undoManager()->undo();
         QTRY_COMPARE(strip()->model()->rowCount(), 2);
         QVERIFY(!m_journal->context().undoManager()->canUndo());
+    }
+
+private:
+    void verifyNoTileIsSelectedAndTheEditorHas(const std::shared_ptr<Session> &session) const
+    {
+        QCOMPARE(strip()->selectedRow(), -1);
+        QCOMPARE(pane()->selectedSession(), session);
+        QCOMPARE(editor()->session(), session);
+        QWidget *focused = QApplication::focusWidget();
+        strip()->setFocus();
+        QTest::keyClick(strip(), Qt::Key_Delete);
+        QVERIFY(!m_panes->sheet());
+        focused->setFocus();
+        QTest::mouseClick(deleteButton(), Qt::LeftButton);
+        QVERIFY(m_panes->sheetText(u"informativeText"_s).startsWith(session->dateText()));
+        QTest::mouseClick(m_panes->sheet()->buttons().at(1), Qt::LeftButton);
     }
 };
 

@@ -150,7 +150,6 @@ private Q_SLOTS:
         QTest::keyClicks(nameEditor(), u"Ana Silva"_s);
         QTest::keyClick(nameEditor(), Qt::Key_Return);
         QTest::keyClick(view(), Qt::Key_N, Qt::ControlModifier);
-        QTest::keyClick(m_window.get(), Qt::Key_3, Qt::ControlModifier);
         QVERIFY(noteField()->hasFocus());
         QTest::keyClicks(noteField(), u"Ask about the offer"_s);
         QTest::keyClick(noteField(), Qt::Key_PageDown, Qt::ControlModifier);

@@ -371,7 +371,7 @@ void DetailPaneViewController::observeCounterpart()
 
 void DetailPaneViewController::setSelectedSession(const std::shared_ptr<Session> &session)
 {
-    m_rowOfDeletedSession.reset();
+    m_rowLeftBySelectedSession.reset();
     if (session == m_selectedSession) {
         selectAndShow();
         return;
@@ -381,13 +381,16 @@ void DetailPaneViewController::setSelectedSession(const std::shared_ptr<Session>
     m_selectedSession = session;
     if (m_selectedSession) {
         connect(m_selectedSession.get(), &Session::deleted, this,
-                &DetailPaneViewController::selectedSessionDeleted);
+                &DetailPaneViewController::selectNextSession);
+        connect(m_selectedSession.get(), &Session::counterpartChanged, this, [this] {
+            if (m_selectedSession->counterpart() != m_selectedCounterpart)
+                selectNextSession();
+        });
         connect(m_selectedSession.get(), &Session::derivedChanged, this,
                 [this] { m_timeline->refresh(selectedRow()); });
     }
     sessionDetailViewController().setProperty("session", QVariant::fromValue(m_selectedSession));
     setControlsEnabled(m_selectedSession != nullptr);
-    summaryCollectionView->deselectAll();
     selectAndShow();
     refreshLabels();
     updateVisibleViews();
@@ -458,6 +461,8 @@ void DetailPaneViewController::selectAndShow()
     const int row = selectedRow();
     if (row >= 0)
         summaryCollectionView->selectAndShow(row);
+    else // A view selects the neighbour of a row that is removed.
+        summaryCollectionView->deselectAll();
 }
 
 void DetailPaneViewController::stripSelectionChanged(int row)
@@ -502,8 +507,8 @@ void DetailPaneViewController::addSession()
     session->setCounterpart(m_selectedCounterpart);
     context.processPendingChanges(); // The list is sorted by what derives from them.
     rebuildFetch();
-    summaryCollectionView->deselectAll();
     setSelectedSession(session);
+    sessionDetailViewController().focusNoteInput();
 }
 
 void DetailPaneViewController::addSessionFileMenu()
@@ -525,12 +530,12 @@ void DetailPaneViewController::handleDelete()
     confirmDeletion(*this, m_coreData.viewContext(), {m_selectedSession}, texts);
 }
 
-void DetailPaneViewController::selectedSessionDeleted()
+void DetailPaneViewController::selectNextSession()
 {
     const int row = selectedRow();
     setSelectedSession({});
     if (row >= 0)
-        m_rowOfDeletedSession = row; // The results do not know the deletion yet.
+        m_rowLeftBySelectedSession = row; // The results do not know the change yet.
 }
 
 void DetailPaneViewController::stuffSessions()
@@ -552,10 +557,10 @@ void DetailPaneViewController::contentWillChange()
 void DetailPaneViewController::controllerDidChangeContent()
 {
     m_isUpdatingTiles = false;
-    if (m_rowOfDeletedSession && resultsController->count() > 0)
+    if (m_rowLeftBySelectedSession && resultsController->count() > 0)
         setSelectedSession(
-            fetchedSession(std::min(*m_rowOfDeletedSession, resultsController->count() - 1)));
-    m_rowOfDeletedSession.reset();
+            fetchedSession(std::min(*m_rowLeftBySelectedSession, resultsController->count() - 1)));
+    m_rowLeftBySelectedSession.reset();
     rearrangeCounterparts();
     updateVisibleViews();
 }

@@ -32,9 +32,10 @@ struct JournalServices;
 /// The right part of the main window: a teammate's meetings as a strip of tiles, newest first, and
 /// below it the editor of the selected one.
 ///
-/// The selected meeting need not be among the tiles: a search leaves the editor alone. A meeting
-/// that is deleted, by whomever, leaves the editor at once, and the tile that takes its place in the
-/// strip (the next older meeting, else the next newer) becomes the selection.
+/// The selected meeting need not be among the tiles: a search or a filter leaves the editor alone, and
+/// no tile is selected then. A meeting that is deleted or moved to another teammate leaves the editor
+/// at once, and the tile that takes its place in the strip (the next older meeting, else the next
+/// newer) becomes the selection.
 class DetailPaneViewController : public QWidget
 {
     Q_OBJECT
@@ -68,7 +69,7 @@ public:
     void focusSearchField();
 
 public Q_SLOTS:
-    /// Without a teammate nothing is added.
+    /// Adds a meeting with the teammate, if there is one, and puts the caret into its note.
     void addSession();
     void addSessionFileMenu();
     /// Asks, then deletes the selected meeting. Without one nothing is asked.
@@ -130,7 +131,8 @@ private:
     void stripSelectionChanged(int row);
     void contentWillChange();
     void controllerDidChangeContent();
-    void selectedSessionDeleted();
+    /// Selects the meeting whose tile takes the place of the selected one, once this is gone.
+    void selectNextSession();
     void observeCounterpart();
 
     CoreDataInterface &m_coreData;
@@ -146,7 +148,7 @@ private:
     EmptyState *m_noTilesState = nullptr;
     EmptyState *m_noSelectionState = nullptr;
     bool m_isUpdatingTiles = false;
-    std::optional<int> m_rowOfDeletedSession; ///< Until the results know of the deletion.
+    std::optional<int> m_rowLeftBySelectedSession; ///< Until the results change.
 };
 
 } // namespace tembra

@@ -184,7 +184,9 @@ void SummaryCollectionView::keyPressEvent(QKeyEvent *event)
     switch (event->key()) {
     case Qt::Key_Delete:
     case Qt::Key_Backspace:
-        Q_EMIT deleteRequested();
+        // The meeting in the editor is not to be deleted from here unless its tile is selected.
+        if (selectedRow() >= 0)
+            Q_EMIT deleteRequested();
         break;
     case Qt::Key_Return:
     case Qt::Key_Enter:
