@@ -8,6 +8,7 @@
 #include "Store/Undo/UndoManager.h"
 #include "Tags/ParsedTagTitle.h"
 #include "Tags/RecentTagsViewController.h"
+#include "Toolkit/FieldEvents.h"
 #include "Toolkit/FieldPopover.h"
 
 #include <QFocusEvent>
@@ -323,12 +324,8 @@ void TagField::addRecentTag(const std::shared_ptr<Tag> &tag)
 
 void TagField::focusInEvent(QFocusEvent *event)
 {
-    const Qt::FocusReason reason = event->reason();
-    // The keyboard only comes back from a menu, or with the window.
-    const bool wasHere = reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason
-                         || reason == Qt::MenuBarFocusReason;
     TokenField::focusInEvent(event);
-    if (!wasHere)
+    if (!isTemporaryFocusChange(event->reason()))
         showRecentTags();
 }
 

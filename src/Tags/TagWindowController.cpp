@@ -5,6 +5,7 @@
 #include "Preferences/InputControls/CoachingMarkViewController.h"
 #include "Preferences/InputControls/DynamicTextField.h"
 #include "Preferences/InputControls/PopoverSourceButton.h"
+#include "Preferences/InputControls/RowNameEditor.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Results/FetchedResultsController.h"
 #include "Tags/BrowserRowDelegate.h"
@@ -13,7 +14,6 @@
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
-#include "Toolkit/Popover.h"
 #include "Toolkit/Theme.h"
 
 #include <QAction>
@@ -460,14 +460,8 @@ void TagWindowController::changeEmojiOfSelected()
 void TagWindowController::editSelected(int column)
 {
     const int row = tagsArrayController->selectionIndex();
-    if (row < 0)
-        return;
-    const QModelIndex index = tagsArrayController->index(row, column);
-    if (tagsTableView->isPersistentEditorOpen(index))
-        return;
-    tagsTableView->scrollTo(index);
-    tagsTableView->setFocus();
-    tagsTableView->edit(index);
+    if (row >= 0)
+        editInPlace(*tagsTableView, tagsArrayController->index(row, column));
 }
 
 void TagWindowController::handleDelete()
@@ -497,17 +491,13 @@ void TagWindowController::handleDoubleClick(const QModelIndex &clicked)
 
 void TagWindowController::handleHelp()
 {
-    auto *popover = new Popover(this);
-    auto *coachingMark = new CoachingMarkViewController;
-    coachingMark->label->setText(
+    CoachingMarkViewController::showBelow(
+        *helpButton,
         tr("Where helpful, use tags to organize your meetings. You can assign tags to discover "
            "themes across teammates, to track the topics and projects that define your everyday "
            "work, to flag things for followup—or anything else that helps you make sense of your "
            "data. You'll always be able to see all meetings with a given tag in this window.",
            "Explains what tags are for"));
-    popover->setContent(coachingMark);
-    connect(popover, &Popover::closed, popover, &QObject::deleteLater);
-    popover->showRelativeTo(helpButton, Qt::BottomEdge);
 }
 
 } // namespace tembra

@@ -86,7 +86,8 @@ private Q_SLOTS:
 
     void whatIsDeletedLeavesTheListAndTheSelection()
     {
-        m_teammates->list.setSelectionIndexes({0, 1});
+        m_teammates->list.setSelectedObjects(
+            {m_teammates->list.objectAt(0), m_teammates->list.objectAt(1)});
         QVERIFY(m_journal->context().deleteObject(record(0)).has_value());
         m_journal->context().processPendingChanges();
         QCOMPARE(m_teammates->names(), (QStringList{u"Ben"_s, u"Chidi"_s}));

@@ -3,16 +3,14 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Undo/UndoManager.h"
 #include "support/FaultVfs.h"
+#include "support/GuiTest.h"
 #include "support/JournalFixture.h"
 #include "Toolkit/Alert.h"
 
 #include <QLabel>
-#include <QPushButton>
 #include <QRegularExpression>
 #include <QTest>
 #include <QWidget>
-
-#include <algorithm>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
@@ -102,20 +100,11 @@ private:
         QVERIFY(sheet());
     }
 
-    /// The alert that is shown; null when none is.
-    Alert *sheet() const
-    {
-        const QList<Alert *> alerts = m_window->findChildren<Alert *>();
-        const auto shown = std::ranges::find_if(alerts, &QWidget::isVisible);
-        return shown == alerts.end() ? nullptr : *shown;
-    }
+    Alert *sheet() const { return gui::sheetOf(*m_window); }
 
     QString text(const QString &label) const { return sheet()->findChild<QLabel *>(label)->text(); }
 
-    void press(int button) const
-    {
-        QTest::mouseClick(sheet()->buttons().at(button), Qt::LeftButton);
-    }
+    void press(int button) const { gui::pressAlertButton(*sheet(), button); }
 
     std::unique_ptr<JournalFixture> m_journal;
     std::shared_ptr<Counterpart> m_ana;

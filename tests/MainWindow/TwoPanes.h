@@ -5,6 +5,7 @@
 #include "MainWindow/Detail/DetailPaneViewController.h"
 #include "MainWindow/ViewCoordinator.h"
 #include "Preferences/InputControls/AutoEditArrayController.h"
+#include "support/GuiTest.h"
 #include "support/JournalFixture.h"
 #include "Toolkit/Alert.h"
 
@@ -13,8 +14,6 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QTest>
-
-#include <algorithm>
 
 namespace tembra {
 
@@ -78,13 +77,7 @@ public:
     }
 
     /// The alert that is shown; null when none is.
-    Alert *sheet() const
-    {
-        const QList<Alert *> alerts = window.findChildren<Alert *>();
-        const auto shown = std::find_if(alerts.begin(), alerts.end(),
-                                        [](Alert *alert) { return alert->isVisible(); });
-        return shown == alerts.end() ? nullptr : *shown;
-    }
+    Alert *sheet() const { return gui::sheetOf(window); }
 
     QString sheetText(const QString &label) const
     {

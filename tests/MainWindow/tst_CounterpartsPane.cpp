@@ -289,7 +289,7 @@ private Q_SLOTS:
         m_panes->clickRow(1, Qt::ControlModifier);
         deleteSelected();
         QCOMPARE(m_panes->names(), QStringList{u"One"_s});
-        QTest::qWait(10);
+        gui::handlePendingEvents();
         m_journal->context().undoManager()->undo();
         QTRY_COMPARE(m_panes->names(), (QStringList{u"Ten"_s, u"Five"_s, u"One"_s}));
         m_journal->context().undoManager()->redo();
@@ -303,7 +303,7 @@ private Q_SLOTS:
         show();
         m_panes->clickRow(0);
         deleteSelected();
-        QTest::qWait(10);
+        gui::handlePendingEvents();
         m_journal->context().undoManager()->undo();
         QTRY_COMPARE(m_panes->names(), (QStringList{u"Ana"_s, u"Ben"_s, u"Chidi"_s}));
     }
@@ -314,7 +314,7 @@ private Q_SLOTS:
         m_journal->settle();
         show();
         m_panes->list->handleTeammateAddDelete(0);
-        QTest::qWait(10);
+        gui::handlePendingEvents();
         m_journal->context().undoManager()->undo();
         QTRY_COMPARE(m_panes->controller().rowCount(), 3);
         QVERIFY(!m_panes->detail->selectedCounterpart());

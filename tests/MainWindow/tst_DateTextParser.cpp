@@ -40,7 +40,8 @@ private Q_SLOTS:
             << u"en_US"_s << u"3/5/2025 12:00 PM"_s << fifth << QTime(12, 0);
         QTest::newRow("en_US midnight")
             << u"en_US"_s << u"3/5/2025 12:05 AM"_s << fifth << QTime(0, 5);
-        QTest::newRow("en_US hour zero") << u"en_US"_s << u"3/5/2025 0:05 AM"_s << fifth << QTime(0, 5);
+        QTest::newRow("en_US hour zero")
+            << u"en_US"_s << u"3/5/2025 0:05 AM"_s << fifth << QTime(0, 5);
         QTest::newRow("en_US narrow blank")
             << u"en_US"_s << u"3/5/2025, 9:30\u202fPM"_s << fifth << evening;
         QTest::newRow("en_US long") << u"en_US"_s << u"Wednesday, March 5, 2025"_s << fifth << none;
@@ -114,7 +115,7 @@ private Q_SLOTS:
                                  "3/5/2025 x",
                                  "3/5/2025 25:00",
                                  "3/5/2025 14:30 PM",
-                                
+
                                  "3/5/2025 9:60",
                                  "3/5/2025/7",
                                  "0/0/0",

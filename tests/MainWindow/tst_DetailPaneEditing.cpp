@@ -51,7 +51,7 @@ private Q_SLOTS:
         QCOMPARE(strip()->model()->rowCount(), 4);
         QCOMPARE(editor()->session(), added);
         QCOMPARE(daysLabel(), u"Days since last meeting with Ana: 0"_s);
-        QTest::qWait(1);
+        gui::handlePendingEvents();
         QCOMPARE(strip()->model()->rowCount(), 4);
         QCOMPARE(pane()->selectedSession(), added);
     }
@@ -70,7 +70,7 @@ private Q_SLOTS:
         showAna();
         const QSignalSpy saved(&m_journal->context(), &ManagedObjectContext::didSave);
         pane()->addSessionFileMenu();
-        QTest::qWait(1);
+        gui::handlePendingEvents();
         QCOMPARE(m_ana->sessions().size(), 1);
         QCOMPARE(saved.count(), 0);
         QVERIFY(m_journal->context().hasChanges());
@@ -121,7 +121,7 @@ private Q_SLOTS:
         addSessions(2, 3);
         showAna();
         QTest::mouseClick(addButton(), Qt::LeftButton);
-        QTest::qWait(1);
+        gui::handlePendingEvents();
         m_journal->context().undoManager()->undo();
         QTRY_COMPARE(strip()->model()->rowCount(), 2);
         QCOMPARE(pane()->selectedSession(), m_sessions.at(0));
@@ -387,7 +387,7 @@ private Q_SLOTS:
         const QAbstractItemModelTester tester(
             strip()->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         QTest::mouseClick(addButton(), Qt::LeftButton);
-        QTest::qWait(1);
+        gui::handlePendingEvents();
         confirmDeletion();
         QTest::keyClicks(searchField(), u"x"_s);
         searchField()->clear();
@@ -426,7 +426,7 @@ private Q_SLOTS:
         addSessions(2, 9000);
         showAna();
         pane()->stuffSessions();
-        QTest::qWait(1);
+        gui::handlePendingEvents();
         QCOMPARE(strip()->model()->rowCount(), 5002);
         QCOMPARE(pane()->selectedSession(), m_sessions.at(0));
         QCOMPARE(shown(3).at(0)->notes().size(), 9);

@@ -10,6 +10,7 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Undo/UndoManager.h"
 #include "support/FaultVfs.h"
+#include "support/GuiTest.h"
 #include "support/JournalFixture.h"
 
 #include <QAction>
@@ -269,7 +270,7 @@ private Q_SLOTS:
         open();
         select(0);
         ana->setName(u"Bea"_s);
-        QTest::qWait(10);
+        gui::handlePendingEvents();
         command(u"findInNotesAction"_s)->trigger();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(ana->name(), u"Ana"_s);
@@ -285,12 +286,12 @@ private Q_SLOTS:
         m_journal->settle();
         open();
         ana->setName(u"Anna"_s);
-        QTest::qWait(10);
+        gui::handlePendingEvents();
         select(0);
         m_window->counterpartsViewController().renameSelected();
         QTest::keyClicks(nameEditor(), u"Zoe"_s);
         QTest::keyClick(nameEditor(), Qt::Key_Return);
-        QTest::qWait(10);
+        gui::handlePendingEvents();
         command(u"undoAction"_s)->trigger();
         QCOMPARE(ana->name(), u"Anna"_s);
         command(u"undoAction"_s)->trigger();
@@ -307,7 +308,7 @@ private Q_SLOTS:
         m_journal->settle();
         open();
         m_journal->write(old, NoteIdentifier::wins, u"shipped"_s);
-        QTest::qWait(10);
+        gui::handlePendingEvents();
         select(rowOf(ben));
         QCOMPARE(detail().selectedCounterpart(), ben);
         command(u"undoAction"_s)->trigger();

@@ -4,6 +4,7 @@
 #include "Preferences/InputControls/PopoverSourceButton.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Undo/UndoManager.h"
+#include "support/GuiTest.h"
 #include "support/JournalFixture.h"
 #include "Tags/BrowserRowsView.h"
 #include "Tags/TagWindowController.h"
@@ -15,8 +16,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
-
-#include <algorithm>
 
 namespace tembra {
 
@@ -134,13 +133,7 @@ protected:
     }
 
     /// The alert that is shown; null when none is.
-    Alert *sheet() const
-    {
-        const QList<Alert *> alerts = m_window->findChildren<Alert *>();
-        const auto shown = std::find_if(alerts.begin(), alerts.end(),
-                                        [](Alert *alert) { return alert->isVisible(); });
-        return shown == alerts.end() ? nullptr : *shown;
-    }
+    Alert *sheet() const { return gui::sheetOf(*m_window); }
 
     QString sheetText(const QString &label) const
     {

@@ -234,7 +234,7 @@ private Q_SLOTS:
         m_window->handleDelete();
         QVERIFY(sheet());
         m_window.reset();
-        QTest::qWait(10);
+        gui::handlePendingEvents();
         QVERIFY(!m_journal->context().hasChanges());
     }
 };

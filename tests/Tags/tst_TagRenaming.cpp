@@ -11,6 +11,16 @@ class tst_TagRenaming : public TagBrowserTest
     Q_OBJECT
 
 private Q_SLOTS:
+    void aPastedLineBreakBecomesABlank()
+    {
+        addThreeTags();
+        show();
+        QLineEdit *editor = startRenaming(0);
+        gui::pasteText(*editor, u"Long\nterm\tgoal"_s);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTRY_VERIFY(names().contains(u"Long term goal"_s));
+    }
+
     void waysToRename_data()
     {
         QTest::addColumn<QString>("way");

@@ -11,6 +11,7 @@
 #include "Model/CoreDataInterface.h"
 #include "Model/JournalQueries.h"
 #include "Model/NotificationCenter.h"
+#include "Preferences/InputControls/RowNameEditor.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
@@ -321,14 +322,8 @@ void CounterpartsPaneViewController::handleDeleteFromMenu()
 void CounterpartsPaneViewController::renameSelected()
 {
     const int row = m_counterpartsArrayController->selectionIndex();
-    if (row < 0)
-        return;
-    const QModelIndex index = m_counterpartsArrayController->index(row, 0);
-    if (m_tableView->isPersistentEditorOpen(index))
-        return;
-    m_tableView->scrollTo(index);
-    m_tableView->setFocus();
-    m_tableView->edit(index);
+    if (row >= 0)
+        editInPlace(*m_tableView, m_counterpartsArrayController->index(row, 0));
 }
 
 void CounterpartsPaneViewController::askToDelete()

@@ -16,7 +16,6 @@
 #include "Toolkit/Emoji/EmojiLabel.h"
 #include "Toolkit/Icons.h"
 #include "Toolkit/List/PropertyObservation.h"
-#include "Toolkit/Popover.h"
 #include "Toolkit/Theme.h"
 
 #include <QGridLayout>
@@ -391,12 +390,7 @@ void SessionDetailViewController::handleNoteQuestionButton()
     const std::shared_ptr<Note> note = m_sortedNotes.at(m_shownRow);
     if (note->identifier() > maximumNoteIdentifier)
         return;
-    auto *popover = new Popover(this);
-    auto *coachingMark = new CoachingMarkViewController;
-    coachingMark->label->setText(note->placeholderString());
-    popover->setContent(coachingMark);
-    connect(popover, &Popover::closed, popover, &QObject::deleteLater);
-    popover->showRelativeTo(noteExplainerButton, Qt::BottomEdge);
+    CoachingMarkViewController::showBelow(*noteExplainerButton, note->placeholderString());
 }
 
 void SessionDetailViewController::refreshRatingMenus()

@@ -1,5 +1,7 @@
 #include "Preferences/InputControls/AutoEditArrayController.h"
 
+#include "Preferences/InputControls/RowNameEditor.h"
+
 #include <QAbstractItemView>
 #include <QTimer>
 
@@ -28,16 +30,8 @@ void AutoEditArrayController::add()
 void AutoEditArrayController::editSelectedRow()
 {
     const int row = selectionIndex();
-    if (!m_tableView || !m_tableView->model() || row < 0 || row >= m_tableView->model()->rowCount())
-        return;
-    const QModelIndex index = m_tableView->model()->index(row, 0);
-    // A second addition within the delay asks again for the row that is being edited by now.
-    if (m_tableView->isPersistentEditorOpen(index))
-        return;
-    m_tableView->scrollTo(index);
-    // Takes the keyboard from another editor, which so commits. The new one opens with its text selected.
-    m_tableView->setFocus();
-    m_tableView->edit(index);
+    if (m_tableView && m_tableView->model() && row >= 0)
+        editInPlace(*m_tableView, m_tableView->model()->index(row, 0));
 }
 
 } // namespace tembra

@@ -1,5 +1,6 @@
 #include "Preferences/InputControls/CoachingMarkViewController.h"
 
+#include "Toolkit/Popover.h"
 #include "Toolkit/Theme.h"
 
 #include <QLabel>
@@ -31,6 +32,16 @@ void CoachingMarkViewController::buildLayout()
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(theme::margin, theme::margin, theme::margin, theme::margin);
     layout->addWidget(label);
+}
+
+void CoachingMarkViewController::showBelow(QWidget &button, const QString &text)
+{
+    auto *popover = new Popover(button.window());
+    auto *coachingMark = new CoachingMarkViewController;
+    coachingMark->label->setText(text);
+    popover->setContent(coachingMark);
+    connect(popover, &Popover::closed, popover, &QObject::deleteLater);
+    popover->showRelativeTo(&button, Qt::BottomEdge);
 }
 
 } // namespace tembra

@@ -7,14 +7,15 @@ class QLabel;
 namespace tembra {
 
 /// The content of a small explanatory popover: one text.
-///
-/// Shown in a `Popover` first; then the presenter sets the label's text.
 class CoachingMarkViewController final : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit CoachingMarkViewController(QWidget *parent = nullptr);
+
+    /// Shows @p text in a transient popover below @p button.
+    static void showBelow(QWidget &button, const QString &text);
 
     QLabel *label;
 

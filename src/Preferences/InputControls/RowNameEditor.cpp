@@ -4,6 +4,7 @@
 
 #include <QAbstractItemDelegate>
 #include <QAbstractItemModel>
+#include <QAbstractItemView>
 #include <QInputMethodEvent>
 #include <QRegularExpression>
 #include <QValidator>
@@ -114,6 +115,16 @@ void RowNameEditor::scheduleCommit()
 {
     if (!m_commitTimer.isActive())
         m_commitTimer.start();
+}
+
+void editInPlace(QAbstractItemView &view, const QModelIndex &index)
+{
+    if (!index.isValid() || view.isPersistentEditorOpen(index))
+        return;
+    view.scrollTo(index);
+    // Takes the keyboard from another editor, which so commits.
+    view.setFocus();
+    view.edit(index);
 }
 
 } // namespace tembra

@@ -5,6 +5,7 @@
 
 class QAbstractItemDelegate;
 class QAbstractItemModel;
+class QAbstractItemView;
 class QModelIndex;
 
 namespace tembra {
@@ -48,5 +49,9 @@ private:
     bool m_hasName = false;
     bool m_isComposing = false;
 };
+
+/// Opens the editor of a cell and gives it the keyboard, where it can be seen. An editor that is open
+/// already stays as it is; one in another cell commits.
+void editInPlace(QAbstractItemView &view, const QModelIndex &index);
 
 } // namespace tembra

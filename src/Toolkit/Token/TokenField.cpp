@@ -1,5 +1,6 @@
 #include "Toolkit/Token/TokenField.h"
 
+#include "Toolkit/FieldEvents.h"
 #include "Toolkit/Token/TokenCompletion.h"
 #include "Toolkit/Token/TokenCompletionList.h"
 #include "Toolkit/Token/TokenFieldAccessible.h"
@@ -22,12 +23,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool isUndoOrRedo(const QKeyEvent &event)
-{
-    const bool isControlY = event.key() == Qt::Key_Y && event.modifiers() == Qt::ControlModifier;
-    return event.matches(QKeySequence::Undo) || event.matches(QKeySequence::Redo) || isControlY;
-}
-
 bool isTyped(const QKeyEvent &event)
 {
     if (event.text().isEmpty() || event.modifiers() == Qt::ControlModifier
@@ -41,13 +36,6 @@ bool isTyped(const QKeyEvent &event)
 bool isReturnKey(const QKeyEvent &event)
 {
     return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-}
-
-/// Whether the keyboard is only away for a while: in another window or in a menu.
-bool isTemporary(Qt::FocusReason reason)
-{
-    return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason
-           || reason == Qt::MenuBarFocusReason;
 }
 
 } // namespace
@@ -210,7 +198,7 @@ void TokenField::focusInEvent(QFocusEvent *event)
 {
     TokenView::focusInEvent(event);
     update();
-    if (!isTemporary(event->reason()) && !isReadOnly())
+    if (!isTemporaryFocusChange(event->reason()) && !isReadOnly())
         beginEditing();
 }
 
@@ -218,7 +206,7 @@ void TokenField::focusOutEvent(QFocusEvent *event)
 {
     TokenView::focusOutEvent(event);
     update();
-    if (isTemporary(event->reason()))
+    if (isTemporaryFocusChange(event->reason()))
         m_completion->close();
     else
         endEditing();
