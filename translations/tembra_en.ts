@@ -10,6 +10,139 @@
     </message>
 </context>
 <context>
+    <name>FileFault</name>
+    <message>
+        <source>You may not read “%1”. Give yourself the permission to and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk failed while “%1” was being read. Check the disk and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no “%1”. Choose another file, or connect the disk it lies on, and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” is not a folder. Choose another one.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” is not a file. Choose another one.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” is a link to another place. Choose what it leads to.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” could not be read. Check the disk and the permissions of its folder.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk is full, so “%1” cannot be written. Free some space on the disk and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Your share of the disk is used up, so “%1” cannot be written. Delete files there that you no longer need and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” is too large for its disk. Choose a folder on another disk and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>You may not read or change “%1”. Give yourself the permission to and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk with “%1” can be read but not written. Choose a folder on another disk and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk failed while “%1” was being read or written. Check the disk and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk gave back something else than what was written to “%1”. Check the disk, or choose a folder on another one.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no “%1”. Choose another place, or connect the disk it lies on, and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” is not a folder. Move it somewhere else, or choose another place.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” is not a file. Move it somewhere else.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” is a link to another place. Remove the link, or choose another place.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Writing “%1” was cancelled; nothing was changed.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk or network folder with “%1” is not connected. Connect it and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” is in use by another program. Close that program and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The name “%1” is too long. Choose a shorter one.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” was changed while it was being read. Try again when nothing writes to it.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is not enough memory for “%1”. Close other programs and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Too many files are open to use “%1”. Close other programs and try again.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1” could not be read or changed. Check the disk and the permissions of its folder.</source>
+        <comment>%1 is the path of a file or folder</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>ImportTexts</name>
     <message>
         <source>Tembra backup</source>
@@ -43,9 +176,27 @@
     </message>
 </context>
 <context>
+    <name>JournalEncoding</name>
+    <message>
+        <source>The journal is damaged: a part of it cannot be read.</source>
+        <comment>Why a backup was not written</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>JournalMenus</name>
     <message>
         <source>&amp;Close Window</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <comment>File menu</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
         <comment>File menu</comment>
         <translation type="unfinished"></translation>
     </message>
@@ -157,35 +308,17 @@
         <comment>Place in a file: a word (&quot;session&quot;) and its number</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>a text holds half of a surrogate pair</source>
+        <comment>What is wrong with a JSON file</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>JsonEncoder</name>
     <message>
         <source>A number is infinite or undefined, so it cannot be written.</source>
         <comment>Why a backup cannot be made</comment>
-        <translation type="unfinished"></translation>
-    </message>
-</context>
-<context>
-    <name>MainWindow</name>
-    <message>
-        <source>&amp;File</source>
-        <comment>Menu</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Save</source>
-        <comment>File menu</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Quit</source>
-        <comment>File menu</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Edit</source>
-        <comment>Menu</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -278,6 +411,22 @@
     </message>
 </context>
 <context>
+    <name>PackageFile</name>
+    <message>
+        <source>“%1” is too large to be read. Choose another file.</source>
+        <comment>%1 is the path of a file</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>PackagePath</name>
+    <message>
+        <source>“%1” is not a name for a file. Choose another name.</source>
+        <comment>%1 is a path that was typed</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>Program</name>
     <message>
         <source>Tembra has changed nothing. It closes now.</source>
@@ -287,6 +436,24 @@
     <message>
         <source>Quit</source>
         <comment>Closes the program</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>RecordDeletion</name>
+    <message>
+        <source>OK</source>
+        <comment>Button that closes an alert</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <comment>Button that deletes</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <comment>Button that leaves things as they are</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -445,6 +612,11 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <comment>Says what is going on</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Finishing the backup before quitting …</source>
+        <comment>Says what is going on</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tembra::BackupCommands</name>
@@ -486,6 +658,11 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>The backup “%1” is complete: read back and found whole at %2, %3.</source>
         <comment>%1 is a backup&apos;s name, %2 the time of day, %3 its size</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The one before held more and is kept as “%1”.</source>
+        <comment>%1 is a backup&apos;s name</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -531,23 +708,8 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Delete</source>
-        <comment>Button that deletes</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <comment>Button that leaves things as they are</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>The teammates could not be deleted.</source>
         <comment>Alert when a deletion fails</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>OK</source>
-        <comment>Button that closes an alert</comment>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -689,23 +851,8 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Delete</source>
-        <comment>Button that deletes</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <comment>Button that leaves things as they are</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>The meeting could not be deleted.</source>
         <comment>Alert when a deletion fails</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>OK</source>
-        <comment>Button that closes an alert</comment>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -902,7 +1049,12 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     </message>
 </context>
 <context>
-    <name>tembra::ImportPrompts</name>
+    <name>tembra::ImportQueue</name>
+    <message>
+        <source>Looking at “%1” …</source>
+        <comment>Says what is going on</comment>
+        <translation type="unfinished"></translation>
+    </message>
     <message>
         <source>Do you want to import this backup file?</source>
         <comment>Prompt for import dialog</comment>
@@ -943,16 +1095,6 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     </message>
     <message>
         <source>&amp;Rename Teammate…</source>
-        <comment>File menu</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Save</source>
-        <comment>File menu</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Quit</source>
         <comment>File menu</comment>
         <translation type="unfinished"></translation>
     </message>
@@ -1082,6 +1224,19 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     </message>
 </context>
 <context>
+    <name>tembra::ProgressSheet</name>
+    <message>
+        <source>Cancel</source>
+        <comment>Button that ends the task in progress</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancelling…</source>
+        <comment>Said of the task in progress once it is to end early</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>tembra::RecentTagsViewController</name>
     <message>
         <source>Recent tags</source>
@@ -1162,6 +1317,21 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>Set Date</source>
         <comment>Button: gives a meeting without a date one</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show Calendar</source>
+        <comment>Button in the field for a date</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is no date. Dates are written as in %1.</source>
+        <comment>Shown when a typed date is refused; %1 is a date</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Calendar</source>
+        <comment>Accessible name of the calendar of a date field</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -1360,23 +1530,8 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Delete</source>
-        <comment>Button that deletes</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <comment>Button that leaves things as they are</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>The tags could not be deleted.</source>
         <comment>Alert when a deletion fails</comment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>OK</source>
-        <comment>Button that closes an alert</comment>
         <translation type="unfinished"></translation>
     </message>
     <message>
