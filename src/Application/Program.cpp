@@ -65,10 +65,10 @@ int leaveToRunningInstance(const StartOptions &options)
     return couldNotStart;
 }
 
-void bringInSample(ProgramServices &services, const DataFolder &folder)
+void importSample(ProgramServices &services, const DataFolder &folder)
 {
-    const auto done = SampleJournal::bringIn(services.coreData, folder.journalDirectory(),
-                                             services.clock, QTimeZone::systemTimeZone());
+    const auto done = SampleJournal::importInto(services.coreData, folder.journalDirectory(),
+                                                services.clock, QTimeZone::systemTimeZone());
     if (!done)
         throw CannotStart{done.error().description()};
 }
@@ -108,7 +108,7 @@ int runOn(const DataFolder &folder, const StartOptions &options)
     try {
         delegate.applicationDidFinishLaunching([&] {
             if (options.sample)
-                bringInSample(services, folder);
+                importSample(services, folder);
         });
     } catch (const CannotStart &stop) {
         return giveUp(stop.reason);

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int patienceInMilliseconds = 4000;
+constexpr int timeoutInMilliseconds = 4000;
 constexpr QByteArrayView showRequest = "show\n";
 /// Paths follow, each with the one byte at its end that no path has in it; at the end an empty one.
 constexpr QByteArrayView openRequest = "open\n";
@@ -72,12 +72,12 @@ Result<SingleInstance::Answer> SingleInstance::askRunningInstance(const QStringL
     QLocalSocket socket;
     socket.connectToServer(m_serverName);
     // One that is still connecting after so long waits in the queue of a program that hangs.
-    if (!socket.waitForConnected(patienceInMilliseconds)
+    if (!socket.waitForConnected(timeoutInMilliseconds)
         && socket.state() == QLocalSocket::UnconnectedState)
         return Answer::NobodyRuns;
     socket.write(requestFor(packages));
     QByteArray received;
-    while (!received.contains('\n') && socket.waitForReadyRead(patienceInMilliseconds))
+    while (!received.contains('\n') && socket.waitForReadyRead(timeoutInMilliseconds))
         received += socket.readAll();
     if (received == shownAnswer)
         return Answer::Shown;

@@ -21,10 +21,10 @@ public:
     Backup(ManagedObjectContext &context, const DefaultsManager &defaults, QString programName,
            FileSystem &fileSystem = systemFileSystem());
 
-    /// The automatic backup, before quitting: of these teammates into the backup folder, over the
-    /// last one. Does nothing when backups are switched off or there is no such folder. Stops nobody:
-    /// a failure is but logged, and a folder that does not answer is given up after ten seconds.
-    /// Meanwhile @p whileWaiting is called again and again, so that windows can be drawn.
+    /// Writes the automatic backup, before quitting, into the backup folder, over the last one: the
+    /// whole journal, with these teammates first. Does nothing when backups are switched off or there
+    /// is no such folder. A failure is only logged, and a folder that does not answer is given up after
+    /// ten seconds; meanwhile @p whileWaiting is called again and again, so that windows are painted.
     void backUp(const QList<std::shared_ptr<Counterpart>> &teammates,
                 const std::function<void()> &whileWaiting) const;
 

@@ -31,7 +31,8 @@ public:
                 QObject *parent = nullptr);
     ~BackupPanel() override;
 
-    /// Of these teammates, in this order. Without effect while a backup is being written.
+    /// Asks where, and writes the whole journal, with these teammates first. Without effect while a
+    /// backup is being written.
     void createBackup(const QList<ObjectID> &teammates);
     void writeBackup(const QList<ObjectID> &teammates, const QString &packagePath);
 

@@ -26,8 +26,10 @@ using TagKey = std::tuple<bool, QString, QString>;
 void count(const SessionValues &session, BackupCounts &counts, std::set<TagKey> &tags)
 {
     ++counts.sessions;
-    for (const TagValues &tag : session.tags)
-        tags.emplace(!tag.name.isNull(), tag.name, tag.emoji.value_or(Tag::defaultEmoji()));
+    for (const TagValues &tag : session.tags) {
+        const QString name = tag.attributes.text(Tag::nameProperty);
+        tags.emplace(!name.isNull(), name, tag.attributes.text(Tag::emojiProperty));
+    }
     if (session.notes)
         counts.notes += std::ranges::count_if(*session.notes, [](const NoteValues &note) {
             return !note.attributes.text(Note::contentStringProperty).isNull();

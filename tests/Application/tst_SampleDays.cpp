@@ -104,8 +104,8 @@ void tst_SampleDays::meetingsMoveToToday()
     const JournalFixture journal(now);
     const QTimeZone timeZone(zone);
     QVERIFY(timeZone.isValid());
-    QVERIFY(SampleJournal::bringIn(journal.coreData(), journal.directory.path(), journal.clock,
-                                   timeZone));
+    QVERIFY(SampleJournal::importInto(journal.coreData(), journal.directory.path(), journal.clock,
+                                      timeZone));
     const Moments before = momentsInDocument(SampleJournal::document());
     const Moments after = momentsInStore(journal, timeZone);
     QCOMPARE(after.keys(), before.keys());

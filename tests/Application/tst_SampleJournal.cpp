@@ -79,8 +79,8 @@ private Q_SLOTS:
 private:
     static void fill(const JournalFixture &journal)
     {
-        const auto done = SampleJournal::bringIn(journal.coreData(), journal.directory.path(),
-                                                 journal.clock, QTimeZone::utc());
+        const auto done = SampleJournal::importInto(journal.coreData(), journal.directory.path(),
+                                                    journal.clock, QTimeZone::utc());
         QVERIFY2(done, done ? "" : qPrintable(done.error().description()));
     }
     QList<std::shared_ptr<Session>> allSessions() const
@@ -268,8 +268,8 @@ void tst_SampleJournal::tellsWhenItCannotBeBroughtIn()
 {
     const JournalFixture journal;
     const QString nowhere = journal.filePath(u"not/there"_s);
-    const auto done = SampleJournal::bringIn(journal.coreData(), nowhere, journal.clock,
-                                             QTimeZone::utc());
+    const auto done = SampleJournal::importInto(journal.coreData(), nowhere, journal.clock,
+                                                QTimeZone::utc());
     QVERIFY(!done);
     QVERIFY2(done.error().message.contains(nowhere), qPrintable(done.error().message));
     QVERIFY(journal.counterparts().isEmpty());

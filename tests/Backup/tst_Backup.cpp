@@ -57,9 +57,24 @@ private Q_SLOTS:
 
     void aJournalWithoutTeammatesIsAnEmptyList()
     {
-        m_teammates = QList<std::shared_ptr<Counterpart>>();
+        QVERIFY(m_journal->context().deleteObject(m_journal->counterparts().first()));
         backUp();
         QCOMPARE(content(), "[]");
+    }
+
+    void aListThatIsNotWholeLeavesNobodyOut()
+    {
+        const auto ben = m_journal->addCounterpart(u"Ben"_s);
+        m_journal->addCounterpart(u"Cem"_s);
+        m_teammates = QList{ben};
+        backUp();
+        QVERIFY(content().indexOf("Ben") < content().indexOf("Ana"));
+        QVERIFY(content().indexOf("Ana") < content().indexOf("Cem"));
+        const QByteArray before = content();
+        m_teammates = QList<std::shared_ptr<Counterpart>>(); // As after a list that failed to load.
+        backUp();
+        QCOMPARE(content().size(), before.size());
+        QVERIFY(content().contains("Ben"));
     }
 
     void keepsTheOrderItIsGiven()

@@ -87,8 +87,8 @@ QByteArray SampleJournal::document()
     return file.readAll();
 }
 
-Result<void> SampleJournal::bringIn(CoreDataInterface &coreData, const QString &directory,
-                                    const Clock &clock, const QTimeZone &timeZone)
+Result<void> SampleJournal::importInto(CoreDataInterface &coreData, const QString &directory,
+                                       const Clock &clock, const QTimeZone &timeZone)
 {
     const Result<QString> package = copyPackage(directory);
     if (!package)

@@ -17,8 +17,8 @@ public:
     /// Imports the backup into an empty store, by way of a package in @p directory, and saves it.
     /// Its last day becomes today: each meeting keeps its time of day, in @p timeZone, and moves from
     /// a weekend to the Friday before. Nothing of it can be undone.
-    static Result<void> bringIn(CoreDataInterface &coreData, const QString &directory,
-                                const Clock &clock, const QTimeZone &timeZone);
+    static Result<void> importInto(CoreDataInterface &coreData, const QString &directory,
+                                   const Clock &clock, const QTimeZone &timeZone);
 
     /// The backup's document.
     static QByteArray document();
