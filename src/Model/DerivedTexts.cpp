@@ -140,7 +140,7 @@ void DerivedTexts::invalidateAll()
 
 void DerivedTexts::takeChanges(const ChangeSet &changes)
 {
-    if (changes.wholesale != 0) {
+    if (changes.bulk != 0) {
         invalidateAll();
         return;
     }

@@ -10,6 +10,7 @@
 #include "Model/Session.h"
 #include "Model/Tag.h"
 #include "Store/Objects/ManagedObjectContext.h"
+#include "support/RecordCount.h"
 
 #include <QFile>
 
@@ -103,7 +104,7 @@ JournalState stateOf(const QString &directory)
         require(teammates.has_value(), "The teammates can be fetched");
         state.document = encodeJournal(context, *teammates).value_or(QByteArray());
         for (const char *entity : {"Counterpart", "Session", "Note", "Tag"})
-            state.counts.append(context.count({.entityName = entity}).value_or(-1));
+            state.counts.append(recordCount(context, {.entityName = entity}));
     } catch (const StoreIsBroken &) {
         return state;
     }

@@ -6,6 +6,7 @@ void MeetingWindowsTest::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     m_program = std::make_unique<ProgramInProcess>(m_folder->path());
+    m_setup = std::make_unique<UndoManager::Suspension>(*context().undoManager());
     m_ana = context().insert<Counterpart>();
     m_ana->setName(u"Ana"_s);
     m_older = addMeeting(8);
@@ -19,6 +20,7 @@ void MeetingWindowsTest::init()
 void MeetingWindowsTest::cleanup()
 {
     forgetRecords();
+    m_setup.reset();
     m_program.reset();
     m_folder.reset();
 }
@@ -39,11 +41,11 @@ std::shared_ptr<Tag> MeetingWindowsTest::addTag(const std::shared_ptr<Session> &
     return tag;
 }
 
-void MeetingWindowsTest::settle() const
+void MeetingWindowsTest::settle()
 {
     tell();
     QVERIFY(context().save().has_value());
-    context().undoManager()->removeAllSteps();
+    m_setup.reset();
 }
 
 SessionWindowController *MeetingWindowsTest::open(const std::shared_ptr<Session> &session) const
@@ -57,8 +59,10 @@ SessionWindowController *MeetingWindowsTest::open(const std::shared_ptr<Session>
 void MeetingWindowsTest::restart()
 {
     forgetRecords();
+    m_setup.reset();
     m_program.reset();
     m_program = std::make_unique<ProgramInProcess>(m_folder->path());
+    m_setup = std::make_unique<UndoManager::Suspension>(*context().undoManager());
     const auto teammates = context().fetch<Counterpart>({.entityName = Counterpart::entityName()});
     QCOMPARE(teammates->size(), 1);
     m_ana = teammates->first();

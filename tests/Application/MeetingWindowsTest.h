@@ -41,7 +41,7 @@ protected:
                                 const QString &emoji) const;
 
     /// Tells now what changed, saves, and forgets the steps that led here.
-    void settle() const;
+    void settle();
     /// Ends the turn: what has changed is told, and is one step of undo.
     void tell() const
     {
@@ -109,6 +109,7 @@ protected:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<ProgramInProcess> m_program;
+    std::unique_ptr<UndoManager::Suspension> m_setup; ///< Until settle().
     std::shared_ptr<Counterpart> m_ana;
     std::shared_ptr<Session> m_meeting;
     std::shared_ptr<Session> m_older;

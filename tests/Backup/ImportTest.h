@@ -4,6 +4,7 @@
 #include "Backup/Import.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
+#include "support/RecordCount.h"
 #include "Toolkit/Alert.h"
 #include "Toolkit/ProgressSheet.h"
 
@@ -67,7 +68,7 @@ protected:
     }
     qint64 sessionCount() const
     {
-        return m_journal->context().count({.entityName = "Session"}).value_or(-1);
+        return recordCount(m_journal->context(), {.entityName = "Session"});
     }
 
     /// The sheet that is open on the window; null when there is none.

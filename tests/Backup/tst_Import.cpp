@@ -243,10 +243,11 @@ private Q_SLOTS:
         QVERIFY(importAndWait(
             package(u"Mine"_s, R"([{"sessions":[{"tags":[{"emoji":"🚀","name":"launch"}]}]}])")));
         QCOMPARE(tag->sessions().size(), 2);
-        QCOMPARE(*m_journal->context().count({.entityName = "Tag"}), 1);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = "Tag"}), 1);
     }
 };
 
 QTEST_MAIN(tst_Import)
 
+#include "support/RecordCount.h"
 #include "tst_Import.moc"

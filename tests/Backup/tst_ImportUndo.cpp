@@ -32,8 +32,8 @@ private Q_SLOTS:
         QCOMPARE(m_journal->counterparts().size(), 1);
         QCOMPARE(m_journal->counterparts().first()->name(), u"Ben"_s);
         QCOMPARE(sessionCount(), 1);
-        QCOMPARE(*m_journal->context().count({.entityName = "Note"}), 9);
-        QCOMPARE(*m_journal->context().count({.entityName = "Tag"}), 1);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = "Note"}), 9);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = "Tag"}), 1);
         QCOMPARE(deleted.size(), 1);
         QVERIFY(ana->isDeleted());
     }
@@ -118,4 +118,5 @@ private:
 
 QTEST_MAIN(tst_ImportUndo)
 
+#include "support/RecordCount.h"
 #include "tst_ImportUndo.moc"

@@ -5,6 +5,7 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Objects/PersistentContainer.h"
 #include "support/JournalFixture.h"
+#include "support/RecordCount.h"
 
 #include <QTest>
 
@@ -99,8 +100,8 @@ private Q_SLOTS:
         for (int round = 0; round < 2; ++round)
             QVERIFY(importJournal(twoTeammates, *background(), goOn));
         QCOMPARE(m_journal->counterparts().size(), 4);
-        QCOMPARE(*m_journal->context().count(JournalQueries::allTags()), 1);
-        QCOMPARE(*m_journal->context().count({.entityName = "Session"}), 4);
+        QCOMPARE(recordCount(m_journal->context(), JournalQueries::allTags()), 1);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = "Session"}), 4);
     }
 
     void tagsOfThisMomentMergeToo()
@@ -110,7 +111,7 @@ private Q_SLOTS:
         QVERIFY(m_journal->context().hasChanges()); // Not saved, but a draft.
         QVERIFY(m_journal->context().writeDrafts());
         QVERIFY(importJournal(twoTeammates, *background(), goOn));
-        QCOMPARE(*m_journal->context().count(JournalQueries::allTags()), 1);
+        QCOMPARE(recordCount(m_journal->context(), JournalQueries::allTags()), 1);
         QCOMPARE(tag->sessions().size(), 3);
     }
 
@@ -131,12 +132,12 @@ private Q_SLOTS:
         int questions = 0;
         QVERIFY(importJournal(json, *background(), [&](double) { return ++questions > 0; }));
         QVERIFY(questions > 2000); // At every record.
-        const int sessions = int(*m_journal->context().count({.entityName = "Session"}));
+        const int sessions = int(recordCount(m_journal->context(), {.entityName = "Session"}));
         for (int stop = 1; stop <= questions; stop += 199) {
             int left = stop;
             QVERIFY(!importJournal(json, *background(), [&](double) { return --left > 0; }));
         }
-        QCOMPARE(*m_journal->context().count({.entityName = "Session"}), sessions);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = "Session"}), sessions);
     }
 
     void aMistakeAtTheEndChangesNothing()
@@ -146,8 +147,8 @@ private Q_SLOTS:
             json += ",{}"; // Many pieces are written already.
         json += R"(,{"flag":70000}]}])";
         QVERIFY(!importJournal(json, *background(), goOn));
-        QCOMPARE(*m_journal->context().count({.entityName = "Session"}), 0);
-        QCOMPARE(*m_journal->context().count({.entityName = "Note"}), 0);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = "Session"}), 0);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = "Note"}), 0);
         QVERIFY(m_journal->counterparts().isEmpty());
     }
 

@@ -5,6 +5,7 @@
 #include "MainWindow/StatusLine.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "support/JournalFixture.h"
+#include "support/RecordCount.h"
 #include "Toolkit/Alert.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
 #include "Toolkit/Package/PackageDialog.h"
@@ -226,7 +227,7 @@ private Q_SLOTS:
         QTRY_COMPARE(message(), u"Cancelled; nothing was changed."_s);
         QVERIFY(!progressSheet());
         QVERIFY(m_window->counterpartsViewController().counterparts().isEmpty());
-        QCOMPARE(*m_journal->context().count({.entityName = "Session"}), 0);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = "Session"}), 0);
     }
 
     void destroyingTheWindowCancelsAnImport()
@@ -234,7 +235,7 @@ private Q_SLOTS:
         m_window->openPackages({endlessPackage()});
         answerSheet(Qt::Key_Return);
         m_window.reset();
-        QCOMPARE(*m_journal->context().count({.entityName = "Session"}), 0);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = "Session"}), 0);
     }
 
     void aPackageInAFolderThatDoesNotAnswerCanBeLeft()

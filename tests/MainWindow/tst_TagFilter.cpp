@@ -123,7 +123,7 @@ private Q_SLOTS:
         QVERIFY(filter()->toPlainText().isEmpty());
         QVERIFY(filter()->tags().isEmpty());
         QCOMPARE(shown(), m_sessions);
-        QCOMPARE(m_journal->context().count({.entityName = Tag::entityName()}).value(), 2);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = Tag::entityName()}), 2);
         QVERIFY(!m_journal->context().hasChanges());
     }
 
@@ -160,7 +160,7 @@ private Q_SLOTS:
         QCOMPARE(shown(), m_sessions);
         leaveFilter();
         m_journal->settle();
-        QCOMPARE(m_journal->context().count({.entityName = Tag::entityName()}).value(), 1);
+        QCOMPARE(recordCount(m_journal->context(), {.entityName = Tag::entityName()}), 1);
     }
 
     void theNextTeammateIsFilteredToo()
@@ -259,4 +259,5 @@ private:
 };
 
 QTEST_MAIN(tst_TagFilter)
+#include "support/RecordCount.h"
 #include "tst_TagFilter.moc"

@@ -50,7 +50,7 @@ bool isEmpty(const JournalFixture &journal)
     qint64 records = 0;
     for (const QByteArray &entityName :
          {Counterpart::entityName(), Session::entityName(), Note::entityName(), Tag::entityName()})
-        records += journal.context().count({.entityName = entityName}).value();
+        records += recordCount(journal.context(), {.entityName = entityName});
     return records == 0;
 }
 
@@ -234,4 +234,5 @@ void tst_BackupRoundTrip::foreignShapes()
 }
 
 QTEST_GUILESS_MAIN(tst_BackupRoundTrip)
+#include "support/RecordCount.h"
 #include "tst_BackupRoundTrip.moc"

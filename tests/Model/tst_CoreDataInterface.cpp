@@ -4,6 +4,7 @@
 #include "Store/Undo/UndoManager.h"
 #include "support/FaultVfs.h"
 #include "support/JournalFixture.h"
+#include "support/RecordCount.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -205,7 +206,7 @@ void tst_CoreDataInterface::equalFlagsShareATag()
     two->setFlag(4);
     journal.coreData().migrateFlagsToTags();
     QCOMPARE(one->sortedTags(), two->sortedTags());
-    QCOMPARE(journal.context().count({.entityName = "Tag"}).value(), 1);
+    QCOMPARE(recordCount(journal.context(), {.entityName = "Tag"}), 1);
 }
 
 void tst_CoreDataInterface::secondMigrationChangesNothing()
@@ -216,7 +217,7 @@ void tst_CoreDataInterface::secondMigrationChangesNothing()
     QSignalSpy saved(&journal.context(), &ManagedObjectContext::didSave);
     journal.coreData().migrateFlagsToTags();
     QCOMPARE(saved.count(), 0);
-    QCOMPARE(journal.context().count({.entityName = "Tag"}).value(), 1);
+    QCOMPARE(recordCount(journal.context(), {.entityName = "Tag"}), 1);
 }
 
 void tst_CoreDataInterface::migrationCannotBeUndone()

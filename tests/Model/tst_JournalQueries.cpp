@@ -1,6 +1,7 @@
 #include "Model/JournalModel.h"
 #include "Model/JournalQueries.h"
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
 #include "Store/Objects/PersistentContainer.h"
 #include "Store/Query/FetchStatement.h"
 #include "support/JournalFixture.h"

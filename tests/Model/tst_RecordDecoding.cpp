@@ -22,7 +22,7 @@ std::shared_ptr<Session> importedMeeting(const JournalFixture &journal, const QB
 
 qint64 countOf(ManagedObjectContext &context, const QByteArray &entityName)
 {
-    return context.count({.entityName = entityName}).value_or(-1);
+    return recordCount(context, {.entityName = entityName});
 }
 
 } // namespace
@@ -201,4 +201,5 @@ void tst_RecordDecoding::namesOfRecordsPlayNoPart()
 }
 
 QTEST_GUILESS_MAIN(tst_RecordDecoding)
+#include "support/RecordCount.h"
 #include "tst_RecordDecoding.moc"

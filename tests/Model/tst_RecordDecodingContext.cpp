@@ -25,7 +25,7 @@ std::shared_ptr<Record> decoded(QByteArrayView json, ManagedObjectContext &conte
 
 qint64 countOf(ManagedObjectContext &context, const QByteArray &entityName)
 {
-    return context.count({.entityName = entityName}).value_or(-1);
+    return recordCount(context, {.entityName = entityName});
 }
 
 /// A record of a store that knows no journal.
@@ -253,4 +253,5 @@ void tst_RecordDecodingContext::isNeeded()
 }
 
 QTEST_GUILESS_MAIN(tst_RecordDecodingContext)
+#include "support/RecordCount.h"
 #include "tst_RecordDecodingContext.moc"

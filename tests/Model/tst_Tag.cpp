@@ -1,6 +1,7 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Results/FetchedResultsController.h"
 #include "support/JournalFixture.h"
+#include "support/RecordCount.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -66,7 +67,7 @@ void tst_Tag::factoryReusesByNameAndEmoji()
     QCOMPARE(Tag::findOrCreate(journal.context(), u"launch"_s, u"🚀"_s), first);
     QVERIFY(Tag::findOrCreate(journal.context(), u"launch"_s, u"🎯"_s) != first);
     QVERIFY(Tag::findOrCreate(journal.context(), u"Launch"_s, u"🚀"_s) != first);
-    QCOMPARE(journal.context().count({.entityName = "Tag"}).value(), 3);
+    QCOMPARE(recordCount(journal.context(), {.entityName = "Tag"}), 3);
 }
 
 void tst_Tag::missingEqualsOnlyMissing()

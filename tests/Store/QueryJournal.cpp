@@ -176,19 +176,6 @@ Result<std::vector<qint64>> QueryJournal::fetchKeys(const FetchRequest &request)
     return found.map([&](bool) { return keys; });
 }
 
-Result<qint64> QueryJournal::count(const FetchRequest &request) const
-{
-    const Result<FetchStatement> compiled = compileCount(model, request);
-    if (!compiled)
-        return failure(compiled.error());
-    Statement &statement = prepared(*m_connection, compiled->sql, compiled->bindings);
-    return statement.step().map([&](bool) {
-        const qint64 number = statement.key(0);
-        statement.reset();
-        return number;
-    });
-}
-
 QByteArray QueryJournal::plan(const FetchRequest &request) const
 {
     const Result<FetchStatement> compiled = compileFetch(model, request);

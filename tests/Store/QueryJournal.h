@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
 #include "Store/Query/FetchStatement.h"
 #include "Store/Schema/ObjectModel.h"
 
@@ -33,7 +34,6 @@ public:
 
     Connection &connection() const { return *m_connection; }
     Result<std::vector<qint64>> fetchKeys(const FetchRequest &request) const;
-    Result<qint64> count(const FetchRequest &request) const;
     /// How SQLite goes about it, one step per line.
     QByteArray plan(const FetchRequest &request) const;
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
 #include "Store/File/StoreOpening.h"
+#include "Store/File/Transaction.h"
 #include "Store/Schema/ObjectModel.h"
 #include "support/FolderContents.h"
 

@@ -1,6 +1,7 @@
 #include "TestJournal.h"
 
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
 
 #include <QCoreApplication>
 
@@ -25,15 +26,13 @@ QList<SchemaMigration> testMigrations()
     return {
         {1,
          {"CREATE TABLE owner (id INTEGER PRIMARY KEY, name TEXT)",
-          "CREATE TABLE label (id INTEGER PRIMARY KEY, name TEXT, favourite INTEGER REFERENCES "
-          "owner(id))",
+          "CREATE TABLE label (id INTEGER PRIMARY KEY, name TEXT)",
           "CREATE TABLE item (id INTEGER PRIMARY KEY, date REAL, flag INTEGER, owner INTEGER "
           "REFERENCES owner(id))",
           "CREATE TABLE part (id INTEGER PRIMARY KEY, number INTEGER, content TEXT,"
           " item INTEGER REFERENCES item(id))",
           "CREATE TABLE item_label (item INTEGER NOT NULL REFERENCES item(id),"
           " label INTEGER NOT NULL REFERENCES label(id), PRIMARY KEY (item, label)) WITHOUT ROWID",
-          "CREATE INDEX label_favourite ON label(favourite)",
           "CREATE INDEX item_owner ON item(owner, date)",
           "CREATE INDEX part_item ON part(item, number)",
           "CREATE INDEX item_label_label ON item_label(label, item)"}}};
@@ -98,11 +97,9 @@ ObjectModel testModel()
 {
     EntityDescription owner{"Owner", "owner", {{"name", AttributeType::Text}},
                             {},      {},      maker<Owner>()};
-    owner.toManys = {{"items", "Item", "owner", DeleteRule::Cascade},
-                     {"admirers", "Label", "favourite"}};
+    owner.toManys = {{"items", "Item", "owner", DeleteRule::Cascade}};
     EntityDescription label{"Label", "label", {{"name", AttributeType::Text}},
                             {},      {},      maker<Label>()};
-    label.toOnes = {{"favourite", "Owner", "admirers"}};
     label.toManys = {
         {"items", "Item", "labels", DeleteRule::Nullify, "item_label", "label", "item"}};
     EntityDescription item{"Item", "item", {}, {{"owner", "Owner", "items"}}, {}, maker<Item>()};

@@ -130,17 +130,11 @@ class Label : public Counted
     Q_PROPERTY(QObject *items MEMBER m_unused NOTIFY itemsChanged)
 
 public:
-    /// A label may name one owner as its favourite; that is no reason to go with the owner.
-    enum Property { nameProperty, favouriteProperty, itemsProperty };
+    enum Property { nameProperty, itemsProperty };
     static QByteArray entityName() { return "Label"; }
 
     QString name() const { return text(nameProperty); }
     void setName(const QString &name) { setText(nameProperty, name); }
-    std::shared_ptr<Owner> favourite() const { return toOne<Owner>(favouriteProperty); }
-    void setFavourite(const std::shared_ptr<ManagedObject> &owner)
-    {
-        setToOne(favouriteProperty, owner);
-    }
 
 Q_SIGNALS:
     void nameChanged();

@@ -117,7 +117,6 @@ void Worker::work()
     save();
     turn([&] { second = m_store.addItem(object<Owner>(owner))->objectID(); });
     turn([&] { (void)context.fetchKeys({"Item"}); });
-    turn([&] { object<Label>(label)->setFavourite(object<Owner>(owner)); });
     turn([&] { (void)context.deleteObject(object<Item>(first)); });
     save();
     turn([&] { m_store.undo().undo(); });

@@ -18,15 +18,15 @@ private Q_SLOTS:
         QCOMPARE(keys.ranges(), (std::vector<KeyRange>{{3, 5}, {9, 9}, {11, 12}}));
     }
 
-    void cutsThemIntoPieces()
+    void splitsThemIntoShorterRanges()
     {
         KeyRanges keys;
         for (qint64 key = 1; key <= 7; ++key)
             keys.add(key);
         keys.add(10);
-        QCOMPARE(keys.pieces(3), (std::vector<KeyRange>{{1, 3}, {4, 6}, {7, 7}, {10, 10}}));
-        QCOMPARE(keys.pieces(100), (std::vector<KeyRange>{{1, 7}, {10, 10}}));
-        QVERIFY(KeyRanges().pieces(3).empty());
+        QCOMPARE(keys.split(3), (std::vector<KeyRange>{{1, 3}, {4, 6}, {7, 7}, {10, 10}}));
+        QCOMPARE(keys.split(100), (std::vector<KeyRange>{{1, 7}, {10, 10}}));
+        QVERIFY(KeyRanges().split(3).empty());
     }
 };
 

@@ -74,10 +74,8 @@ void tst_ManagedObjectContext::seesEditsInQueries()
     item->setFlag(3);
     const FetchRequest flagged{"Item", Predicate::fixed(u"flag > %d", {qint64(0)})};
     QCOMPARE(context().fetchKeys(flagged)->size(), size_t(1));
-    QCOMPARE(*context().count(flagged), 1);
     item->setFlag(0);
     QCOMPARE(context().fetchKeys(flagged)->size(), size_t(0));
-    QCOMPARE(*context().count(flagged), 0);
     QVERIFY(context().hasChanges());
 }
 
@@ -284,13 +282,14 @@ void tst_ManagedObjectContext::doesNotSaveWithoutChanges()
 
 void tst_ManagedObjectContext::takesOverWhatAnotherContextSaved()
 {
+    auto setup = std::make_unique<UndoManager::Suspension>(m_store->undo());
     const auto owner = m_store->addOwner(u"Ann"_s, 1);
     const auto item = context().object<Item>(owner->itemIDs().front());
     const auto other = m_store->addItem(owner);
     const auto label = m_store->addLabel(u"red"_s);
     QVERIFY(context().save());
     endTurn();
-    m_store->undo().removeAllSteps();
+    setup.reset();
     QCOMPARE(owner->itemIDs().size(), size_t(2));
 
     QVERIFY(m_store->executeElsewhere("UPDATE owner SET name = 'Bea'"));

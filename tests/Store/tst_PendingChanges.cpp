@@ -46,119 +46,119 @@ private Q_SLOTS:
     void tellsEachRecordOnce();
     void startsAnewAfterTaking();
     void keepsTheOrderOfFirstMention();
-    void tellsInsertionsAgainAsUpdates();
-    void tellsTooManyWholesale();
+    void addsUpASetOfChanges();
+    void listsNoneOfVeryManyRecords();
 };
 
-using Notes = std::function<void(PendingChanges &)>;
-Q_DECLARE_METATYPE(Notes)
+using Additions = std::function<void(PendingChanges &)>;
+Q_DECLARE_METATYPE(Additions)
 
 void tst_PendingChanges::tellsEachRecordOnce_data()
 {
-    QTest::addColumn<Notes>("notes");
+    QTest::addColumn<Additions>("additions");
     QTest::addColumn<QString>("told");
-    const auto row = [](const char *name, const Notes &notes, const char *told) {
-        QTest::newRow(name) << notes << QString::fromLatin1(told);
+    const auto row = [](const char *name, const Additions &additions, const char *told) {
+        QTest::newRow(name) << additions << QString::fromLatin1(told);
     };
     row(
         "nothing", [](PendingChanges &) {}, "");
     row(
         "updates add up",
         [](PendingChanges &p) {
-            p.noteUpdated(record, 1);
-            p.noteUpdated(record, 4);
+            p.addUpdated(record, 1);
+            p.addUpdated(record, 4);
         },
         "updated 5");
     row(
         "insert and update",
         [](PendingChanges &p) {
-            p.noteInserted(change(3));
-            p.noteUpdated(record, 4);
+            p.addInserted(change(3));
+            p.addUpdated(record, 4);
         },
         "inserted 7");
     row(
         "insert and delete",
         [](PendingChanges &p) {
-            p.noteInserted(change(1));
-            p.noteDeleted(change(1));
+            p.addInserted(change(1));
+            p.addDeleted(change(1));
         },
         "");
     row(
         "update and delete",
         [](PendingChanges &p) {
-            p.noteUpdated(record, 1);
-            p.noteDeleted(change(2));
+            p.addUpdated(record, 1);
+            p.addDeleted(change(2));
         },
         "deleted 3");
     row(
         "delete and bring back",
         [](PendingChanges &p) {
-            p.noteDeleted(change(1));
-            p.noteInserted(change(1));
+            p.addDeleted(change(1));
+            p.addInserted(change(1));
         },
         "updated 1");
     row(
         "insert, delete and bring back",
         [](PendingChanges &p) {
-            p.noteInserted(change(1));
-            p.noteDeleted(change(1));
-            p.noteInserted(change(1));
+            p.addInserted(change(1));
+            p.addDeleted(change(1));
+            p.addInserted(change(1));
         },
         "inserted 1");
     row(
         "to-one keeps its first old key and its last new one",
         [](PendingChanges &p) {
-            p.noteToOne(record, {2, 5, 6});
-            p.noteToOne(record, {2, 6, 8});
+            p.addToOne(record, {2, 5, 6});
+            p.addToOne(record, {2, 6, 8});
         },
         "updated 4 [2:5>8]");
     row(
         "to-one set back is still an update",
         [](PendingChanges &p) {
-            p.noteToOne(record, {2, 5, 6});
-            p.noteToOne(record, {2, 6, 5});
+            p.addToOne(record, {2, 5, 6});
+            p.addToOne(record, {2, 6, 5});
         },
         "updated 4 [2:5>5]");
     row(
         "inserted record's to-one comes from nothing",
         [](PendingChanges &p) {
-            p.noteInserted(change(0));
-            p.noteToOne(record, {2, 0, 6});
-            p.noteToOne(record, {2, 6, 9});
+            p.addInserted(change(0));
+            p.addToOne(record, {2, 0, 6});
+            p.addToOne(record, {2, 6, 9});
         },
         "inserted 4 [2:0>9]");
     row(
         "moved and deleted record's to-one leads from its first key to nothing",
         [](PendingChanges &p) {
-            p.noteToOne(record, {2, 5, 6});
-            p.noteDeleted(change(4, {{2, 6, 0}}));
+            p.addToOne(record, {2, 5, 6});
+            p.addDeleted(change(4, {{2, 6, 0}}));
         },
         "deleted 4 [2:5>0]");
     row(
         "deleted and brought back elsewhere",
         [](PendingChanges &p) {
-            p.noteDeleted(change(4, {{2, 5, 0}}));
-            p.noteInserted(change(4, {{2, 0, 9}}));
+            p.addDeleted(change(4, {{2, 5, 0}}));
+            p.addInserted(change(4, {{2, 0, 9}}));
         },
         "updated 4 [2:5>9]");
 }
 
 void tst_PendingChanges::tellsEachRecordOnce()
 {
-    QFETCH(Notes, notes);
+    QFETCH(Additions, additions);
     QFETCH(QString, told);
     PendingChanges pending;
-    notes(pending);
+    additions(pending);
     QCOMPARE(describe(pending.take()), told);
 }
 
 void tst_PendingChanges::startsAnewAfterTaking()
 {
     PendingChanges pending;
-    pending.noteInserted(change(1));
+    pending.addInserted(change(1));
     (void)pending.take();
     QVERIFY(pending.isEmpty());
-    pending.noteDeleted(change(1));
+    pending.addDeleted(change(1));
     QCOMPARE(describe(pending.take()), QStringLiteral("deleted 1"));
 }
 
@@ -166,8 +166,8 @@ void tst_PendingChanges::keepsTheOrderOfFirstMention()
 {
     PendingChanges pending;
     for (const qint64 key : {9, 3, 5})
-        pending.noteUpdated({1, key}, 1);
-    pending.noteUpdated({1, 9}, 2);
+        pending.addUpdated({1, key}, 1);
+    pending.addUpdated({1, 9}, 2);
     const ChangeSet changes = pending.take();
     QCOMPARE(changes.updated.size(), size_t(3));
     QCOMPARE(changes.updated[0].id.key, 9);
@@ -175,31 +175,37 @@ void tst_PendingChanges::keepsTheOrderOfFirstMention()
     QCOMPARE(changes.updated[2].id.key, 5);
 }
 
-void tst_PendingChanges::tellsInsertionsAgainAsUpdates()
+void tst_PendingChanges::addsUpASetOfChanges()
 {
     PendingChanges pending;
-    pending.noteAsUpdates({{change(3, {{0, 0, 5}})}, {}, {}});
-    QCOMPARE(describe(pending.take()), QStringLiteral("updated 3 [0:0>5]"));
+    pending.addInserted(change(1));
+    pending.add({{}, {change(2, {{0, 0, 5}})}, {}});
+    QCOMPARE(describe(pending.take()), QStringLiteral("inserted 3 [0:0>5]"));
+    pending.add({{}, {}, {change(1)}, entityBit(4)});
+    const ChangeSet changes = pending.take();
+    QCOMPARE(describe(changes), QStringLiteral("deleted 1"));
+    QCOMPARE(changes.bulk, entityBit(4));
 }
 
-void tst_PendingChanges::tellsTooManyWholesale()
+void tst_PendingChanges::listsNoneOfVeryManyRecords()
 {
+    constexpr qint64 many = qint64(PendingChanges::bulkThreshold);
     PendingChanges pending;
-    pending.setMostRecords(3);
-    for (qint64 key = 1; key <= 3; ++key)
-        pending.noteInserted({{2, key}, allProperties, {}});
-    pending.noteUpdated({2, 1}, 1); // Known already.
-    pending.noteUpdated({1, 1}, 1); // One too many.
-    pending.noteInserted({{2, 4}, allProperties, {}});
+    for (qint64 key = 1; key <= many; ++key)
+        pending.addInserted({{2, key}, allProperties, {}});
+    pending.addUpdated({2, 1}, 1); // Known already.
+    pending.addUpdated({1, 1}, 1);
+    QCOMPARE(PendingChanges(pending).take().inserted.size(), size_t(many));
+    pending.addInserted({{2, many + 1}, allProperties, {}}); // One too many.
     const ChangeSet changes = pending.take();
-    QVERIFY(changes.isWholesale(2));
-    QVERIFY(!changes.isWholesale(1));
+    QVERIFY(changes.isBulkChange(2));
+    QVERIFY(!changes.isBulkChange(1));
     QVERIFY(changes.inserted.empty());
     QCOMPARE(changes.updated.size(), size_t(1));
     QVERIFY(pending.isEmpty());
-    // The next gathering starts anew.
-    pending.noteInserted({{2, 5}, allProperties, {}});
-    QCOMPARE(pending.take().wholesale, EntityMask(0));
+    // The next changes start anew.
+    pending.addInserted({{2, many + 2}, allProperties, {}});
+    QCOMPARE(pending.take().bulk, EntityMask(0));
 }
 
 QTEST_APPLESS_MAIN(tst_PendingChanges)

@@ -217,8 +217,6 @@ void tst_PredicateEvaluation::answersEveryQueryOfTheProgram()
                 const auto keys = journal.fetchKeys(request);
                 QVERIFY2(keys, name.constData());
                 QVERIFY2(*keys == plain.fetchKeys(request), name.constData());
-                const auto count = journal.count(request);
-                QVERIFY2(count && size_t(*count) == keys->size(), name.constData());
                 rowsSeen += int(keys->size());
             }
         }

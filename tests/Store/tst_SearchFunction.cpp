@@ -2,6 +2,7 @@
 
 #include "Foundation/Text/TextFolding.h"
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
 
 #include <QTemporaryDir>
 #include <QTest>

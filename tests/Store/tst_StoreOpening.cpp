@@ -200,7 +200,7 @@ void tst_StoreOpening::worksWithAnyName()
 {
     QFETCH(QString, name);
     const QTemporaryDir root;
-    const StorePlace place{root.filePath(name), u"Vum"_s};
+    const StoreLocation place{root.filePath(name), u"Vum"_s};
     for (int version : {1, 3}) {
         const auto store = openStore(place, itemModel(version), {});
         QVERIFY2(store, qPrintable(store ? QString() : store.error().description()));

@@ -398,11 +398,12 @@ private:
     }
     qint64 allTags() const
     {
-        return m_test->journal.context().count({.entityName = Tag::entityName()}).value();
+        return recordCount(m_test->journal.context(), {.entityName = Tag::entityName()});
     }
 
     std::unique_ptr<TagFieldTest> m_test;
 };
 
 QTEST_MAIN(tst_TagField)
+#include "support/RecordCount.h"
 #include "tst_TagField.moc"

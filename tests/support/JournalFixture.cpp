@@ -5,7 +5,6 @@
 #include "Model/JournalQueries.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Objects/PersistentContainer.h"
-#include "Store/Undo/UndoManager.h"
 
 #include <QDateTime>
 #include <QTimeZone>
@@ -31,6 +30,7 @@ JournalFixture::JournalFixture(Date now, const QByteArray &vfs)
 {
     defaults.registerDefaults();
     open();
+    m_setup = std::make_unique<UndoManager::Suspension>(*context().undoManager());
 }
 
 JournalFixture::~JournalFixture() = default;
@@ -51,6 +51,7 @@ void JournalFixture::open()
 
 void JournalFixture::reopen()
 {
+    m_setup.reset();
     m_coreData.reset();
     open();
 }
@@ -108,12 +109,12 @@ QList<std::shared_ptr<Counterpart>> JournalFixture::counterparts() const
     return *found;
 }
 
-void JournalFixture::settle() const
+void JournalFixture::settle()
 {
     context().processPendingChanges();
     const auto saved = context().save();
     require(saved.has_value(), "The journal can be saved");
-    context().undoManager()->removeAllSteps();
+    m_setup.reset();
 }
 
 } // namespace tembra

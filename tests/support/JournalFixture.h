@@ -11,6 +11,7 @@
 #include "Model/NotificationCenter.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
+#include "Store/Undo/UndoManager.h"
 #include "support/FixedClock.h"
 
 #include <QTemporaryDir>
@@ -58,8 +59,9 @@ public:
                const QString &text) const;
     /// All teammates as the store has them now, by name.
     QList<std::shared_ptr<Counterpart>> counterparts() const;
-    /// Tells now what changed, saves, and forgets the steps that led here: the start of a test.
-    void settle() const;
+    /// Tells now what changed and saves: the start of a test. Only from the first call on are edits
+    /// recorded for undo.
+    void settle();
 
     QTemporaryDir directory;
     FixedClock clock;
@@ -75,6 +77,7 @@ private:
 
     QByteArray m_vfs;
     std::unique_ptr<CoreDataInterface> m_coreData;
+    std::unique_ptr<UndoManager::Suspension> m_setup; ///< Until settle().
 };
 
 } // namespace tembra

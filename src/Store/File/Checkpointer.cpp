@@ -2,6 +2,7 @@
 
 #include "Foundation/Logging.h"
 #include "Store/File/Connection.h"
+#include "Store/File/Transaction.h"
 
 #include <QCoreApplication>
 #include <QEvent>

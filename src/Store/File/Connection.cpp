@@ -188,6 +188,11 @@ void Connection::setCheckpointsOnClose(bool checkpoints)
     sqlite3_db_config(handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, checkpoints ? 0 : 1, nullptr);
 }
 
+void Connection::setEnforcesForeignKeys(bool enforces)
+{
+    sqlite3_db_config(handle(), SQLITE_DBCONFIG_ENABLE_FKEY, enforces ? 1 : 0, nullptr);
+}
+
 const QString &Connection::file() const
 {
     return d->file;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
 
 #include <QHash>
 

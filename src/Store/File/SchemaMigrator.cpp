@@ -1,14 +1,16 @@
 #include "Store/File/SchemaMigrator.h"
 
 #include "Store/File/Connection.h"
-#include "Store/File/ForeignKeysOff.h"
 #include "Store/File/PrivateFile.h"
+#include "Store/File/Statement.h"
 #include "Store/File/StoreInspection.h"
 #include "Store/File/StoreMeta.h"
+#include "Store/File/Transaction.h"
 #include "Store/Schema/ObjectModel.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 
 #include <cerrno>
 #include <cstdio>
@@ -159,7 +161,8 @@ Result<void> migrate(Connection &connection, const ObjectModel &model, int fromV
 {
     // Tables are rebuilt and dropped by migrations; with foreign keys on, dropping one would delete
     // what refers to its rows. They are checked once per migration instead.
-    const ForeignKeysOff foreignKeysOff(connection);
+    connection.setEnforcesForeignKeys(false);
+    const auto enforceAgain = qScopeGuard([&] { connection.setEnforcesForeignKeys(true); });
     for (const SchemaMigration &migration : model.migrations()) {
         if (migration.to <= fromVersion)
             continue;

@@ -1,3 +1,5 @@
+#include "Store/File/Statement.h"
+
 #include "Foundation/Precondition.h"
 #include "Foundation/Text/WellFormedText.h"
 #include "Store/File/ConnectionPrivate.h"
@@ -8,7 +10,7 @@ namespace tembra {
 
 namespace {
 
-void bindValue(SQLite::Statement &statement, int index, const Value &value)
+void bindTo(SQLite::Statement &statement, int index, const Value &value)
 {
     if (const auto *number = std::get_if<qint64>(&value))
         statement.bind(index, int64_t(*number));
@@ -20,10 +22,21 @@ void bindValue(SQLite::Statement &statement, int index, const Value &value)
         statement.bind(index);
 }
 
-/// A text by its length, not up to the first U+0000. Never null: an empty text is not a missing one.
-QString textOf(const SQLite::Column &column)
+void bindTo(SQLite::Statement &statement, int index, const StoredValue &value)
 {
-    const QByteArrayView text(column.getText(), column.getBytes());
+    if (const auto *number = std::get_if<qint64>(&value))
+        statement.bind(index, int64_t(*number));
+    else if (const auto *date = std::get_if<double>(&value))
+        statement.bind(index, *date);
+    else if (const auto *text = std::get_if<QByteArrayView>(&value))
+        statement.bind(index, std::string(text->data(), size_t(text->size())));
+    else
+        statement.bind(index);
+}
+
+/// Never null: an empty text is not a missing one.
+QString decoded(QByteArrayView text)
+{
     if (text.isEmpty())
         return QString(QLatin1String(""));
     const QString decoded = QString::fromUtf8(text);
@@ -50,19 +63,30 @@ Statement::Statement(std::unique_ptr<Private> priv) : d(std::move(priv)) {}
 
 Statement::~Statement() = default;
 
-void Statement::bind(int index, const Value &value)
+template<typename Bind>
+void Statement::tryBind(const Bind &bind)
 {
     try {
-        bindValue(d->statement, index, value);
+        bind();
     } catch (const SQLite::Exception &exception) {
         if (!d->bindError)
             d->bindError = exception.getErrorCode();
     }
 }
 
+void Statement::bind(int index, const Value &value)
+{
+    tryBind([&] { bindTo(d->statement, index, value); });
+}
+
 void Statement::bindKey(int index, qint64 key)
 {
-    bind(index, Value(key));
+    tryBind([&] { d->statement.bind(index, int64_t(key)); });
+}
+
+void Statement::bindStored(int index, const StoredValue &value)
+{
+    tryBind([&] { bindTo(d->statement, index, value); });
 }
 
 Result<bool> Statement::step()
@@ -100,6 +124,18 @@ qint64 Statement::key(int column) const
 
 Value Statement::value(int column) const
 {
+    return std::visit(
+        [](const auto &stored) -> Value {
+            if constexpr (std::is_same_v<std::decay_t<decltype(stored)>, QByteArrayView>)
+                return decoded(stored);
+            else
+                return stored;
+        },
+        storedValue(column));
+}
+
+StoredValue Statement::storedValue(int column) const
+{
     require(d->statement.hasRow() && column < d->statement.getColumnCount(),
             "a row and column to read");
     const SQLite::Column cell = d->statement.getColumn(column);
@@ -108,8 +144,11 @@ Value Statement::value(int column) const
         return qint64(cell.getInt64());
     case SQLITE_FLOAT:
         return cell.getDouble();
-    case SQLITE_TEXT:
-        return textOf(cell);
+    case SQLITE_TEXT: {
+        // By its length, not up to the first U+0000.
+        const char *text = cell.getText();
+        return QByteArrayView(text, cell.getBytes());
+    }
     default:
         return {};
     }

@@ -1,6 +1,7 @@
 #include "Store/File/StoreInspection.h"
 
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
 #include "Store/File/StoreMeta.h"
 #include "Store/Schema/ObjectModel.h"
 

@@ -1,6 +1,8 @@
 #include "Store/File/StoreMeta.h"
 
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
+#include "Store/File/Transaction.h"
 
 #include <QUuid>
 

@@ -4,8 +4,8 @@
 #include "Store/File/CompanionFiles.h"
 #include "Store/File/PrivateFile.h"
 #include "Store/File/SchemaMigrator.h"
+#include "Store/File/Statement.h"
 #include "Store/File/StoreInspection.h"
-#include "Store/Rows/LeftoverRows.h"
 #include "Store/Schema/ObjectModel.h"
 
 #include <QDir>
@@ -88,10 +88,8 @@ Result<OpenFile> openInspected(const QString &file, const ObjectModel &model, in
     }
     std::shared_ptr<Connection> connection = std::move(*opened);
     connection->setCheckpointsOnClose(false);
-    auto ready = LeftoverRows::deleteAll(*connection).and_then([&] {
-        return version == model.version() ? Result<void>()
-                                          : bringUpToDate(*connection, model, version, vfs);
-    });
+    const auto ready = version == model.version() ? Result<void>()
+                                                  : bringUpToDate(*connection, model, version, vfs);
     auto meta = ready.and_then([&] { return StoreMeta::read(*connection); });
     if (!meta) {
         const bool isUnchanged = versionNow(*connection) == version;
@@ -138,14 +136,14 @@ void tightenPermissions(const QString &folder, const QString &file)
 
 } // namespace
 
-Result<OpenStore> openStore(const StorePlace &place, const ObjectModel &model,
+Result<OpenStore> openStore(const StoreLocation &place, const ObjectModel &model,
                             const QByteArray &vfs)
 {
     FolderGuard folder;
     if (auto made = folder.make(place.directory); !made)
         return failure(made.error());
     // From here on no part of the path is a link, so that SQLite can be told to follow none.
-    const StorePlace real{QFileInfo(place.directory).canonicalFilePath(), place.name};
+    const StoreLocation real{QFileInfo(place.directory).canonicalFilePath(), place.name};
     auto lock = StoreLock::acquire(real.lockFile());
     if (!lock)
         return failure(lock.error());

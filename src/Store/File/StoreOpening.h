@@ -17,7 +17,7 @@ struct OpenStore
 };
 
 /// Where a store lies.
-struct StorePlace
+struct StoreLocation
 {
     QString directory;
     QString name;
@@ -36,7 +36,7 @@ struct StorePlace
 /// date after setting a copy aside. When it fails nothing has changed: what was there is byte for
 /// byte as before, and what was not is not (a migration that was completed before a later one
 /// failed stays, and so does the copy).
-Result<OpenStore> openStore(const StorePlace &place, const ObjectModel &model,
+Result<OpenStore> openStore(const StoreLocation &place, const ObjectModel &model,
                             const QByteArray &vfs);
 
 } // namespace tembra

@@ -1,3 +1,5 @@
+#include "Store/File/Transaction.h"
+
 #include "Store/File/ConnectionPrivate.h"
 #include "Store/File/StoreMeta.h"
 

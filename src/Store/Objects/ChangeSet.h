@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Store/Schema/ObjectID.h"
+#include "Store/Schema/Value.h"
 
 #include <QList>
 #include <QVarLengthArray>
@@ -8,6 +9,8 @@
 #include <vector>
 
 namespace tembra {
+
+struct EntityDescription;
 
 /// One bit per property of an entity, numbered as in EntityDescription.
 using PropertyMask = quint64;
@@ -35,8 +38,9 @@ struct ToOneChange
 };
 
 /// What happened to one record. A change of a to-one is told by the record that holds it and not by
-/// the two at its other end; a change of a link of a join table is told by both ends. An inserted record's to-ones carry old key 0, a deleted one's new
-/// key 0, so that whoever derives from the other end finds it either way.
+/// the two at its other end; a change of a link of a join table is told by both ends. An inserted
+/// record's to-ones carry old key 0, a deleted one's new key 0, so that whoever derives from the
+/// other end finds it either way.
 struct ObjectChange
 {
     ObjectID id;
@@ -44,22 +48,28 @@ struct ObjectChange
     QVarLengthArray<ToOneChange, 1> toOnes;
 };
 
+/// The change of a record with these values (none when they are not known) that came or went.
+ObjectChange insertionOf(ObjectID id, const std::vector<Value> &values,
+                         const EntityDescription &table);
+ObjectChange deletionOf(ObjectID id, const std::vector<Value> &values,
+                        const EntityDescription &table);
+
 /// Everything that changed in one turn of the event loop (or in one save): the only source that
 /// live results, undo, models and derived texts learn from. A record is in one list at most.
 ///
-/// Another context may change more records than anyone wants to hear of one by one: then it tells
-/// only the entities in which any record may have come, gone or changed.
+/// Very many changed records of an entity are a bulk change: any record of the entity may have come,
+/// gone or changed, and none is listed.
 struct ChangeSet
 {
     std::vector<ObjectChange> inserted;
     std::vector<ObjectChange> updated;
     std::vector<ObjectChange> deleted;
-    EntityMask wholesale = 0; ///< What is told so is in none of the lists.
+    EntityMask bulk = 0; ///< The entities that are changed in bulk.
 
-    bool isWholesale(int entity) const { return (wholesale & entityBit(entity)) != 0; }
+    bool isBulkChange(int entity) const { return (bulk & entityBit(entity)) != 0; }
     bool isEmpty() const
     {
-        return inserted.empty() && updated.empty() && deleted.empty() && wholesale == 0;
+        return inserted.empty() && updated.empty() && deleted.empty() && bulk == 0;
     }
 };
 

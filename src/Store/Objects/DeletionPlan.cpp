@@ -1,18 +1,27 @@
 #include "Store/Objects/DeletionPlan.h"
 
-#include "Store/Rows/LeftoverRows.h"
+#include "Store/Rows/RowReader.h"
+#include "Store/Schema/ObjectModel.h"
 
 #include <algorithm>
 
 namespace tembra {
 
-DeletionPlan::DeletionPlan(int entityCount) : m_keys(size_t(entityCount)) {}
+namespace {
+
+bool isEndOfCascade(const EntityDescription &table)
+{
+    return table.toOnes.size() == 1 && table.references.empty() && table.toManys.empty();
+}
+
+} // namespace
+
+DeletionPlan::DeletionPlan(size_t entityCount) : m_keys(entityCount), m_ownerColumns(entityCount) {}
 
 Result<DeletionPlan> DeletionPlan::cascadingFrom(const std::vector<ObjectID> &roots,
-                                                 const ObjectModel &schema, RowReader &reader,
-                                                 Extent extent)
+                                                 const ObjectModel &schema, RowReader &reader)
 {
-    DeletionPlan plan(schema.entityCount());
+    DeletionPlan plan(size_t(schema.entityCount()));
     for (const ObjectID id : roots)
         plan.m_keys[size_t(id.entity)].push_back(id.key);
     // Cascades lead from an entity to later ones only, so one pass finds them all.
@@ -20,15 +29,14 @@ Result<DeletionPlan> DeletionPlan::cascadingFrom(const std::vector<ObjectID> &ro
         std::vector<qint64> &keys = plan.m_keys[size_t(entity)];
         std::sort(keys.begin(), keys.end());
         keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
+        if (keys.empty())
+            continue;
         for (const ToOneDescription &column : schema.entity(entity).references) {
-            if (column.rule != DeleteRule::Cascade)
-                continue;
-            if (extent == Extent::MayLeaveRows && keys.size() >= LeftoverRows::fewestOwners
-                && LeftoverRows::canBeLeft(schema, column)) {
-                plan.m_left = column;
+            std::vector<qint64> &reached = plan.m_keys[size_t(column.entity)];
+            if (reached.empty() && isEndOfCascade(schema.entity(column.entity))) {
+                plan.m_ownerColumns[size_t(column.entity)] = &column;
                 continue;
             }
-            std::vector<qint64> &reached = plan.m_keys[size_t(column.entity)];
             const Result<void> done = reader.referrers(column, keys, [&](qint64 referrer, qint64) {
                 reached.push_back(referrer);
             });
@@ -39,26 +47,10 @@ Result<DeletionPlan> DeletionPlan::cascadingFrom(const std::vector<ObjectID> &ro
     return plan;
 }
 
-bool DeletionPlan::leaves(int entity, const RowReader::Row &row) const
-{
-    if (!m_left || m_left->entity != entity)
-        return false;
-    const auto *owner = std::get_if<qint64>(&row[size_t(m_left->property)]);
-    return owner && contains({m_left->destination, *owner});
-}
-
 bool DeletionPlan::contains(ObjectID id) const
 {
     const std::vector<qint64> &known = keys(id.entity);
     return std::binary_search(known.begin(), known.end(), id.key);
-}
-
-size_t DeletionPlan::count() const
-{
-    size_t sum = 0;
-    for (const auto &known : m_keys)
-        sum += known.size();
-    return sum;
 }
 
 } // namespace tembra

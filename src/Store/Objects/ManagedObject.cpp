@@ -1,7 +1,9 @@
 #include "Store/Objects/ManagedObject.h"
 
 #include "Foundation/Precondition.h"
-#include "Store/Objects/ManagedObjectContextPrivate.h"
+#include "Store/Objects/ManagedObjectContext.h"
+#include "Store/Objects/NotifySignals.h"
+#include "Store/Schema/ObjectModel.h"
 
 #include <cmath>
 
@@ -10,7 +12,7 @@ namespace tembra {
 ManagedObject::~ManagedObject()
 {
     if (m_context)
-        m_context->d->registry.remove(*this);
+        m_context->removeObject(*this);
 }
 
 const EntityDescription &ManagedObject::entity() const
@@ -23,14 +25,14 @@ const Value &ManagedObject::value(int property) const
 {
     static const Value missing;
     if (m_values.empty() && m_context)
-        m_context->d->load(const_cast<ManagedObject &>(*this));
+        m_context->load(const_cast<ManagedObject &>(*this));
     return m_values.empty() ? missing : m_values[size_t(property)];
 }
 
 void ManagedObject::setValue(int property, Value value)
 {
     if (m_context)
-        m_context->d->setColumn(*this, property, std::move(value));
+        m_context->setValue(*this, property, std::move(value));
 }
 
 ObjectID ManagedObject::toOneID(int toOneProperty) const
@@ -38,7 +40,7 @@ ObjectID ManagedObject::toOneID(int toOneProperty) const
     const auto *key = std::get_if<qint64>(&value(toOneProperty));
     if (!key || !m_context)
         return {};
-    const ToOneDescription *column = m_context->d->schema.entity(m_id.entity).toOne(toOneProperty);
+    const ToOneDescription *column = entity().toOne(toOneProperty);
     require(column, "the property is a to-one relationship");
     return {column->destination, *key};
 }
@@ -48,8 +50,8 @@ std::vector<ObjectID> ManagedObject::relatedIDs(int toManyProperty) const
     std::vector<ObjectID> ids;
     if (!m_context)
         return ids;
-    const ToManyDescription &link = m_context->d->schema.entity(m_id.entity).toMany(toManyProperty);
-    const std::vector<qint64> &keys = m_context->d->relatedKeys(*this, link);
+    const ToManyDescription &link = entity().toMany(toManyProperty);
+    const std::vector<qint64> keys = m_context->relatedKeys(*this, link);
     ids.reserve(keys.size());
     for (const qint64 key : keys)
         ids.push_back({link.destination, key});
@@ -72,13 +74,13 @@ QList<std::shared_ptr<ManagedObject>> ManagedObject::relatedObjects(int toManyPr
 void ManagedObject::addRelated(int toManyProperty, const ManagedObject &other)
 {
     if (m_context)
-        m_context->d->setLinked(*this, toManyProperty, const_cast<ManagedObject &>(other), true);
+        m_context->setRelated(*this, toManyProperty, const_cast<ManagedObject &>(other), true);
 }
 
 void ManagedObject::removeRelated(int toManyProperty, const ManagedObject &other)
 {
     if (m_context)
-        m_context->d->setLinked(*this, toManyProperty, const_cast<ManagedObject &>(other), false);
+        m_context->setRelated(*this, toManyProperty, const_cast<ManagedObject &>(other), false);
 }
 
 QString ManagedObject::text(int property) const
@@ -120,14 +122,14 @@ std::shared_ptr<ManagedObject> ManagedObject::toOne(int property) const
     const auto *key = std::get_if<qint64>(&value(property));
     if (!key || !m_context)
         return nullptr;
-    const ToOneDescription *column = m_context->d->schema.entity(m_id.entity).toOne(property);
+    const ToOneDescription *column = entity().toOne(property);
     require(column, "the property is a to-one relationship");
     return m_context->object({column->destination, *key});
 }
 
 void ManagedObject::setToOne(int property, const std::shared_ptr<ManagedObject> &other)
 {
-    if (!m_context || (other && other->isDeleted()))
+    if (!m_context || (other && !other->isLive()))
         return;
     require(!other || other->m_context == m_context, "related records belong to one context");
     setValue(property, other ? Value(other->objectID().key) : Value());
@@ -136,14 +138,14 @@ void ManagedObject::setToOne(int property, const std::shared_ptr<ManagedObject> 
 void ManagedObject::setPinned(bool pinned)
 {
     if (m_context)
-        m_context->d->setPinned(*this, pinned);
+        m_context->setPinned(*this, pinned);
 }
 
 void ManagedObject::emitChangeOf(int property)
 {
     if (!m_context)
         return;
-    const QMetaMethod &signal = m_context->d->notifySignals.signalOf(*this, property);
+    const QMetaMethod &signal = m_context->notifySignals().signalOf(*this, property);
     // Most objects of an import have no listener; asking first is ten times faster.
     if (signal.isValid() && isSignalConnected(signal))
         signal.invoke(this, Qt::DirectConnection);

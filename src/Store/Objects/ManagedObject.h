@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Foundation/Time/Date.h"
-#include "Store/Objects/ChangeSet.h"
 #include "Store/Schema/ObjectID.h"
 #include "Store/Schema/Value.h"
 
@@ -37,7 +36,9 @@ public:
     /// The context the record belongs to; null once it is deleted or its context is gone.
     ManagedObjectContext *managedObjectContext() const { return m_context; }
     /// True once the record was deleted. Its last values can still be read.
-    bool isDeleted() const { return m_deleted; }
+    bool isDeleted() const { return m_state == State::Deleted; }
+    /// False once the deletion of the record is certain: from then on edits have no effect.
+    bool isLive() const { return m_state == State::Live; }
 
     /// The stored value of a column (attribute, or to-one as its key), by property number.
     const Value &value(int property) const;
@@ -68,7 +69,8 @@ protected:
     virtual void awakeFromInsert() {}
     /// Called each time the object was loaded from the store, and after awakeFromInsert().
     virtual void awake() {}
-    /// Called just before the store deletes the record, also when a cascade reaches it.
+    /// Called just before the record is deleted, also when a cascade reaches it; once, when nothing
+    /// can stop the deletion any more. The record can be read then, but not edited.
     virtual void prepareForDeletion() {}
 
     QString text(int property) const; ///< Null when missing.
@@ -103,25 +105,18 @@ protected:
     void setPinned(bool pinned);
 
 private:
-    friend class ManagedObjectContext;
-    friend class ObjectRegistry;
+    friend class IdentityMap;
+    friend class PropertyNotifications;
+
+    enum class State { Live, BeingDeleted, Deleted };
 
     void emitChangeOf(int property);
-
-    struct RelatedKeys
-    {
-        int property;
-        std::vector<qint64> keys; ///< Ascending.
-    };
 
     ManagedObjectContext *m_context = nullptr;
     const EntityDescription *m_entity = nullptr;
     ObjectID m_id;
-    mutable std::vector<Value> m_values; ///< Per column; empty while the record is not loaded.
-    mutable std::vector<RelatedKeys> m_related; ///< The to-many relationships that were read.
-    PropertyMask m_unwritten = 0; ///< Columns whose values the store does not have yet.
-    bool m_isNew = false; ///< The store does not have the record yet.
-    bool m_deleted = false;
+    std::vector<Value> m_values; ///< Per column; empty while the object is a fault.
+    State m_state = State::Live;
 };
 
 } // namespace tembra

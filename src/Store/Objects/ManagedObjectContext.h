@@ -14,10 +14,14 @@
 
 namespace tembra {
 
+class Connection;
+class IdAllocator;
 class KeyRanges;
+class NotifySignals;
 class PersistentContainer;
+class RowReader;
 class UndoManager;
-struct ContextSetup;
+struct ToManyDescription;
 
 /// A workspace over the store: hands out records as objects, gathers their edits, writes them and
 /// tells everyone what changed. Every method belongs to the thread the context was made on.
@@ -51,27 +55,19 @@ public:
     {
         return std::static_pointer_cast<Object>(object(id));
     }
-    /// The object of a record if somebody holds it now, without reading the store.
-    std::shared_ptr<ManagedObject> registeredObject(ObjectID id) const;
     /// The objects of these records of one entity, in this order, read together; those that do not
     /// exist (any more) are left out.
     Result<QList<std::shared_ptr<ManagedObject>>> objects(int entity, std::span<const qint64> keys);
 
-    /// Deletes records with all that cascades from them, hooks first: once for each record that has
-    /// a live object; a hook may edit, insert and delete whatever it likes. Undo brings everything
-    /// back under the same keys, as new objects. Written at once, as a draft; of a very large
-    /// deletion the last rows leave the store a little later, unseen (see finishDeletions()).
-    /// Fails when the store cannot be read or written; then nothing was deleted by this call, but
-    /// the hooks have run, and run again when it is tried again.
+    /// Deletes records with all that cascades from them, at once, as a draft. Undo brings everything
+    /// back under the same keys, as new objects. Once the deletion is certain the hook of each live
+    /// object is called, once; a hook may edit, insert and delete other records.
+    /// Fails when the store cannot be read or written; then nothing was deleted and no hook called.
     Result<void> deleteObjects(const QList<std::shared_ptr<ManagedObject>> &objects);
     Result<void> deleteObject(const std::shared_ptr<ManagedObject> &object);
-    /// Deletes now what large deletions have left for later. Otherwise that happens by itself, in
-    /// pieces, within a second or two. On failure the rest stays unseen and is tried again.
-    Result<void> finishDeletions();
 
     /// The keys of the records that answer @p request, in its order. Writes drafts first.
     Result<std::vector<qint64>> fetchKeys(const FetchRequest &request);
-    Result<qint64> count(const FetchRequest &request);
     Result<QList<std::shared_ptr<ManagedObject>>> fetchObjects(const FetchRequest &request);
     template<typename Object>
     Result<QList<std::shared_ptr<Object>>> fetch(const FetchRequest &request)
@@ -99,15 +95,16 @@ public:
     /// emitted. On failure all edits stay. Does nothing when there are no changes.
     Result<void> save();
 
-    /// The keys of the records that a background context has inserted, of whatever entity.
+    /// For a background context: the keys of the records that it inserted, of whatever entity.
     const KeyRanges &insertedKeys() const;
-    /// Takes back what another context inserted: deletes the records with these keys, of whatever
-    /// entity, with all their relationships; but not those that other records still refer to (as the
-    /// owner of one, or by a link from an entity listed later). For a background context; asks
-    /// @p mayGoOn now and then, with the part that is done, and fails when the answer is no.
-    Result<void> deleteInserted(const KeyRanges &keys, const std::function<bool(double)> &mayGoOn);
+    /// For a background context: deletes the records with these keys, of whatever entity, with all
+    /// their relationships; but not those that other records still refer to (as the owner of one,
+    /// or by a link from an entity listed later). Asks @p shouldContinue now and then, with the
+    /// part that is done, and fails when the answer is no.
+    Result<void> deleteInserted(const KeyRanges &keys,
+                                const std::function<bool(double)> &shouldContinue);
 
-    /// Tells what changed so far in this turn now instead of at its end.
+    /// Emits what changed so far in this turn now instead of at its end.
     void processPendingChanges();
 
     /// Takes over what another context has saved: live objects read their values anew, vanished
@@ -125,12 +122,31 @@ private:
     friend class ManagedObject;
     friend class PersistentContainer;
     friend class RecordScan;
-    friend class UndoManager;
 
-    struct Private;
-    ManagedObjectContext(PersistentContainer &container, ContextSetup setup);
+    struct Parts;
 
-    std::unique_ptr<Private> d;
+    /// Writes drafts, keeps undo, and notifies at the end of each turn.
+    static std::unique_ptr<ManagedObjectContext> makeMain(PersistentContainer &container,
+                                                          std::shared_ptr<Connection> connection,
+                                                          IdAllocator &ids);
+    /// Writes everything in one transaction, on a connection of its own.
+    static std::unique_ptr<ManagedObjectContext> makeBackground(
+        PersistentContainer &container, std::shared_ptr<Connection> connection, IdAllocator &ids);
+    ManagedObjectContext();
+    void connectSignals();
+
+    // For ManagedObject and RecordScan.
+    Connection &connection() const;
+    RowReader &reader() const;
+    NotifySignals &notifySignals() const;
+    bool load(ManagedObject &object);
+    void setValue(ManagedObject &object, int property, Value value);
+    std::vector<qint64> relatedKeys(const ManagedObject &owner, const ToManyDescription &link);
+    void setRelated(ManagedObject &owner, int property, ManagedObject &other, bool related);
+    void setPinned(ManagedObject &object, bool pinned);
+    void removeObject(const ManagedObject &object);
+
+    std::unique_ptr<Parts> d;
 };
 
 } // namespace tembra

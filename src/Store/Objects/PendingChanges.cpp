@@ -30,127 +30,96 @@ void chain(ObjectChange &change, const ObjectChange &later)
 
 } // namespace
 
-void PendingChanges::reserve(size_t count)
+/// Null when the record's entity is changed in bulk.
+PendingChanges::Entry *PendingChanges::entry(ObjectID id)
 {
-    const size_t needed = m_entries.size() + count;
-    // Never less than doubling: many small reservations must not copy everything each time.
-    if (needed > m_entries.capacity())
-        m_entries.reserve(std::max(needed, 2 * m_entries.capacity()));
-    m_indexes.reserve(qsizetype(m_entries.capacity()));
-}
-
-PendingChanges::Entry &PendingChanges::entry(ObjectID id)
-{
-    const auto known = m_indexes.constFind(id);
-    if (known != m_indexes.cend())
-        return m_entries[*known];
-    if (m_entries.size() >= m_mostRecords)
-        becomeWholesale();
+    if (isBulkChange(id.entity))
+        return nullptr;
+    if (const auto known = m_indexes.constFind(id); known != m_indexes.cend())
+        return &m_entries[*known];
+    m_counts.resize(std::max(m_counts.size(), size_t(id.entity) + 1));
+    if (++m_counts[size_t(id.entity)] > bulkThreshold) {
+        addBulk(entityBit(id.entity));
+        return nullptr;
+    }
     m_indexes.insert(id, m_entries.size());
     m_entries.push_back({Kind::None, {id, 0, {}}});
-    return m_entries.back();
+    return &m_entries.back();
 }
 
-void PendingChanges::becomeWholesale()
+PendingChanges::Entry *PendingChanges::updatedEntry(ObjectID id)
 {
-    EntityMask entities = 0;
-    for (const Entry &known : m_entries)
-        entities |= entityBit(known.change.id.entity);
-    noteWholesale(entities);
-    m_entries.clear();
-    m_indexes.clear();
+    Entry *known = entry(id);
+    if (known && known->kind == Kind::None)
+        known->kind = Kind::Updated;
+    return known;
 }
 
-void PendingChanges::noteWholesale(EntityMask entities)
+void PendingChanges::addInserted(ObjectChange change)
 {
-    m_wholesale |= entities;
-}
-
-void PendingChanges::noteInserted(ObjectChange change)
-{
-    Entry &known = entry(change.id);
-    if (known.kind == Kind::Deleted) {
-        known.kind = Kind::Updated;
-        chain(known.change, change);
+    Entry *known = entry(change.id);
+    if (!known)
+        return;
+    if (known->kind == Kind::Deleted) {
+        known->kind = Kind::Updated;
+        chain(known->change, change);
         return;
     }
-    known.kind = Kind::Inserted;
-    known.change = std::move(change);
+    known->kind = Kind::Inserted;
+    known->change = std::move(change);
 }
 
-void PendingChanges::noteUpdated(ObjectID id, PropertyMask properties)
+void PendingChanges::addUpdated(ObjectID id, PropertyMask properties)
 {
-    Entry &known = entry(id);
-    if (known.kind == Kind::None)
-        known.kind = Kind::Updated;
-    known.change.properties |= properties;
+    if (Entry *known = updatedEntry(id))
+        known->change.properties |= properties;
 }
 
-void PendingChanges::noteToOne(ObjectID id, const ToOneChange &change)
+void PendingChanges::addToOne(ObjectID id, const ToOneChange &change)
 {
-    Entry &known = entry(id);
-    if (known.kind == Kind::None)
-        known.kind = Kind::Updated;
-    chain(known.change, change);
+    if (Entry *known = updatedEntry(id))
+        chain(known->change, change);
 }
 
-void PendingChanges::noteDeleted(ObjectChange change)
+void PendingChanges::addDeleted(ObjectChange change)
 {
-    Entry &known = entry(change.id);
-    switch (known.kind) {
+    Entry *known = entry(change.id);
+    if (!known)
+        return;
+    switch (known->kind) {
     case Kind::Inserted:
-        known = {Kind::None, {change.id, 0, {}}};
+        *known = {Kind::None, {change.id, 0, {}}};
         return;
     case Kind::None:
-        known.change = std::move(change);
+        known->change = std::move(change);
         break;
     case Kind::Updated:
     case Kind::Deleted:
-        chain(known.change, change);
+        chain(known->change, change);
         break;
     }
-    known.kind = Kind::Deleted;
+    known->kind = Kind::Deleted;
 }
 
-void PendingChanges::note(const ChangeSet &changes)
+void PendingChanges::add(const ChangeSet &changes)
 {
-    noteWholesale(changes.wholesale);
-    reserve(changes.inserted.size() + changes.updated.size() + changes.deleted.size());
+    addBulk(changes.bulk);
     for (const ObjectChange &change : changes.inserted)
-        noteInserted(change);
-    for (const ObjectChange &change : changes.updated)
-        noteUpdate(change);
+        addInserted(change);
+    for (const ObjectChange &change : changes.updated) {
+        if (Entry *known = updatedEntry(change.id))
+            chain(known->change, change);
+    }
     for (const ObjectChange &change : changes.deleted)
-        noteDeleted(change);
-}
-
-void PendingChanges::noteAsUpdates(const ChangeSet &changes)
-{
-    for (const ObjectChange &change : changes.inserted)
-        noteUpdate(change);
-    note({{}, changes.updated, changes.deleted, changes.wholesale});
-}
-
-void PendingChanges::noteUpdate(const ObjectChange &change)
-{
-    noteUpdated(change.id, change.properties);
-    for (const ToOneChange &toOne : change.toOnes)
-        noteToOne(change.id, toOne);
+        addDeleted(change);
 }
 
 ChangeSet PendingChanges::take()
 {
     ChangeSet changes;
-    changes.wholesale = std::exchange(m_wholesale, 0);
-    const auto countOf = [&](Kind kind) {
-        return size_t(std::count_if(m_entries.begin(), m_entries.end(),
-                                    [&](const Entry &known) { return known.kind == kind; }));
-    };
-    changes.inserted.reserve(countOf(Kind::Inserted));
-    changes.updated.reserve(countOf(Kind::Updated));
-    changes.deleted.reserve(countOf(Kind::Deleted));
+    changes.bulk = std::exchange(m_bulk, 0);
     for (Entry &known : m_entries) {
-        if (changes.isWholesale(known.change.id.entity))
+        if (changes.isBulkChange(known.change.id.entity))
             continue;
         switch (known.kind) {
         case Kind::None:
@@ -166,8 +135,9 @@ ChangeSet PendingChanges::take()
             break;
         }
     }
-    m_entries = {}; // Gives back what a large deletion took.
-    m_indexes = {};
+    m_entries.clear();
+    m_indexes.clear();
+    m_counts.clear();
     return changes;
 }
 

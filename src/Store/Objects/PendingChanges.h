@@ -4,7 +4,6 @@
 
 #include <QHash>
 
-#include <limits>
 #include <vector>
 
 namespace tembra {
@@ -15,20 +14,19 @@ namespace tembra {
 class PendingChanges
 {
 public:
-    bool isEmpty() const { return m_entries.empty() && m_wholesale == 0; }
-    /// With more records than that the changes become wholesale, so that they stay small.
-    void setMostRecords(size_t count) { m_mostRecords = count; }
-    void noteWholesale(EntityMask entities);
-    /// Makes room for @p count records more.
-    void reserve(size_t count);
+    /// An entity with more changed records than that is changed in bulk: nobody wants to hear of
+    /// each, and neither memory nor time is spent on them.
+    static constexpr size_t bulkThreshold = 5000;
 
-    void noteInserted(ObjectChange change);
-    void noteUpdated(ObjectID id, PropertyMask properties);
-    void noteToOne(ObjectID id, const ToOneChange &change);
-    void noteDeleted(ObjectChange change);
-    void note(const ChangeSet &changes);
-    /// Notes insertions as updates, for those who heard of them before.
-    void noteAsUpdates(const ChangeSet &changes);
+    bool isEmpty() const { return m_entries.empty() && m_bulk == 0; }
+
+    void addInserted(ObjectChange change);
+    void addUpdated(ObjectID id, PropertyMask properties);
+    void addToOne(ObjectID id, const ToOneChange &change);
+    void addDeleted(ObjectChange change);
+    /// Any record of these entities may have come, gone or changed.
+    void addBulk(EntityMask entities) { m_bulk |= entities; }
+    void add(const ChangeSet &changes);
 
     ChangeSet take();
 
@@ -40,14 +38,14 @@ private:
         ObjectChange change;
     };
 
-    Entry &entry(ObjectID id);
-    void becomeWholesale();
-    void noteUpdate(const ObjectChange &change);
+    Entry *entry(ObjectID id);
+    Entry *updatedEntry(ObjectID id);
+    bool isBulkChange(int entity) const { return (m_bulk & entityBit(entity)) != 0; }
 
     std::vector<Entry> m_entries;
-    EntityMask m_wholesale = 0;
-    size_t m_mostRecords = std::numeric_limits<size_t>::max();
     QHash<ObjectID, size_t> m_indexes;
+    std::vector<size_t> m_counts; ///< How many records of each entity are listed.
+    EntityMask m_bulk = 0;
 };
 
 } // namespace tembra

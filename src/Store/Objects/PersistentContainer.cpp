@@ -6,7 +6,6 @@
 #include "Store/File/Checkpointer.h"
 #include "Store/File/IdAllocator.h"
 #include "Store/File/StoreOpening.h"
-#include "Store/Objects/ContextSetup.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Schema/ObjectUri.h"
 
@@ -30,7 +29,7 @@ struct PersistentContainer::Private
     std::unique_ptr<ManagedObjectContext> viewContext;
     std::atomic<int> backgroundConnections = 0;
 
-    StorePlace place() const
+    StoreLocation place() const
     {
         return {QDir::cleanPath(QDir(options.directory).absolutePath()), name};
     }
@@ -67,8 +66,7 @@ Result<void> PersistentContainer::loadPersistentStores()
     const auto isOnlyConnection = [this] { return d->backgroundConnections == 0; };
     d->checkpointer = std::make_unique<Checkpointer>(*d->store->connection, isOnlyConnection,
                                                      Checkpointer::Limits());
-    d->viewContext.reset(
-        new ManagedObjectContext(*this, {d->store->connection, d->ids.get(), false}));
+    d->viewContext = ManagedObjectContext::makeMain(*this, d->store->connection, *d->ids);
     announceSavesOf(*d->viewContext);
     return {};
 }
@@ -103,11 +101,6 @@ Result<std::unique_ptr<ManagedObjectContext>> PersistentContainer::newBackground
 {
     require(d->store && QThread::currentThread() == thread(),
             "background contexts are made on the container's thread");
-    // Another context would not know what this one hides. What cannot be deleted now is no reason
-    // to refuse one: it is out of reach for whoever comes from a record that is still there.
-    if (const auto done = d->viewContext->finishDeletions(); !done)
-        qCWarning(storeLog, "A deletion could not be finished before a background context: %s",
-                  qUtf8Printable(done.error().description()));
     auto opened = Connection::open(d->store->connection->file(), Connection::Mode::ReadWrite,
                                    d->options.vfs);
     if (!opened)
@@ -123,8 +116,7 @@ Result<std::unique_ptr<ManagedObjectContext>> PersistentContainer::newBackground
             this, [this] { d->checkpointer->logMayHaveGrown(); }, Qt::QueuedConnection);
     };
     std::shared_ptr<Connection> connection(opened->release(), close);
-    std::unique_ptr<ManagedObjectContext> context(
-        new ManagedObjectContext(*this, {std::move(connection), d->ids.get(), true}));
+    auto context = ManagedObjectContext::makeBackground(*this, std::move(connection), *d->ids);
     announceSavesOf(*context);
     return context;
 }

@@ -48,8 +48,8 @@ public:
 
     ManagedObjectContext &viewContext() const;
     /// A context on a connection of its own, for an import: it only inserts, and links to existing
-    /// records. It writes in pieces inside one transaction that save() commits; dropped without
-    /// save() it leaves nothing.
+    /// records. It writes in batches inside one transaction that save() commits; dropped without
+    /// save() it leaves nothing. From its first write on no other context can write.
     Result<std::unique_ptr<ManagedObjectContext>> newBackgroundContext();
 
     /// "tembra-store://<store uuid>/<Entity>/p<key>".

@@ -7,7 +7,6 @@
 
 #include <QByteArray>
 
-#include <optional>
 #include <vector>
 
 namespace tembra {
@@ -19,22 +18,9 @@ struct FetchStatement
     std::vector<Value> bindings;
 };
 
-/// Records that are there but do not count: those whose @c column is one of @c keys, a list or
-/// sub-query as SQL.
-struct HiddenRecords
-{
-    QByteArray column;
-    QByteArray keys;
-};
-
 /// The query for the keys of the records that answer @p request, one column, in its order; no key
 /// comes twice. Fails when the request does not fit the model. Needs the search function
 /// (SearchFunction.h) on the connection when it searches texts.
-Result<FetchStatement> compileFetch(const ObjectModel &model, const FetchRequest &request,
-                                    const std::optional<HiddenRecords> &hidden = {});
-
-/// The query for how many keys compileFetch() would give.
-Result<FetchStatement> compileCount(const ObjectModel &model, const FetchRequest &request,
-                                    const std::optional<HiddenRecords> &hidden = {});
+Result<FetchStatement> compileFetch(const ObjectModel &model, const FetchRequest &request);
 
 } // namespace tembra

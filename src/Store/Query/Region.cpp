@@ -96,7 +96,7 @@ Region &Region::unite(const Region &other)
 
 bool Region::touches(const ChangeSet &changes) const
 {
-    if (touchesAnyOf(changes.wholesale) || touchesRecords(changes.inserted)
+    if (touchesAnyOf(changes.bulk) || touchesRecords(changes.inserted)
         || touchesRecords(changes.deleted))
         return true;
     return std::any_of(changes.updated.begin(), changes.updated.end(),

@@ -67,11 +67,6 @@ QByteArray SqlEmitter::keyColumn() const
     return QByteArray(m_scope.alias + ".\"id\"");
 }
 
-QByteArray SqlEmitter::ownColumn(const QByteArray &name) const
-{
-    return QByteArray(m_scope.alias + '.' + quoted(name));
-}
-
 /// SQLite likes to read a whole table in the order of its keys rather than to sort the few records
 /// that an index gives: the plus sign keeps it from that.
 QByteArray SqlEmitter::keyOrder(bool isOnlyOrder) const

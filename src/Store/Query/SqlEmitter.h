@@ -28,8 +28,6 @@ public:
     Result<QByteArray> sortColumn(const QByteArray &key);
     /// The column with the records' keys.
     QByteArray keyColumn() const;
-    /// A column of the records' own table.
-    QByteArray ownColumn(const QByteArray &name) const;
     /// The keys as an order: the only one, or the one that breaks the ties of those before it.
     QByteArray keyOrder(bool isOnlyOrder) const;
     /// The table with all joins that were needed so far, for after FROM.

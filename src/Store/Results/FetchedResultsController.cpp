@@ -108,7 +108,7 @@ void FetchedResultsController::Private::follow(const ChangeSet &changes)
     }
     std::vector<qint64> after = runsAgain ? keysAfter(changes) : keys;
     const std::vector<RowChange> steps = stepsTo(after, updated);
-    if (changes.isWholesale(entity)) {
+    if (changes.isBulkChange(entity)) {
         for (const RowChange &step : steps) {
             if (step.type == RowChange::Type::Delete)
                 objects->forget(step.key);

@@ -2,6 +2,7 @@
 
 #include "Foundation/Result.h"
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
 
 #include <QByteArray>
 

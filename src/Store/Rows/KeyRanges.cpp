@@ -15,14 +15,14 @@ void KeyRanges::add(qint64 key)
         m_ranges.push_back({key, key});
 }
 
-std::vector<KeyRange> KeyRanges::pieces(qint64 length) const
+std::vector<KeyRange> KeyRanges::split(qint64 length) const
 {
-    std::vector<KeyRange> pieces;
+    std::vector<KeyRange> parts;
     for (const KeyRange &range : m_ranges) {
         for (qint64 first = range.first; first <= range.last; first += length)
-            pieces.push_back({first, std::min(first + length - 1, range.last)});
+            parts.push_back({first, std::min(first + length - 1, range.last)});
     }
-    return pieces;
+    return parts;
 }
 
 } // namespace tembra

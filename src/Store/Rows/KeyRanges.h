@@ -25,7 +25,7 @@ public:
     bool isEmpty() const { return m_ranges.empty(); }
     const std::vector<KeyRange> &ranges() const { return m_ranges; }
     /// The same keys in ranges of at most @p length keys.
-    std::vector<KeyRange> pieces(qint64 length) const;
+    std::vector<KeyRange> split(qint64 length) const;
 
 private:
     std::vector<KeyRange> m_ranges;

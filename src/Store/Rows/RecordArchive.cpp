@@ -1,8 +1,9 @@
 #include "Store/Rows/RecordArchive.h"
 
+#include "Store/File/Statement.h"
+
 #include <algorithm>
 #include <cstring>
-#include <tuple>
 
 namespace tembra {
 
@@ -26,21 +27,20 @@ Plain take(const char *&place)
     return plain;
 }
 
-void appendValue(QByteArray &bytes, const Value &value)
+void appendValue(QByteArray &bytes, const StoredValue &value)
 {
     bytes.append(char(value.index()));
     if (const auto *number = std::get_if<qint64>(&value)) {
         append(bytes, *number);
     } else if (const auto *date = std::get_if<double>(&value)) {
         append(bytes, *date);
-    } else if (const auto *text = std::get_if<QString>(&value)) {
-        const QByteArray utf8 = text->toUtf8();
-        append(bytes, quint32(utf8.size()));
-        bytes.append(utf8);
+    } else if (const auto *text = std::get_if<QByteArrayView>(&value)) {
+        append(bytes, quint32(text->size()));
+        bytes.append(*text);
     }
 }
 
-Value takeValue(const char *&place)
+StoredValue takeValue(const char *&place)
 {
     switch (*place++) {
     case 1:
@@ -49,8 +49,7 @@ Value takeValue(const char *&place)
         return take<double>(place);
     case 3: {
         const auto size = take<quint32>(place);
-        const QString text = size == 0 ? QString(QLatin1String(""))
-                                       : QString::fromUtf8(place, qsizetype(size));
+        const QByteArrayView text(place, qsizetype(size));
         place += size;
         return text;
     }
@@ -59,28 +58,25 @@ Value takeValue(const char *&place)
     }
 }
 
-static_assert(std::is_same_v<Value, std::variant<std::monostate, qint64, double, QString>>);
+static_assert(
+    std::is_same_v<StoredValue, std::variant<std::monostate, qint64, double, QByteArrayView>>);
 
 } // namespace
 
 RecordArchive::RecordArchive(int entityCount) : m_rows(size_t(entityCount)) {}
 
-void RecordArchive::addRow(ObjectID id, const RowReader::Row &row)
+void RecordArchive::addRow(ObjectID id, const Statement &row, size_t columnCount)
 {
     QByteArray &bytes = m_rows[size_t(id.entity)];
     append(bytes, id.key);
-    append(bytes, quint16(row.size()));
-    for (const Value &value : row)
-        appendValue(bytes, value);
+    append(bytes, quint16(columnCount));
+    for (size_t column = 0; column < columnCount; ++column)
+        appendValue(bytes, row.storedValue(int(column) + 1));
 }
 
 void RecordArchive::finish()
 {
-    const auto order = [](const LinkKey &link) {
-        return std::tie(link.entity, link.property, link.owner, link.other);
-    };
-    std::sort(m_links.begin(), m_links.end(),
-              [&](const LinkKey &a, const LinkKey &b) { return order(a) < order(b); });
+    std::sort(m_links.begin(), m_links.end());
     m_links.erase(std::unique(m_links.begin(), m_links.end()), m_links.end());
     m_links.shrink_to_fit();
     for (QByteArray &bytes : m_rows)
@@ -89,15 +85,16 @@ void RecordArchive::finish()
 
 void RecordArchive::forEachRow(const Visitor &visit) const
 {
+    std::vector<StoredValue> row;
     for (size_t entity = 0; entity < m_rows.size(); ++entity) {
         const char *place = m_rows[entity].constData();
         const char *end = place + m_rows[entity].size();
         while (place < end) {
             const auto key = take<qint64>(place);
-            RowReader::Row row(take<quint16>(place));
-            for (Value &value : row)
+            row.resize(take<quint16>(place));
+            for (StoredValue &value : row)
                 value = takeValue(place);
-            if (!visit({int(entity), key}, std::move(row)))
+            if (!visit({int(entity), key}, row))
                 return;
         }
     }
@@ -105,15 +102,14 @@ void RecordArchive::forEachRow(const Visitor &visit) const
 
 bool RecordArchive::isEmpty() const
 {
-    return m_links.empty() && m_cleared.empty()
+    return m_links.empty()
            && std::all_of(m_rows.begin(), m_rows.end(),
                           [](const QByteArray &bytes) { return bytes.isEmpty(); });
 }
 
 size_t RecordArchive::byteSize() const
 {
-    size_t size = sizeof *this + m_links.size() * sizeof(LinkKey)
-                  + m_cleared.size() * sizeof(ClearedToOne);
+    size_t size = sizeof *this + m_links.size() * sizeof(LinkKey);
     for (const QByteArray &bytes : m_rows)
         size += size_t(bytes.size());
     return size;

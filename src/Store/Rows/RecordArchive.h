@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Store/Objects/UnwrittenEdits.h"
-#include "Store/Rows/RowReader.h"
+#include "Store/File/StoredValue.h"
+#include "Store/Objects/LinkKey.h"
 #include "Store/Schema/ObjectID.h"
 
 #include <QByteArray>
@@ -11,40 +11,34 @@
 
 namespace tembra {
 
-/// Deleted records with their links, held compactly (texts as UTF-8) so that they can be brought
-/// back as they were.
+class Statement;
+
+/// Deleted records with their links, byte for byte as the store had them, so that they can be
+/// brought back as they were.
 class RecordArchive
 {
 public:
-    /// A to-one of a surviving record that pointed to a deleted one.
-    struct ClearedToOne
-    {
-        ObjectID id;
-        int property;
-        qint64 key;
-    };
-
     explicit RecordArchive(int entityCount);
 
-    void addRow(ObjectID id, const RowReader::Row &row);
+    /// Adds the current row of a statement: its key and @p columnCount values.
+    void addRow(ObjectID id, const Statement &row, size_t columnCount);
     void addLink(const LinkKey &link) { m_links.push_back(link); }
-    void addCleared(const ClearedToOne &cleared) { m_cleared.push_back(cleared); }
     /// To be called once everything was added.
     void finish();
 
-    /// Visits the rows, entity by entity, until @p visit returns false.
-    using Visitor = std::function<bool(ObjectID id, RowReader::Row row)>;
+    /// Visits the rows, entity by entity, until @p visit returns false. The values, by property
+    /// number, are the visitor's to change; texts belong to the archive.
+    using Visitor = std::function<bool(ObjectID id, std::vector<StoredValue> &row)>;
     void forEachRow(const Visitor &visit) const;
+    /// Each once, after finish().
     const std::vector<LinkKey> &links() const { return m_links; }
-    const std::vector<ClearedToOne> &cleared() const { return m_cleared; }
 
     bool isEmpty() const;
     size_t byteSize() const;
 
 private:
     std::vector<QByteArray> m_rows; ///< By entity; rows one after the other.
-    std::vector<LinkKey> m_links; ///< Each once, after finish().
-    std::vector<ClearedToOne> m_cleared;
+    std::vector<LinkKey> m_links;
 };
 
 } // namespace tembra

@@ -1,6 +1,7 @@
 #include "Store/Rows/RowReader.h"
 
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
 #include "Store/Query/SqlText.h"
 #include "Store/Rows/KeyChunks.h"
 #include "Store/Schema/ObjectModel.h"
@@ -48,7 +49,20 @@ Result<std::optional<RowReader::Row>> RowReader::row(ObjectID id)
     return std::optional<Row>(std::move(row));
 }
 
+RowReader::StoredRowVisitor RowReader::decoding(int entity, const RowVisitor &visit) const
+{
+    return [this, entity, &visit](qint64 key, const Statement &row) {
+        visit(key, decode(row, entity));
+    };
+}
+
 Result<void> RowReader::rows(int entity, std::span<const qint64> keys, const RowVisitor &visit)
+{
+    return storedRows(entity, keys, decoding(entity, visit));
+}
+
+Result<void> RowReader::storedRows(int entity, std::span<const qint64> keys,
+                                   const StoredRowVisitor &visit)
 {
     return rowsOf(entity, QByteArrayLiteral("id"), keys, visit);
 }
@@ -56,13 +70,20 @@ Result<void> RowReader::rows(int entity, std::span<const qint64> keys, const Row
 Result<void> RowReader::referringRows(const ToOneDescription &column,
                                       std::span<const qint64> destinations, const RowVisitor &visit)
 {
+    return storedReferrers(column, destinations, decoding(column.entity, visit));
+}
+
+Result<void> RowReader::storedReferrers(const ToOneDescription &column,
+                                        std::span<const qint64> destinations,
+                                        const StoredRowVisitor &visit)
+{
     return rowsOf(column.entity,
                   quoted(m_schema.entity(column.entity).columns[size_t(column.property)]),
                   destinations, visit);
 }
 
 Result<void> RowReader::rowsOf(int entity, const QByteArray &column, std::span<const qint64> keys,
-                               const RowVisitor &visit)
+                               const StoredRowVisitor &visit)
 {
     const QByteArray table = quoted(m_schema.entity(entity).table);
     const QByteArray sql = "SELECT id," + m_statements[size_t(entity)].columns + " FROM " + table
@@ -71,10 +92,8 @@ Result<void> RowReader::rowsOf(int entity, const QByteArray &column, std::span<c
                               [&](Statement &statement) -> Result<void> {
                                   Result<bool> found = statement.step();
                                   for (; found && *found; found = statement.step())
-                                      visit(statement.key(0), readRow(statement, entity, 1));
-                                  if (!found)
-                                      return failure(found.error());
-                                  return {};
+                                      visit(statement.key(0), statement);
+                                  return found.map([](bool) {});
                               });
 }
 
@@ -120,8 +139,8 @@ Result<void> RowReader::related(const ToManyDescription &link, std::span<const q
                  owners, visit);
 }
 
-Result<void> RowReader::referrers(const ToOneDescription &column, std::span<const qint64> destinations,
-                                  const PairVisitor &visit)
+Result<void> RowReader::referrers(const ToOneDescription &column,
+                                  std::span<const qint64> destinations, const PairVisitor &visit)
 {
     const EntityDescription &table = m_schema.entity(column.entity);
     const QByteArray name = quoted(table.columns[size_t(column.property)]);
@@ -137,9 +156,7 @@ Result<void> RowReader::pairs(const QByteArray &sql, std::span<const qint64> key
                                   Result<bool> found = statement.step();
                                   for (; found && *found; found = statement.step())
                                       visit(statement.key(0), statement.key(1));
-                                  if (!found)
-                                      return failure(found.error());
-                                  return {};
+                                  return found.map([](bool) {});
                               });
 }
 

@@ -26,6 +26,8 @@ class RowReader
 public:
     using Row = std::vector<Value>; ///< By property number.
     using RowVisitor = std::function<void(qint64 key, Row row)>;
+    /// The current row of a statement: column 0 is the key, then come the values.
+    using StoredRowVisitor = std::function<void(qint64 key, const Statement &row)>;
     using PairVisitor = std::function<void(qint64 owner, qint64 other)>;
 
     RowReader(const ObjectModel &schema, Connection &connection);
@@ -34,6 +36,10 @@ public:
     Result<std::optional<Row>> row(ObjectID id);
     /// Visits those of the records that exist, in no particular order.
     Result<void> rows(int entity, std::span<const qint64> keys, const RowVisitor &visit);
+    /// The same, without decoding the values.
+    Result<void> storedRows(int entity, std::span<const qint64> keys,
+                            const StoredRowVisitor &visit);
+    Row decode(const Statement &row, int entity) const { return readRow(row, entity, 1); }
     Result<bool> exists(ObjectID id);
     Result<bool> isLinked(const ToManyDescription &link, qint64 owner, qint64 other);
 
@@ -43,6 +49,10 @@ public:
     /// Visits the records whose to-one points to one of @p destinations.
     Result<void> referringRows(const ToOneDescription &column, std::span<const qint64> destinations,
                                const RowVisitor &visit);
+    /// The same, without decoding the values.
+    Result<void> storedReferrers(const ToOneDescription &column,
+                                 std::span<const qint64> destinations,
+                                 const StoredRowVisitor &visit);
     /// Visits (record, destination) for every record whose to-one points to one of @p destinations.
     Result<void> referrers(const ToOneDescription &column, std::span<const qint64> destinations,
                            const PairVisitor &visit);
@@ -56,7 +66,8 @@ private:
     };
 
     Result<void> rowsOf(int entity, const QByteArray &column, std::span<const qint64> keys,
-                        const RowVisitor &visit);
+                        const StoredRowVisitor &visit);
+    StoredRowVisitor decoding(int entity, const RowVisitor &visit) const;
     Result<void> pairs(const QByteArray &sql, std::span<const qint64> keys,
                        const PairVisitor &visit);
     Row readRow(const Statement &statement, int entity, int firstColumn) const;

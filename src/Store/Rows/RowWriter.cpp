@@ -1,6 +1,8 @@
 #include "Store/Rows/RowWriter.h"
 
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
+#include "Store/File/Transaction.h"
 #include "Store/Query/SqlText.h"
 #include "Store/Rows/KeyChunks.h"
 #include "Store/Schema/ObjectModel.h"
@@ -10,7 +12,7 @@ namespace tembra {
 RowWriter::RowWriter(const ObjectModel &schema, Connection &connection)
     : m_schema(schema)
     , m_connection(connection)
-    , m_inserts(size_t(schema.entityCount()), nullptr)
+    , m_inserts(2 * size_t(schema.entityCount()), nullptr)
     , m_updates(size_t(schema.entityCount()))
 {
 }
@@ -24,15 +26,17 @@ QByteArray RowWriter::placeholder(int entity, int property) const
                       + " WHERE id = ?)");
 }
 
-Result<Statement *> RowWriter::insertStatement(int entity)
+Result<Statement *> RowWriter::insertStatement(int entity, ToOnes toOnes)
 {
-    Statement *&statement = m_inserts[size_t(entity)];
+    const bool isPlain = toOnes == ToOnes::Plain;
+    Statement *&statement = m_inserts[size_t(entity + (isPlain ? m_schema.entityCount() : 0))];
     if (statement)
         return statement;
     const EntityDescription &table = m_schema.entity(entity);
     QByteArray placeholders = QByteArrayLiteral("?");
     for (size_t property = 0; property < table.columns.size(); ++property)
-        placeholders += ',' + placeholder(entity, int(property));
+        placeholders += ','
+                        + (isPlain ? QByteArrayLiteral("?") : placeholder(entity, int(property)));
     const auto prepared = m_connection.prepare("INSERT INTO " + quoted(table.table) + " (id,"
                                                + quotedList(table.columns) + ") VALUES ("
                                                + placeholders + ')');
@@ -44,12 +48,24 @@ Result<Statement *> RowWriter::insertStatement(int entity)
 Result<void> RowWriter::insertRow(Transaction &transaction, ObjectID id,
                                   const std::vector<Value> &values)
 {
-    const auto statement = insertStatement(id.entity);
+    const auto statement = insertStatement(id.entity, ToOnes::Checked);
     if (!statement)
         return failure(statement.error());
     (*statement)->bindKey(1, id.key);
     for (size_t column = 0; column < values.size(); ++column)
         (*statement)->bind(int(column) + 2, values[column]);
+    return transaction.run(**statement);
+}
+
+Result<void> RowWriter::restoreRow(Transaction &transaction, ObjectID id,
+                                   std::span<const StoredValue> values)
+{
+    const auto statement = insertStatement(id.entity, ToOnes::Plain);
+    if (!statement)
+        return failure(statement.error());
+    (*statement)->bindKey(1, id.key);
+    for (size_t column = 0; column < values.size(); ++column)
+        (*statement)->bindStored(int(column) + 2, values[column]);
     return transaction.run(**statement);
 }
 
@@ -91,8 +107,8 @@ Result<bool> RowWriter::updateRow(Transaction &transaction, ObjectID id, Propert
     return m_connection.changedRows() > 0;
 }
 
-Result<void> RowWriter::addLink(Transaction &transaction, const ToManyDescription &link, qint64 owner,
-                                qint64 other)
+Result<void> RowWriter::addLink(Transaction &transaction, const ToManyDescription &link,
+                                qint64 owner, qint64 other)
 {
     const QByteArray ownTable = quoted(m_schema.entity(link.entity).table);
     const QByteArray otherTable = quoted(m_schema.entity(link.destination).table);
@@ -107,8 +123,8 @@ Result<void> RowWriter::addLink(Transaction &transaction, const ToManyDescriptio
     return transaction.run(**statement);
 }
 
-Result<void> RowWriter::removeLink(Transaction &transaction, const ToManyDescription &link, qint64 owner,
-                                   qint64 other)
+Result<void> RowWriter::removeLink(Transaction &transaction, const ToManyDescription &link,
+                                   qint64 owner, qint64 other)
 {
     const auto statement = m_connection.prepare("DELETE FROM " + quoted(link.joinTable) + " WHERE "
                                                 + quoted(link.ownColumn) + " = ? AND "
@@ -128,6 +144,16 @@ Result<void> RowWriter::deleteRows(Transaction &transaction, int entity,
                       keys);
 }
 
+Result<void> RowWriter::deleteReferrers(Transaction &transaction, const ToOneDescription &column,
+                                        std::span<const qint64> destinations)
+{
+    const EntityDescription &table = m_schema.entity(column.entity);
+    return runForKeys(transaction,
+                      "DELETE FROM " + quoted(table.table) + " WHERE "
+                          + quoted(table.columns[size_t(column.property)]) + " IN ",
+                      destinations);
+}
+
 Result<void> RowWriter::removeLinks(Transaction &transaction, const ToManyDescription &link,
                                     std::span<const qint64> owners)
 {
@@ -135,17 +161,6 @@ Result<void> RowWriter::removeLinks(Transaction &transaction, const ToManyDescri
                       "DELETE FROM " + quoted(link.joinTable) + " WHERE " + quoted(link.ownColumn)
                           + " IN ",
                       owners);
-}
-
-Result<void> RowWriter::nullify(Transaction &transaction, const ToOneDescription &column,
-                                std::span<const qint64> destinations)
-{
-    const EntityDescription &table = m_schema.entity(column.entity);
-    const QByteArray name = quoted(table.columns[size_t(column.property)]);
-    return runForKeys(transaction,
-                      "UPDATE " + quoted(table.table) + " SET " + name + " = NULL WHERE " + name
-                          + " IN ",
-                      destinations);
 }
 
 Result<void> RowWriter::runForKeys(Transaction &transaction, const QByteArray &sql,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Result.h"
+#include "Store/File/StoredValue.h"
 #include "Store/Objects/ChangeSet.h"
 #include "Store/Schema/ObjectID.h"
 #include "Store/Schema/Value.h"
@@ -28,10 +29,16 @@ public:
     RowWriter(const ObjectModel &schema, Connection &connection);
 
     Result<void> insertRow(Transaction &transaction, ObjectID id, const std::vector<Value> &values);
+    /// Inserts a row whose to-ones lead to records that are there.
+    Result<void> restoreRow(Transaction &transaction, ObjectID id,
+                            std::span<const StoredValue> values);
     /// False when there is no such record any more.
     Result<bool> updateRow(Transaction &transaction, ObjectID id, PropertyMask columns,
                            const std::vector<Value> &values);
     Result<void> deleteRows(Transaction &transaction, int entity, std::span<const qint64> keys);
+    /// Deletes the records whose to-one points to one of @p destinations.
+    Result<void> deleteReferrers(Transaction &transaction, const ToOneDescription &column,
+                                 std::span<const qint64> destinations);
 
     Result<void> addLink(Transaction &transaction, const ToManyDescription &link, qint64 owner,
                          qint64 other);
@@ -39,20 +46,18 @@ public:
                             qint64 other);
     Result<void> removeLinks(Transaction &transaction, const ToManyDescription &link,
                              std::span<const qint64> owners);
-    /// Makes a to-one missing wherever it points to one of @p destinations.
-    Result<void> nullify(Transaction &transaction, const ToOneDescription &column,
-                         std::span<const qint64> destinations);
 
 private:
     QByteArray placeholder(int entity, int property) const;
-    Result<Statement *> insertStatement(int entity);
+    enum class ToOnes { Checked, Plain };
+    Result<Statement *> insertStatement(int entity, ToOnes toOnes);
     Result<Statement *> updateStatement(int entity, PropertyMask columns);
     Result<void> runForKeys(Transaction &transaction, const QByteArray &sql,
                             std::span<const qint64> keys);
 
     const ObjectModel &m_schema;
     Connection &m_connection;
-    std::vector<Statement *> m_inserts;
+    std::vector<Statement *> m_inserts; ///< By entity, with to-ones checked; then plain ones.
     std::vector<QHash<PropertyMask, Statement *>> m_updates;
 };
 

@@ -39,8 +39,8 @@ Result<UpdatedRecords> UpdatedRecords::of(const ObjectModel &model, const FetchR
         const ToManyDescription &toMany = entity.toMany(property);
         const int toOneBack = toMany.joined ? -1 : toMany.inverse;
         made.m_shown |= propertyBit(property);
-        made.m_prefetched.push_back({name, toMany.destination,
-                                     columnsOf(model.entity(toMany.destination)), toOneBack});
+        made.m_prefetched.push_back(
+            {name, toMany.destination, columnsOf(model.entity(toMany.destination)), toOneBack});
     }
     return made;
 }
@@ -49,9 +49,9 @@ UpdatedRecords::Keys UpdatedRecords::among(const ChangeSet &changes,
                                            ManagedObjectContext &context) const
 {
     Keys found;
-    found.all = changes.isWholesale(m_entity)
+    found.all = changes.isBulkChange(m_entity)
                 || std::ranges::any_of(m_prefetched, [&](const Prefetched &relationship) {
-                       return changes.isWholesale(relationship.destination);
+                       return changes.isBulkChange(relationship.destination);
                    });
     addOwn(changes, found);
     addRelinked(changes.inserted, found);

@@ -48,7 +48,7 @@ UndoHistory::UndoHistory(const Clock &clock) : m_clock(clock) {}
 
 void UndoHistory::recordInserted(std::vector<ObjectID> ids)
 {
-    if (ids.empty())
+    if (ids.empty() || m_suspensions > 0)
         return;
     m_insertedInOpen.reserve(m_insertedInOpen.size() + qsizetype(ids.size()));
     for (const ObjectID id : ids)
@@ -63,7 +63,7 @@ void UndoHistory::recordInserted(std::vector<ObjectID> ids)
 
 void UndoHistory::recordValue(ObjectID id, int property, const Value &before, const Value &after)
 {
-    if (m_insertedInOpen.contains(id))
+    if (m_insertedInOpen.contains(id) || m_suspensions > 0)
         return;
     if (!isText(before) || !isText(after) || m_depth > 0) {
         recordOther(ValueEdit{id, property, before});
@@ -84,13 +84,14 @@ void UndoHistory::recordValue(ObjectID id, int property, const Value &before, co
 
 void UndoHistory::recordLink(ObjectID owner, int property, ObjectID other, bool added)
 {
-    if (!m_insertedInOpen.contains(owner) && !m_insertedInOpen.contains(other))
+    if (m_suspensions == 0 && !m_insertedInOpen.contains(owner)
+        && !m_insertedInOpen.contains(other))
         recordOther(LinkEdit{owner, property, other, added});
 }
 
 void UndoHistory::recordDeleted(std::shared_ptr<const RecordArchive> archive)
 {
-    if (!archive->isEmpty())
+    if (m_suspensions == 0 && !archive->isEmpty())
         recordOther(DeletedRecords{std::move(archive)});
 }
 
@@ -165,15 +166,6 @@ void UndoHistory::push(Stack &stack, UndoStep step)
         bytes -= stack.front().byteSize();
         stack.pop_front();
     }
-}
-
-void UndoHistory::clear()
-{
-    m_undo.clear();
-    m_redo.clear();
-    (void)takeOpen();
-    m_typing.end();
-    m_newestIsTyping = false;
 }
 
 } // namespace tembra

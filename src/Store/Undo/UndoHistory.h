@@ -2,7 +2,7 @@
 
 #include "Store/Schema/ObjectID.h"
 #include "Store/Schema/Value.h"
-#include "Store/Undo/TypingRun.h"
+#include "Store/Undo/TypingCoalescer.h"
 
 #include <QSet>
 
@@ -59,6 +59,10 @@ public:
 
     explicit UndoHistory(const Clock &clock);
 
+    /// While it is suspended nothing is recorded. Suspensions nest.
+    void suspend() { ++m_suspensions; }
+    void resume() { --m_suspensions; }
+
     void recordInserted(std::vector<ObjectID> ids);
     void recordValue(ObjectID id, int property, const Value &before, const Value &after);
     void recordLink(ObjectID owner, int property, ObjectID other, bool added);
@@ -70,7 +74,6 @@ public:
     /// Makes a step of what was recorded since the last one. True when there is a new step, or an
     /// old one that grew.
     bool closeStep();
-    void endTyping() { m_typing.end(); }
 
     bool canUndo() const { return !m_undo.empty() || !m_open.changes.empty(); }
     bool canRedo() const { return !m_redo.empty(); }
@@ -81,7 +84,6 @@ public:
     UndoStep takeOpen();
     void pushUndo(UndoStep step) { push(m_undo, std::move(step)); }
     void pushRedo(UndoStep step) { push(m_redo, std::move(step)); }
-    void clear();
 
 private:
     using Stack = std::deque<UndoStep>;
@@ -97,8 +99,9 @@ private:
     Stack m_redo;
     UndoStep m_open;
     QSet<ObjectID> m_insertedInOpen; ///< Undo takes them away whole: their edits need no record.
+    int m_suspensions = 0;
     int m_depth = 0;
-    TypingRun m_typing;
+    TypingCoalescer m_typing;
     bool m_openContinuesTyping = false;
     bool m_newestIsTyping = false; ///< m_undo.back() is the step of m_typing.
 };

@@ -1,28 +1,18 @@
 #include "Store/Undo/UndoManager.h"
 
 #include "Foundation/Logging.h"
-#include "Store/Objects/ManagedObjectContextPrivate.h"
-#include "Store/Objects/PersistentContainer.h"
+#include "Store/Objects/IdentityMap.h"
+#include "Store/Objects/ManagedObject.h"
+#include "Store/Objects/RecordDeleter.h"
+#include "Store/Objects/RecordEditor.h"
+#include "Store/Objects/RecordRestorer.h"
 #include "Store/Rows/RecordArchive.h"
+#include "Store/Schema/ObjectModel.h"
 #include "Store/Undo/UndoHistory.h"
 
 #include <algorithm>
 
 namespace tembra {
-
-struct UndoManager::Private
-{
-    explicit Private(ManagedObjectContext &owner)
-        : context(owner)
-        , history(owner.container().clock())
-    {
-    }
-
-    ManagedObjectContext &context;
-    UndoHistory history;
-    int suspensions = 0;
-    bool isReversing = false;
-};
 
 namespace {
 
@@ -36,23 +26,14 @@ Overloaded(Functions...) -> Overloaded<Functions...>;
 
 } // namespace
 
-UndoManager::UndoManager(ManagedObjectContext &context) : d(std::make_unique<Private>(context)) {}
-
-UndoManager::~UndoManager() = default;
-
-UndoHistory *UndoManager::recorder()
-{
-    return d->suspensions > 0 ? nullptr : &d->history;
-}
-
 bool UndoManager::canUndo() const
 {
-    return d->history.canUndo();
+    return m.history.canUndo();
 }
 
 bool UndoManager::canRedo() const
 {
-    return d->history.canRedo() && !d->history.hasOpenChanges();
+    return m.history.canRedo() && !m.history.hasOpenChanges();
 }
 
 void UndoManager::undo()
@@ -69,68 +50,71 @@ void UndoManager::reverseNewest(std::optional<UndoStep> (UndoHistory::*takeFrom)
                                 void (UndoHistory::*putBack)(UndoStep),
                                 void (UndoHistory::*putOpposite)(UndoStep))
 {
-    UndoHistory &history = d->history;
-    if (d->isReversing || history.isGrouping())
+    UndoHistory &history = m.history;
+    if (m_isReversing || history.isGrouping())
         return;
     history.closeStep();
     std::optional<UndoStep> step = (history.*takeFrom)();
     if (!step)
         return;
-    d->isReversing = true;
-    announce(*step);
+    m_isReversing = true;
+    notifyBefore(*step);
     // What listeners did to show the record is no part of what is reversed.
     history.closeStep();
-    if (!reverse(*step))
+    const Result<void> reversed = reverse(*step);
+    if (!reversed)
         (history.*putBack)(std::move(*step));
     (history.*putOpposite)(history.takeOpen());
-    d->isReversing = false;
+    m_isReversing = false;
     Q_EMIT changed();
+    if (!reversed)
+        Q_EMIT failed(reversed.error());
 }
 
-/// Reverses the changes of @p step, last one first, and takes each out. False when the store
-/// failed; then the rest is left in the step.
-bool UndoManager::reverse(UndoStep &step)
+/// Reverses the changes of @p step, last one first, and takes each out. When the store fails the
+/// rest is left in the step.
+Result<void> UndoManager::reverse(UndoStep &step)
 {
     for (; !step.changes.empty(); step.changes.pop_back()) {
-        if (const Result<void> done = reverse(step.changes.back()); !done) {
+        if (Result<void> done = reverse(step.changes.back()); !done) {
             qCWarning(storeLog, "Undo or redo failed: %s",
                       qUtf8Printable(done.error().description()));
-            return false;
+            return done;
         }
     }
-    return true;
+    return {};
 }
 
 Result<void> UndoManager::reverse(const RecordedChange &change)
 {
-    ManagedObjectContext &context = d->context;
     return std::visit(Overloaded{
                           [&](const ValueEdit &edit) -> Result<void> {
-                              if (const auto object = context.object(edit.id))
-                                  object->setValue(edit.property, edit.before);
+                              if (const auto object = m.objects.object(edit.id))
+                                  m.editor.setValue(*object, edit.property, edit.before);
                               return {};
                           },
                           [&](const LinkEdit &edit) -> Result<void> {
-                              const auto owner = context.object(edit.owner);
-                              const auto other = context.object(edit.other);
+                              const auto owner = m.objects.object(edit.owner);
+                              const auto other = m.objects.object(edit.other);
                               if (owner && other)
-                                  context.d->setLinked(*owner, edit.property, *other, !edit.added);
+                                  m.editor.setRelated(*owner, edit.property, *other, !edit.added);
                               return {};
                           },
                           [&](const InsertedRecords &inserted) {
                               std::vector<ObjectID> present = inserted.ids;
                               std::erase_if(present,
-                                            [&](ObjectID id) { return !context.d->exists(id); });
-                              return context.d->deleteRecords(std::move(present));
+                                            [&](ObjectID id) { return !m.objects.exists(id); });
+                              return m.deleter.deleteRecords(present);
                           },
                           [&](const DeletedRecords &deleted) {
-                              return context.d->restoreRecords(*deleted.archive);
+                              return m.restorer.restore(*deleted.archive);
                           },
                       },
                       change);
 }
 
-void UndoManager::announce(const UndoStep &step)
+/// Tells which records the step is about: of many that hang together, the topmost one.
+void UndoManager::notifyBefore(const UndoStep &step)
 {
     TouchedProperties touched;
     for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
@@ -143,10 +127,9 @@ void UndoManager::announce(const UndoStep &step)
 void UndoManager::addTouched(const RecordedChange &change, TouchedProperties &touched)
 {
     const auto addWithOwner = [&](ObjectID id, const auto &valueOf) {
-        for (const ToOneDescription &column : d->context.d->schema.entity(id.entity).toOnes) {
-            const Value value = valueOf(column.property);
-            const auto *owner = std::get_if<qint64>(&value);
-            if (owner && column.rule == DeleteRule::Cascade)
+        for (const ToOneDescription &column : m.schema.entity(id.entity).toOnes) {
+            const auto &value = valueOf(column.property);
+            if (const auto *owner = std::get_if<qint64>(&value))
                 touched.push_back({{column.destination, *owner}, column.inverse});
         }
         touched.push_back({id, -1});
@@ -160,13 +143,15 @@ void UndoManager::addTouched(const RecordedChange &change, TouchedProperties &to
                 touched.push_back({edit.owner, edit.property});
             },
             [&](const InsertedRecords &inserted) {
-                if (const auto first = d->context.object(inserted.ids.front()))
+                if (const auto first = m.objects.object(inserted.ids.front()))
                     addWithOwner(first->objectID(),
-                                 [&](int column) { return first->value(column); });
+                                 [&](int column) -> const Value & { return first->value(column); });
             },
             [&](const DeletedRecords &deleted) {
-                deleted.archive->forEachRow([&](ObjectID id, RowReader::Row row) {
-                    addWithOwner(id, [&](int column) { return row[size_t(column)]; });
+                deleted.archive->forEachRow([&](ObjectID id, const std::vector<StoredValue> &row) {
+                    addWithOwner(id, [&](int column) -> const StoredValue & {
+                        return row[size_t(column)];
+                    });
                     return false; // The first row is the topmost record; the rest hangs on it.
                 });
             },
@@ -174,43 +159,32 @@ void UndoManager::addTouched(const RecordedChange &change, TouchedProperties &to
         change);
 }
 
-void UndoManager::removeAllSteps()
-{
-    d->history.clear();
-    Q_EMIT changed();
-}
-
 void UndoManager::beginGroup()
 {
-    d->history.beginGroup();
+    m.history.beginGroup();
 }
 
 void UndoManager::endGroup()
 {
-    d->history.endGroup();
-    if (!d->history.isGrouping())
+    m.history.endGroup();
+    if (!m.history.isGrouping())
         Q_EMIT changed();
-}
-
-void UndoManager::breakMerging()
-{
-    d->history.endTyping();
 }
 
 void UndoManager::endTurn()
 {
-    if (!d->isReversing && !d->history.isGrouping() && d->history.closeStep())
+    if (!m_isReversing && !m.history.isGrouping() && m.history.closeStep())
         Q_EMIT changed();
 }
 
-UndoManager::Suspension::Suspension(UndoManager &manager) : m_manager(manager)
+UndoManager::Suspension::Suspension(UndoManager &manager) : m_history(manager.m.history)
 {
-    ++m_manager.d->suspensions;
+    m_history.suspend();
 }
 
 UndoManager::Suspension::~Suspension()
 {
-    --m_manager.d->suspensions;
+    m_history.resume();
 }
 
 } // namespace tembra

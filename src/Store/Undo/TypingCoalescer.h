@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Foundation/Time/Date.h"
+#include "Store/Schema/ObjectID.h"
+
+#include <QString>
+
+namespace tembra {
+
+/// Tells which edits of a text belong together as one piece of typing: characters typed (or
+/// deleted) one after the other at one place without a pause, up to the next word or line.
+class TypingCoalescer
+{
+public:
+    /// Takes the edit in. True when it belongs to the piece so far, false when it starts a new one.
+    bool extend(ObjectID id, int property, const QString &before, const QString &after, Date now);
+    void end() { m_kind = Kind::None; }
+
+private:
+    enum class Kind { None, Typing, Deleting };
+
+    bool continuesTyping(const QString &before, const QString &after, qsizetype typed) const;
+    bool continuesDeleting(const QString &before, const QString &after, qsizetype removed) const;
+
+    Kind m_kind = Kind::None;
+    ObjectID m_id;
+    int m_property = -1;
+    Date m_last;
+    qsizetype m_caret = 0;
+    bool m_lastWasSpace = false;
+};
+
+} // namespace tembra
