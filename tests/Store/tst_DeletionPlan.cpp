@@ -24,8 +24,8 @@ private Q_SLOTS:
         m_item = m_store->context().object<Item>(m_owner->itemIDs().front());
         m_item->addRelated(Item::labelsProperty, *m_label);
         QVERIFY(m_store->context().save());
-        m_connection = std::move(*Connection::open(m_store->container->storeFile(),
-                                                   Connection::Mode::ReadWrite));
+        m_connection = std::move(
+            *Connection::open(m_store->container->storeFile(), Connection::Mode::ReadWrite));
     }
     void cleanup()
     {
@@ -53,8 +53,8 @@ private Q_SLOTS:
     void namesByKeyWhatIsNamedAlready()
     {
         const auto part = m_item->parts().first();
-        const DeletionPlan plan = planOf({part->objectID(), m_item->objectID(),
-                                          m_item->objectID()});
+        const DeletionPlan plan = planOf(
+            {part->objectID(), m_item->objectID(), m_item->objectID()});
         QCOMPARE(plan.keys(itemEntity).size(), size_t(1));
         QCOMPARE(plan.keys(partEntity).size(), size_t(Item::partCount));
         QVERIFY(!plan.ownerColumn(partEntity));

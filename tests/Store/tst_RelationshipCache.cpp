@@ -28,8 +28,8 @@ private Q_SLOTS:
         m_item = m_store->context().object<Item>(m_ann->itemIDs().front());
         m_item->addRelated(Item::labelsProperty, *m_label);
         QVERIFY(m_store->context().save());
-        m_connection = std::move(*Connection::open(m_store->container->storeFile(),
-                                         Connection::Mode::ReadWrite));
+        m_connection = std::move(
+            *Connection::open(m_store->container->storeFile(), Connection::Mode::ReadWrite));
         m_reader = std::make_unique<RowReader>(m_schema, *m_connection);
         m_edits = std::make_unique<PendingEdits>();
         m_cache = std::make_unique<RelationshipCache>(m_schema, *m_reader, *m_edits);

@@ -149,8 +149,8 @@ Result<void> RecordDeleter::deleteRows(Transaction &transaction, const DeletionP
     return m.rows.deleteRows(transaction, entity, plan.keys(entity));
 }
 
-/// The deletion is certain now, so the hooks can be called: they still find the records as they
-/// were.
+/// The deletion is certain now, so the hooks can be called: the values can still be read, and what
+/// a hook deletes itself is undone before this, so that its links lead somewhere again.
 void RecordDeleter::finish(Deletion &deletion)
 {
     if (m.history)

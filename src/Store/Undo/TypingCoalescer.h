@@ -7,12 +7,12 @@
 
 namespace tembra {
 
-/// Tells which edits of a text belong together as one piece of typing: characters typed (or
-/// deleted) one after the other at one place without a pause, up to the next word or line.
+/// Decides which edits of a text coalesce into one undo step: characters typed (or deleted) one
+/// after the other at one place without a pause, up to the next word or line.
 class TypingCoalescer
 {
 public:
-    /// Takes the edit in. True when it belongs to the piece so far, false when it starts a new one.
+    /// Takes the next edit. True when it belongs to the step so far, false when it starts a new one.
     bool extend(ObjectID id, int property, const QString &before, const QString &after, Date now);
     void end() { m_kind = Kind::None; }
 
