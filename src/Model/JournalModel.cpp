@@ -31,8 +31,7 @@ EntityDescription counterpartEntity(const JournalServices &services)
     EntityDescription entity = entityOf<Counterpart>("counterpart", services);
     entity.toManys = {{.name = "sessions",
                        .destinationName = Session::entityName(),
-                       .inverseName = "counterpart",
-                       .deleteRule = DeleteRule::Cascade}};
+                       .inverseName = "counterpart"}};
     return entity;
 }
 
@@ -54,8 +53,7 @@ EntityDescription sessionEntity(const JournalServices &services)
     entity.toOnes = {{"counterpart", Counterpart::entityName(), "sessions"}};
     entity.toManys = {{.name = "notes",
                        .destinationName = Note::entityName(),
-                       .inverseName = "session",
-                       .deleteRule = DeleteRule::Cascade},
+                       .inverseName = "session"},
                       {.name = "tags",
                        .destinationName = Tag::entityName(),
                        .inverseName = "sessions",

@@ -62,20 +62,18 @@ ObjectModel queryModel()
     counterpart.attributes = {{"name", AttributeType::Text},
                               {"email", AttributeType::Text},
                               {"lastUpdate", AttributeType::Date}};
-    counterpart.toManys = {{"sessions", "Session", "counterpart", DeleteRule::Cascade}};
+    counterpart.toManys = {{"sessions", "Session", "counterpart"}};
     EntityDescription tag{"Tag", "tag", {}, {}, {}, {}};
     tag.attributes = {{"name", AttributeType::Text},
                       {"emoji", AttributeType::Text},
                       {"lastUse", AttributeType::Date}};
-    tag.toManys = {
-        {"sessions", "Session", "tags", DeleteRule::Nullify, "session_tag", "tag", "session"}};
+    tag.toManys = {{"sessions", "Session", "tags", "session_tag", "tag", "session"}};
     EntityDescription session{"Session", "session",
                               {},        {{"counterpart", "Counterpart", "sessions"}},
                               {},        {}};
     session.attributes = {{"date", AttributeType::Date}, {"flag", AttributeType::Integer16}};
-    session.toManys = {{"notes", "Note", "session", DeleteRule::Cascade},
-                       {"tags", "Tag", "sessions", DeleteRule::Nullify, "session_tag", "session",
-                        "tag"}};
+    session.toManys = {{"notes", "Note", "session"},
+                       {"tags", "Tag", "sessions", "session_tag", "session", "tag"}};
     EntityDescription note{"Note", "note", {}, {{"session", "Session", "notes"}}, {}, {}};
     note.attributes = {{"identifier", AttributeType::Integer16},
                        {"contentString", AttributeType::Text}};

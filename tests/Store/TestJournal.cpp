@@ -97,16 +97,14 @@ ObjectModel testModel()
 {
     EntityDescription owner{"Owner", "owner", {{"name", AttributeType::Text}},
                             {},      {},      maker<Owner>()};
-    owner.toManys = {{"items", "Item", "owner", DeleteRule::Cascade}};
+    owner.toManys = {{"items", "Item", "owner"}};
     EntityDescription label{"Label", "label", {{"name", AttributeType::Text}},
                             {},      {},      maker<Label>()};
-    label.toManys = {
-        {"items", "Item", "labels", DeleteRule::Nullify, "item_label", "label", "item"}};
+    label.toManys = {{"items", "Item", "labels", "item_label", "label", "item"}};
     EntityDescription item{"Item", "item", {}, {{"owner", "Owner", "items"}}, {}, maker<Item>()};
     item.attributes = {{"date", AttributeType::Date}, {"flag", AttributeType::Integer16}};
-    item.toManys = {{"parts", "Part", "item", DeleteRule::Cascade},
-                    {"labels", "Label", "items", DeleteRule::Nullify, "item_label", "item",
-                     "label"}};
+    item.toManys = {{"parts", "Part", "item"},
+                    {"labels", "Label", "items", "item_label", "item", "label"}};
     EntityDescription part{"Part", "part", {}, {{"item", "Item", "parts"}}, {}, maker<Part>()};
     part.attributes = {{"number", AttributeType::Integer16}, {"content", AttributeType::Text}};
     return {{owner, label, item, part}, testMigrations()};

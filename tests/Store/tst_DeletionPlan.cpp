@@ -75,8 +75,7 @@ private:
         return *DeletionPlan::cascadingFrom(roots, m_schema, reader);
     }
 
-    const ObjectModel m_model = testModel();
-    const StoreSchema m_schema{m_model};
+    const ObjectModel m_schema = testModel();
     std::unique_ptr<TestStore> m_store;
     std::shared_ptr<Owner> m_owner;
     std::shared_ptr<Label> m_label;

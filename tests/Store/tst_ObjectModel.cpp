@@ -38,10 +38,7 @@ EntityDescription shelfEntity()
     return {.name = "Shelf",
             .table = "shelf",
             .attributes = {{"name", AttributeType::Text}, {"height", AttributeType::Integer16}},
-            .toManys = {{.name = "books",
-                         .destinationName = "Book",
-                         .inverseName = "shelf",
-                         .deleteRule = DeleteRule::Cascade}},
+            .toManys = {{.name = "books", .destinationName = "Book", .inverseName = "shelf"}},
             .metaObject = &Shelf::staticMetaObject};
 }
 
@@ -72,7 +69,7 @@ private Q_SLOTS:
     void aPropertyThatTheClassLacksStopsTheProgram();
     void aToOneToALaterEntityStopsTheProgram();
     void aToManyWithoutInverseStopsTheProgram();
-    void aCascadeOverAJoinTableStopsTheProgram();
+    void aJoinTableForAToOneStopsTheProgram();
     void tablesComeFromTheDescription();
     void anAttributeOfALaterVersionIsAColumnMore();
 };
@@ -95,7 +92,6 @@ void tst_ObjectModel::namesAreResolvedWhenItIsBuilt()
     QVERIFY(toShelf);
     QCOMPARE(toShelf->destination, 0);
     QCOMPARE(toShelf->inverse, int(Shelf::booksProperty));
-    QCOMPARE(toShelf->rule, DeleteRule::Cascade);
     QVERIFY(!book.toOne(book.propertyIndex("title")));
     QCOMPARE(shelf.references.size(), size_t(1));
     QCOMPARE(shelf.references.front().entity, 1);
@@ -146,7 +142,7 @@ void tst_ObjectModel::aToManyWithoutInverseStopsTheProgram()
     QVERIFY(stopsProgram([&] { library(shelf); }));
 }
 
-void tst_ObjectModel::aCascadeOverAJoinTableStopsTheProgram()
+void tst_ObjectModel::aJoinTableForAToOneStopsTheProgram()
 {
     EntityDescription shelf = shelfEntity();
     shelf.toManys[0].joinTable = "shelf_book";

@@ -67,9 +67,9 @@ private Q_SLOTS:
 
     void knowsALinkByEitherEnd()
     {
-        const StoreSchema schema(m_store->container->model());
-        const ToManyLink &labels = schema.table(itemEntity).toMany(Item::labelsProperty);
-        const ToManyLink &items = schema.table(labelEntity).toMany(Label::itemsProperty);
+        const ObjectModel &schema = m_store->container->model();
+        const ToManyDescription &labels = schema.entity(itemEntity).toMany(Item::labelsProperty);
+        const ToManyDescription &items = schema.entity(labelEntity).toMany(Label::itemsProperty);
         PendingEdits edits;
         edits.addLink(LinkKey::of(labels, 5, 8), true);
         edits.addLink(LinkKey::of(items, 8, 5), false);

@@ -88,7 +88,7 @@ private Q_SLOTS:
         QVERIFY(!m_cache->isLinked(label, labelled(), m_item->objectID()));
         QCOMPARE(*m_cache->keys(label, labelled()), Keys{other.key});
         // From the other end, too.
-        const ToManyLink &labels = m_schema.table(itemEntity).toMany(Item::labelsProperty);
+        const ToManyDescription &labels = m_schema.entity(itemEntity).toMany(Item::labelsProperty);
         QCOMPARE(*m_cache->keys(other, labels), Keys{label.key});
         QVERIFY(m_cache->keys(m_item->objectID(), labels)->empty());
     }
@@ -118,13 +118,13 @@ private Q_SLOTS:
     }
 
 private:
-    const ToManyLink &items() const
+    const ToManyDescription &items() const
     {
-        return m_schema.table(ownerEntity).toMany(Owner::itemsProperty);
+        return m_schema.entity(ownerEntity).toMany(Owner::itemsProperty);
     }
-    const ToManyLink &labelled() const
+    const ToManyDescription &labelled() const
     {
-        return m_schema.table(labelEntity).toMany(Label::itemsProperty);
+        return m_schema.entity(labelEntity).toMany(Label::itemsProperty);
     }
     static Keys keysOf(const std::vector<ObjectID> &ids)
     {
@@ -134,8 +134,7 @@ private:
         return keys;
     }
 
-    const ObjectModel m_model = testModel();
-    const StoreSchema m_schema{m_model};
+    const ObjectModel m_schema = testModel();
     std::unique_ptr<TestStore> m_store;
     std::shared_ptr<Owner> m_ann;
     std::shared_ptr<Owner> m_bea;

@@ -48,11 +48,9 @@ struct ObjectChange
     QVarLengthArray<ToOneChange, 1> toOnes;
 };
 
-/// The change of a record with these values (none when they are not known) that came or went.
-ObjectChange insertionOf(ObjectID id, const std::vector<Value> &values,
-                         const EntityDescription &table);
+/// The deletion of a record with these values; none when they are not known.
 ObjectChange deletionOf(ObjectID id, const std::vector<Value> &values,
-                        const EntityDescription &table);
+                        const EntityDescription &entity);
 
 /// Everything that changed in one turn of the event loop (or in one save): the only source that
 /// live results, undo, models and derived texts learn from. A record is in one list at most.

@@ -126,8 +126,6 @@ void ObjectModel::resolveToOnes(int index)
         EntityDescription &destination = m_entities[toOne.destination];
         toOne.inverse = toOne.inverseName.isEmpty() ? -1
                                                     : destination.propertyIndex(toOne.inverseName);
-        toOne.rule = toOne.inverse < 0 ? DeleteRule::Nullify
-                                       : destination.toMany(toOne.inverse).deleteRule;
         destination.references.push_back(toOne);
     }
 }
@@ -141,11 +139,12 @@ void ObjectModel::resolveToManys(int index)
         toMany.property = entity.propertyIndex(toMany.name);
         toMany.destination = entityIndex(toMany.destinationName);
         requireOf(toMany.destination >= 0, subject, "a to-many has a destination");
-        toMany.inverse = m_entities.at(toMany.destination).propertyIndex(toMany.inverseName);
+        const EntityDescription &destination = m_entities.at(toMany.destination);
+        toMany.inverse = destination.propertyIndex(toMany.inverseName);
         requireOf(toMany.inverse >= 0, subject, "a to-many has an inverse");
         toMany.joined = !toMany.joinTable.isEmpty();
-        requireOf(!toMany.joined || toMany.deleteRule == DeleteRule::Nullify, subject,
-                  "only a to-many whose inverse is a to-one cascades");
+        requireOf(toMany.joined == (destination.kindOf(toMany.inverse) == PropertyKind::ToMany),
+                  subject, "a to-many has a join table unless its inverse is a to-one");
         toMany.canonical = index < toMany.destination
                            || (index == toMany.destination && toMany.property <= toMany.inverse);
     }

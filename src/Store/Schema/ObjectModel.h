@@ -23,10 +23,8 @@ struct AttributeDescription
     int sinceVersion = 1; ///< The schema version that added the column.
 };
 
-/// What deleting the owner does to the records a to-many relationship reaches.
-enum class DeleteRule { Nullify, Cascade };
-
-/// A reference to at most one record: a column holding its key.
+/// A reference to at most one record, its owner: a column holding its key. Deleting the owner
+/// deletes the record as well.
 struct ToOneDescription
 {
     QByteArray name;
@@ -38,8 +36,6 @@ struct ToOneDescription
     int property = -1;
     int destination = -1; ///< Entity.
     int inverse = -1; ///< To-many property of the destination; -1 when there is none.
-    /// What deleting the destination does to the record with this column.
-    DeleteRule rule = DeleteRule::Nullify;
 };
 
 /// A reference to any number of records, without order. Its inverse is either a to-one
@@ -49,7 +45,6 @@ struct ToManyDescription
     QByteArray name;
     QByteArray destinationName; ///< Of an entity.
     QByteArray inverseName;
-    DeleteRule deleteRule = DeleteRule::Nullify;
     QByteArray joinTable = {}; ///< Empty when the inverse is a to-one relationship.
     QByteArray ownColumn = {}; ///< Column of the join table that holds the owner's key.
     QByteArray destinationColumn = {}; ///< Column of the join table that holds the other key.
@@ -106,8 +101,8 @@ struct SchemaMigration
 /// when it is built; it does not change afterwards, so any thread may read it.
 ///
 /// Building one stops the program when it breaks what the store relies on: to-ones point to
-/// entities listed earlier, only a to-many whose inverse is a to-one cascades, and the class of an
-/// entity has a Q_PROPERTY for each property and numbers them (`enum Property`, known to Qt by
+/// entities listed earlier, and the class of an entity has a Q_PROPERTY for each property and numbers
+/// them (`enum Property`, known to Qt by
 /// Q_ENUM) by their position. So rows are inserted in the order of the entities, deleted in the
 /// opposite one, and cascades only lead forward.
 class ObjectModel
