@@ -1,11 +1,11 @@
 #include "MainWindow/SaveFailureBanner.h"
 
 #include "Toolkit/Emoji/EmojiLabel.h"
+#include "Toolkit/PlainLabel.h"
 #include "Toolkit/Theme.h"
 
 #include <QAccessible>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPainter>
 #include <QPushButton>
 
@@ -24,9 +24,8 @@ void SaveFailureBanner::buildLayout()
     setObjectName(u"saveFailureBanner"_s);
     const QString message = tr("Changes could not be saved", "Shown as long as saving fails");
     setAccessibleName(message);
-    auto *label = new QLabel(message);
+    auto *label = new PlainLabel(message);
     label->setObjectName(u"saveFailureLabel"_s);
-    label->setTextFormat(Qt::PlainText);
     auto *button = new QPushButton(
         tr("Save again", "Button beside \"Changes could not be saved\""));
     button->setObjectName(u"saveAgainButton"_s);

@@ -2,6 +2,7 @@
 
 #include "Toolkit/Emoji/EmojiLabel.h"
 #include "Toolkit/Icons.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QAccessible>
@@ -81,7 +82,7 @@ QWidget *StatusLine::buildMessage()
     const QString name = tr("Dismiss message",
                             "Button with an icon that takes the message in the status line away");
     m_dismissButton->setAccessibleName(name);
-    m_dismissButton->setToolTip(name);
+    setPlainToolTip(m_dismissButton, name);
     connect(m_dismissButton, &QToolButton::clicked, this, [this] {
         removeMessage();
         Q_EMIT messageDismissed();

@@ -1,13 +1,13 @@
 #include "Tags/BrowserRowDelegate.h"
 
 #include "Toolkit/Emoji/EmojiText.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
-#include <QToolTip>
 
 #include <cmath>
 
@@ -76,8 +76,8 @@ bool BrowserRowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
     const QString text = cellText(index);
     QString tip = toolTipFor(index);
     if (emojiTextSize(text, option.font).width() > textRect(option, index).width())
-        tip = u"<div>"_s + tembra::displayText(text).toHtmlEscaped() + u"</div>"_s;
-    QToolTip::showText(event->globalPos(), tip, view->viewport(), option.rect);
+        tip = text;
+    showPlainToolTip(event->globalPos(), tip, view->viewport(), option.rect);
     return true;
 }
 

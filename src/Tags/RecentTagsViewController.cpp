@@ -1,16 +1,17 @@
 #include "Tags/RecentTagsViewController.h"
 
 #include "Foundation/Logging.h"
+#include "Foundation/Text/Abbreviation.h"
 #include "Model/JournalQueries.h"
 #include "Store/Results/FetchedResultsController.h"
 #include "Tags/RecentTagDelegate.h"
 #include "Tags/TagShortcutMonitor.h"
 #include "Toolkit/List/ArrayController.h"
+#include "Toolkit/PlainLabel.h"
 #include "Toolkit/Theme.h"
 
 #include <QGuiApplication>
 #include <QItemSelectionModel>
-#include <QLabel>
 #include <QListView>
 #include <QVBoxLayout>
 
@@ -62,7 +63,8 @@ void RecentTagsViewController::buildLayout()
     tableView->setFixedWidth(listWidth);
     tableView->viewport()->setAutoFillBackground(false);
     tagsArrayController->bindSelection(tableView->selectionModel());
-    auto *legend = new QLabel(tr("⌥⌘ is Alt+Ctrl here", "Says which keys a shortcut stands for"));
+    auto *legend = new PlainLabel(
+        tr("⌥⌘ is Alt+Ctrl here", "Says which keys a shortcut stands for"));
     legend->setObjectName(u"shortcutLegend"_s);
     legend->setFont(theme::secondaryFont(font()));
     QPalette dim = palette();
@@ -125,7 +127,7 @@ void RecentTagsViewController::rebuildRows()
     for (const std::shared_ptr<ManagedObject> &object : std::as_const(m_tags)) {
         const auto tag = std::static_pointer_cast<Tag>(object);
         const auto row = std::make_shared<TagListViewModel>();
-        row->setTitle(tag->titleString());
+        row->setTitle(singleLine(tag->titleString()));
         row->setTag(tag);
         row->setShortcut(u"⌥⌘"_s + QString::number(m_tagListModels.size() + 1));
         row->setEnabled(!carries(m_selectedSession, tag));

@@ -1,5 +1,6 @@
 #include "Tags/SessionViewModel.h"
 
+#include "Foundation/Text/Abbreviation.h"
 #include "Model/Counterpart.h"
 #include "Model/Tag.h"
 
@@ -13,14 +14,15 @@ namespace {
 
 QString titleOf(const Session &session, const Counterpart *counterpart)
 {
-    return (counterpart ? counterpart->name() : QString()) + u' ' + session.emojiSummary();
+    return (counterpart ? singleLine(counterpart->name()) : QString()) + u' '
+           + session.emojiSummary();
 }
 
 QString titlesOfTags(const Session &session)
 {
     QStringList titles;
     for (const std::shared_ptr<Tag> &tag : session.sortedTags())
-        titles.append(tag->titleString());
+        titles.append(singleLine(tag->titleString()));
     return titles.join(u", "_s);
 }
 

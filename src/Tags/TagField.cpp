@@ -1,6 +1,7 @@
 #include "Tags/TagField.h"
 
 #include "Foundation/Logging.h"
+#include "Foundation/Text/Abbreviation.h"
 #include "Foundation/Time/Clock.h"
 #include "Model/TagPasteboard.h"
 #include "Store/Objects/ManagedObjectContext.h"
@@ -125,7 +126,7 @@ TagField::Object TagField::representedObjectForEditingString(const QString &edit
 
 QString TagField::displayStringForRepresentedObject(const Object &object) const
 {
-    return titleOf(object);
+    return singleLine(titleOf(object));
 }
 
 QString TagField::editingStringForRepresentedObject(const Object &object) const

@@ -2,6 +2,7 @@
 
 #include "Bindings/RecordDeletion.h"
 #include "Foundation/Logging.h"
+#include "Foundation/Text/Abbreviation.h"
 #include "Preferences/InputControls/CoachingMarkViewController.h"
 #include "Preferences/InputControls/DynamicTextField.h"
 #include "Preferences/InputControls/PopoverSourceButton.h"
@@ -14,13 +15,14 @@
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
+#include "Toolkit/PlainLabel.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QLabel>
 #include <QMenu>
 #include <QShortcut>
 #include <QSplitter>
@@ -125,9 +127,8 @@ QWidget *TagWindowController::buildTags()
 
 QWidget *TagWindowController::buildTagsHeader()
 {
-    auto *title = new QLabel(tr("Tags", "Title of the tag browser"));
+    auto *title = new PlainLabel(tr("Tags", "Title of the tag browser"));
     title->setObjectName(u"tagsTitle"_s);
-    title->setTextFormat(Qt::PlainText);
     title->setFont(theme::titleFont(font()));
     m_deleteButton = new QToolButton;
     m_deleteButton->setObjectName(u"deleteTagsButton"_s);
@@ -135,7 +136,7 @@ QWidget *TagWindowController::buildTagsHeader()
     m_deleteButton->setAutoRaise(true);
     m_deleteButton->setFocusPolicy(Qt::TabFocus);
     const QString name = tr("Delete the selected tags", "Tooltip and accessible name");
-    m_deleteButton->setToolTip(name);
+    setPlainToolTip(m_deleteButton, name);
     m_deleteButton->setAccessibleName(name);
     connect(m_deleteButton, &QToolButton::clicked, this, &TagWindowController::handleDelete);
     auto *header = new QWidget;
@@ -196,7 +197,7 @@ QWidget *TagWindowController::buildMeetingsHeader()
     helpButton->setIcon(icons::icon(icons::Name::Help));
     helpButton->setFlat(true);
     helpButton->setFocusPolicy(Qt::TabFocus);
-    helpButton->setToolTip(tr("What are tags for?", "Tooltip of the help button"));
+    setPlainToolTip(helpButton, tr("What are tags for?", "Tooltip of the help button"));
     helpButton->setAccessibleName(tr("Explain tags", "Accessible name of the help button"));
     connect(helpButton, &QAbstractButton::clicked, this, &TagWindowController::handleHelp);
     auto *header = new QWidget;
@@ -376,12 +377,12 @@ void TagWindowController::rebuildSessions()
     }
     m_sessions = sessions;
     setProperty("sessionViewModels", QVariant::fromValue(rows));
-    promptLabel->setText(QString::number(rows.size()) + u' '
-                         + tr("tagged", "As in: 3 tagged: Goal (…)") + u": "_s
-                         + (m_selectedTag ? m_selectedTag->titleString() : QString()) + u" ("_s
-                         + tr("double-click a session for more detail",
-                              "Hint above the meetings of a tag, in parentheses")
-                         + u')');
+    promptLabel->setText(
+        QString::number(rows.size()) + u' ' + tr("tagged", "As in: 3 tagged: Goal (…)") + u": "_s
+        + (m_selectedTag ? singleLine(m_selectedTag->titleString()) : QString()) + u" ("_s
+        + tr("double-click a session for more detail",
+             "Hint above the meetings of a tag, in parentheses")
+        + u')');
     updateVisiblePages();
 }
 

@@ -1,5 +1,6 @@
 #include "Tags/TagsArrayController.h"
 
+#include "Foundation/Text/Abbreviation.h"
 #include "Model/Tag.h"
 
 #include <algorithm>
@@ -40,9 +41,9 @@ QVariant TagsArrayController::data(const QModelIndex &index, int role) const
         return ArrayController::data(index, role);
     const std::shared_ptr<Tag> tag = tagAt(index.row());
     if (index.column() == NameColumn)
-        return tag->name().isEmpty() ? unnamedTitle() : tag->name();
+        return tag->name().isEmpty() ? unnamedTitle() : singleLine(tag->name());
     return tag->emoji().isEmpty() ? tr("No emoji", "Accessible text of a tag's missing emoji")
-                                  : tag->emoji();
+                                  : singleLine(tag->emoji());
 }
 
 } // namespace tembra

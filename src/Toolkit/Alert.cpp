@@ -3,11 +3,11 @@
 #include "Foundation/Precondition.h"
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/Icons.h"
+#include "Toolkit/PlainLabel.h"
 #include "Toolkit/Theme.h"
 
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QStyle>
@@ -36,9 +36,8 @@ icons::AlertIcon iconOf(AlertContents::Style style)
 
 QLabel *textLabel(const QString &text, const QString &objectName, const QFont &font)
 {
-    auto *label = new QLabel(displayText(text));
+    auto *label = new PlainLabel(displayText(text));
     label->setObjectName(objectName);
-    label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setFont(hasEmoji(text) ? emojiSafeFont(font) : font);
     // Wrapped labels ask for a narrow column by themselves; this is the measure of the whole box.
@@ -92,7 +91,7 @@ Alert::Alert(const AlertContents &contents, QWidget *parent)
 
 void Alert::buildLayout(const AlertContents &contents)
 {
-    auto *icon = new QLabel;
+    auto *icon = new PlainLabel;
     const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
     icon->setPixmap(
         icons::alert(iconOf(contents.style)).pixmap(QSize(size, size), devicePixelRatioF()));

@@ -1,9 +1,9 @@
 #include "Toolkit/EmptyState.h"
 
+#include "Toolkit/PlainLabel.h"
 #include "Toolkit/Theme.h"
 
 #include <QEvent>
-#include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -17,9 +17,8 @@ constexpr int sentenceWidth = 300;
 
 QLabel *centredLabel(const QString &objectName, const QString &text)
 {
-    auto *label = new QLabel(text);
+    auto *label = new PlainLabel(text);
     label->setObjectName(objectName);
-    label->setTextFormat(Qt::PlainText);
     label->setAlignment(Qt::AlignCenter);
     label->setWordWrap(true);
     return label;

@@ -5,12 +5,12 @@
 #include "Preferences/InputControls/RowNameEditor.h"
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/List/ArrayController.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -217,12 +217,8 @@ bool CounterpartRowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *vie
     const bool cutShort = isCutShort(row.title, layout.nameFont, layout.name)
                           || isCutShort(row.meetingLine, layout.meetingFont, layout.meeting)
                           || isCutShort(row.tagEmoji, layout.nameFont, layout.tagEmoji);
-    QString text;
-    if (cutShort) {
-        for (const QString &line : {row.title, row.meetingLine, row.tagEmoji})
-            text += u"<div>"_s + tembra::displayText(line).toHtmlEscaped() + u"</div>"_s;
-    }
-    QToolTip::showText(event->globalPos(), text, view->viewport(), option.rect);
+    const QString text = cutShort ? row.toolTip() : QString();
+    showPlainToolTip(event->globalPos(), text, view->viewport(), option.rect);
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "MainWindow/Counterparts/CounterpartRowViewModel.h"
 
+#include "Foundation/Text/Abbreviation.h"
 #include "Model/Counterpart.h"
 
 namespace tembra {
@@ -7,7 +8,7 @@ namespace tembra {
 using namespace Qt::StringLiterals;
 
 CounterpartRowViewModel::CounterpartRowViewModel(const Counterpart &counterpart)
-    : title(counterpart.name())
+    : title(singleLine(counterpart.name()))
     , isUnnamed(title.isEmpty())
     , meetingLine(counterpart.recentSessionSummary())
     , tagEmoji(counterpart.recentSessionTagSummary())
@@ -25,6 +26,14 @@ QString CounterpartRowViewModel::unnamedTitle()
 QString CounterpartRowViewModel::accessibleText() const
 {
     return title + u", "_s + meetingLine;
+}
+
+QString CounterpartRowViewModel::toolTip() const
+{
+    QStringList lines{title, meetingLine};
+    if (!tagEmoji.isEmpty())
+        lines.append(abbreviated(tagEmoji));
+    return lines.join(u'\n');
 }
 
 } // namespace tembra

@@ -26,6 +26,8 @@ public:
 
     /// The whole row in one line, for assistive technology.
     QString accessibleText() const;
+    /// Several lines: what the row shows.
+    QString toolTip() const;
 };
 
 } // namespace tembra

@@ -15,12 +15,13 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
+#include "Toolkit/PlainLabel.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 #include <QShortcut>
 #include <QStackedWidget>
@@ -48,7 +49,7 @@ QToolButton *segment(icons::Name icon, const QString &name, const QString &objec
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::TabFocus);
     button->setAccessibleName(name);
-    button->setToolTip(name);
+    setPlainToolTip(button, name);
     return button;
 }
 
@@ -96,9 +97,8 @@ void CounterpartsPaneViewController::buildLayout()
 
 QWidget *CounterpartsPaneViewController::buildHeader()
 {
-    auto *title = new QLabel(tr("Teammates", "Title of the list of teammates"));
+    auto *title = new PlainLabel(tr("Teammates", "Title of the list of teammates"));
     title->setObjectName(u"teammatesTitle"_s);
-    title->setTextFormat(Qt::PlainText);
     title->setFont(theme::titleFont(font()));
     auto *header = new QWidget;
     auto *layout = new QHBoxLayout(header);
@@ -154,7 +154,7 @@ QWidget *CounterpartsPaneViewController::buildFooter()
 {
     auto *tags = new QPushButton(tr("Tags", "Button: opens the window of all tags"));
     tags->setObjectName(u"tagsButton"_s);
-    tags->setToolTip(tr("Show all tags and the meetings that carry them"));
+    setPlainToolTip(tags, tr("Show all tags and the meetings that carry them"));
     tags->setFocusPolicy(Qt::TabFocus);
     connect(tags, &QPushButton::clicked, this, &CounterpartsPaneViewController::handleTagsButton);
     auto *footer = new QWidget;

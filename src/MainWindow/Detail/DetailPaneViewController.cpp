@@ -3,6 +3,7 @@
 #include "Bindings/RecordDeletion.h"
 #include "Foundation/Logging.h"
 #include "Foundation/Precondition.h"
+#include "Foundation/Text/Abbreviation.h"
 #include "Foundation/Time/Clock.h"
 #include "MainWindow/Detail/SessionTimelineModel.h"
 #include "MainWindow/Detail/SummaryCollectionView.h"
@@ -19,6 +20,7 @@
 #include "Toolkit/Icons.h"
 #include "Toolkit/List/ArrayController.h"
 #include "Toolkit/List/PropertyObservation.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QAction>
@@ -168,7 +170,7 @@ QWidget *DetailPaneViewController::buildStripRow()
     m_deleteButton->setObjectName(u"deleteButton"_s);
     m_deleteButton->setText(tr("Delete…", "Button: asks, then deletes the selected meeting"));
     m_deleteButton->setIcon(icons::icon(icons::Name::Remove));
-    m_deleteButton->setToolTip(tr("Delete the selected meeting"));
+    setPlainToolTip(m_deleteButton, tr("Delete the selected meeting"));
     summaryCollectionView->setObjectName(u"summaryCollectionView"_s);
     summaryCollectionView->setAccessibleName(tr("Meetings"));
     auto *buttons = new QVBoxLayout(m_stripButtons);
@@ -246,7 +248,8 @@ void DetailPaneViewController::focusSearchField()
 
 void DetailPaneViewController::refreshLabels()
 {
-    const QString name = m_selectedCounterpart ? m_selectedCounterpart->name() : QString();
+    const QString name = m_selectedCounterpart ? singleLine(m_selectedCounterpart->name())
+                                               : QString();
     const int days = m_selectedCounterpart ? m_selectedCounterpart->daysSinceLastSession() : -1;
     m_nameLabel->setText(name.isEmpty() ? tr("Unnamed teammate") : name);
     searchField->setPlaceholderText(tr("Search notes for", "Followed by a teammate's name") + u' '

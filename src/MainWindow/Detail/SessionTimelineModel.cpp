@@ -2,6 +2,7 @@
 
 #include "MainWindow/Session/SessionDescription.h"
 #include "Model/Session.h"
+#include "Toolkit/PlainToolTip.h"
 
 namespace tembra {
 
@@ -24,7 +25,7 @@ QVariant SessionTimelineModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return session->sessionSummary();
     case Qt::ToolTipRole:
-        return SessionDescription::toolTip(*session);
+        return plainToolTip(SessionDescription::toolTip(*session));
     default:
         return SessionDescription::accessibleText(*session);
     }

@@ -5,6 +5,7 @@
 #include "Toolkit/Emoji/EmojiComboBox.h"
 #include "Toolkit/Emoji/EmojiItemDelegate.h"
 #include "Toolkit/List/PropertyObservation.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QEvent>
@@ -82,7 +83,7 @@ void RatingMenu::refresh()
     for (const int value : values) {
         const QString label = m_scale.label(value);
         m_popup->addItem(m_scale.emoji(value, m_defaults), label);
-        m_popup->setItemData(value, label, Qt::ToolTipRole);
+        m_popup->setItemData(value, plainToolTip(label), Qt::ToolTipRole);
         m_popup->setItemData(value, label, Qt::AccessibleTextRole);
     }
     m_popup->setCurrentIndex(remembered < m_popup->count() ? remembered : -1);
@@ -107,7 +108,7 @@ void RatingMenu::describe()
 {
     const int index = m_popup->currentIndex();
     const QString label = index < 0 ? QString() : m_scale.label(index);
-    m_popup->setToolTip(label);
+    setPlainToolTip(m_popup, label);
     m_popup->setAccessibleDescription(label);
 }
 

@@ -16,6 +16,8 @@
 #include "Toolkit/Emoji/EmojiLabel.h"
 #include "Toolkit/Icons.h"
 #include "Toolkit/List/PropertyObservation.h"
+#include "Toolkit/PlainLabel.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QGridLayout>
@@ -23,7 +25,6 @@
 #include <QHBoxLayout>
 #include <QInputMethod>
 #include <QItemSelectionModel>
-#include <QLabel>
 #include <QListView>
 #include <QPushButton>
 #include <QScopedValueRollback>
@@ -59,7 +60,7 @@ QPushButton *makeStepButton(const QString &title, const QString &objectName, con
 {
     auto *button = new QPushButton(icons::icon(iconName), title);
     button->setObjectName(objectName);
-    button->setToolTip(hint);
+    setPlainToolTip(button, hint);
     // A click leaves the keyboard in the text, so that typing goes on in the field that comes.
     button->setFocusPolicy(Qt::TabFocus);
     return button;
@@ -80,7 +81,7 @@ SessionDetailViewController::SessionDetailViewController(ManagedObjectContext &c
     , notesArrayController(new NotesArrayController(this))
     , noteInputField(new BindablePlaceholderTextField)
     , lastNoteLabel(new EmojiLabel)
-    , noteTitleLabel(new QLabel)
+    , noteTitleLabel(new PlainLabel)
     , noteExplainerButton(new QToolButton)
     , m_services(services)
     , m_dateField(new SessionDateField(services.clock))
@@ -131,7 +132,7 @@ QWidget *SessionDetailViewController::buildRatings()
 void SessionDetailViewController::addLabelled(QGridLayout *grid, const QString &title,
                                               QWidget *control)
 {
-    auto *label = new QLabel(title);
+    auto *label = new PlainLabel(title);
     label->setFont(theme::secondaryFont(font()));
     label->setBuddy(control);
     const int column = grid->count() == 0 ? 0 : grid->columnCount();
@@ -183,13 +184,12 @@ QWidget *SessionDetailViewController::buildNoteArea()
 QWidget *SessionDetailViewController::buildNoteHeader()
 {
     noteTitleLabel->setObjectName(u"noteTitleLabel"_s);
-    noteTitleLabel->setTextFormat(Qt::PlainText);
     noteTitleLabel->setFont(theme::semiboldFont(font()));
     noteExplainerButton->setObjectName(u"noteExplainerButton"_s);
     noteExplainerButton->setIcon(icons::icon(icons::Name::Help));
     noteExplainerButton->setAutoRaise(true);
     noteExplainerButton->setFocusPolicy(Qt::TabFocus);
-    noteExplainerButton->setToolTip(tr("What belongs into this field?"));
+    setPlainToolTip(noteExplainerButton, tr("What belongs into this field?"));
     noteExplainerButton->setAccessibleName(tr("Explain this field"));
     lastNoteLabel->setObjectName(u"lastNoteLabel"_s);
     lastNoteLabel->setSecondary(true);

@@ -1,5 +1,6 @@
 #include "MainWindow/Session/SessionWindowController.h"
 
+#include "Foundation/Text/Abbreviation.h"
 #include "MainWindow/Session/SessionDetailViewController.h"
 #include "Model/Counterpart.h"
 #include "Toolkit/Emoji/EmojiText.h"
@@ -73,7 +74,7 @@ void SessionWindowController::updateTitle()
 {
     QStringList parts;
     for (const QString &part :
-         {m_counterpart ? m_counterpart->name() : QString(), m_session->dateText()}) {
+         {m_counterpart ? singleLine(m_counterpart->name()) : QString(), m_session->dateText()}) {
         if (!part.isEmpty())
             parts.append(part);
     }

@@ -1,9 +1,9 @@
 #include "Preferences/InputControls/CoachingMarkViewController.h"
 
+#include "Toolkit/PlainLabel.h"
 #include "Toolkit/Popover.h"
 #include "Toolkit/Theme.h"
 
-#include <QLabel>
 #include <QVBoxLayout>
 
 namespace tembra {
@@ -18,7 +18,7 @@ constexpr int textWidth = 280;
 
 CoachingMarkViewController::CoachingMarkViewController(QWidget *parent)
     : QWidget(parent)
-    , label(new QLabel(this))
+    , label(new PlainLabel({}, this))
 {
     buildLayout();
 }
@@ -26,7 +26,6 @@ CoachingMarkViewController::CoachingMarkViewController(QWidget *parent)
 void CoachingMarkViewController::buildLayout()
 {
     label->setObjectName(u"label"_s);
-    label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setFixedWidth(textWidth);
     auto *layout = new QVBoxLayout(this);

@@ -3,6 +3,7 @@
 #include "Preferences/InputControls/OnlyEmojiValueFormatter.h"
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/FieldEvents.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QApplication>
@@ -10,7 +11,6 @@
 #include <QScopedValueRollback>
 #include <QStyleOptionFrame>
 #include <QStylePainter>
-#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -107,10 +107,10 @@ void EmojiTextField::orderFrontCharacterPalette()
 void EmojiTextField::insertFromPalette(const QString &emoji)
 {
     if (!OnlyEmojiValueFormatter::isPartialStringValid(emoji)) {
-        QToolTip::showText(mapToGlobal(rect().bottomLeft()),
-                           tr("This one counts as a letter or a number.",
-                              "Why a character was not taken into a field for emoji"),
-                           this);
+        showPlainToolTip(mapToGlobal(rect().bottomLeft()),
+                         tr("This one counts as a letter or a number.",
+                            "Why a character was not taken into a field for emoji"),
+                         this);
         return;
     }
     m_editing = true;

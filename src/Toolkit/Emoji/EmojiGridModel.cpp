@@ -2,6 +2,7 @@
 
 #include "Toolkit/Emoji/EmojiCatalogue.h"
 #include "Toolkit/Emoji/EmojiText.h"
+#include "Toolkit/PlainToolTip.h"
 
 #include <algorithm>
 
@@ -144,6 +145,7 @@ QVariant EmojiGridModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return displayText(emoji->text);
     case Qt::ToolTipRole:
+        return plainToolTip(emoji->name);
     case Qt::AccessibleTextRole:
         return emoji->name;
     case EmojiRole:

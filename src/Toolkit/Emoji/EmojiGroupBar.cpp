@@ -1,6 +1,7 @@
 #include "Toolkit/Emoji/EmojiGroupBar.h"
 
 #include "Toolkit/Emoji/EmojiText.h"
+#include "Toolkit/PlainToolTip.h"
 
 #include <QButtonGroup>
 #include <QHBoxLayout>
@@ -31,7 +32,7 @@ void EmojiGroupBar::addGroup(const QString &emoji, const QString &title)
     button->setAutoRaise(true);
     button->setFont(emojiFont(font()));
     button->setText(displayText(emoji));
-    button->setToolTip(title);
+    setPlainToolTip(button, title);
     button->setAccessibleName(title);
     button->setFocusPolicy(group == 0 ? Qt::TabFocus : Qt::NoFocus);
     button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);

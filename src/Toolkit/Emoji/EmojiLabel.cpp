@@ -1,11 +1,11 @@
 #include "Toolkit/Emoji/EmojiLabel.h"
 
 #include "Toolkit/Emoji/EmojiText.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 
 #include <cmath>
 
@@ -45,8 +45,7 @@ bool EmojiLabel::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
         if (isElided())
-            QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), displayText(text()),
-                               this);
+            showPlainToolTip(static_cast<QHelpEvent *>(event)->globalPos(), text(), this);
         else
             event->ignore();
         return true;

@@ -1,5 +1,6 @@
 #include "Toolkit/Emoji/EmojiText.h"
 
+#include "Foundation/Text/Abbreviation.h"
 #include "Foundation/Text/EmojiSegmentation.h"
 
 #include <QCache>
@@ -27,16 +28,10 @@ constexpr QChar ellipsis(u'…');
 constexpr double emojiScale = 1.2;
 constexpr int cachedSizes = 1000;
 
-/// The text as one line: without variation selectors, blanks for line breaks.
-QString singleLine(const QString &text)
+/// As much of the text as one line shows, without variation selectors.
+QString shownLine(const QString &text)
 {
-    QString line = displayText(text);
-    for (QChar &character : line) {
-        if (character == u'\n' || character == u'\r' || character == QChar::LineSeparator
-            || character == QChar::ParagraphSeparator)
-            character = u' ';
-    }
-    return line;
+    return displayText(singleLine(text));
 }
 
 QList<QTextLayout::FormatRange> emojiFormats(const QString &text, const QFont &font)
@@ -227,11 +222,12 @@ bool hasEmoji(const QString &text)
 QSizeF emojiTextSize(const QString &text, const QFont &font)
 {
     static QCache<QString, QSizeF> sizes(cachedSizes);
-    const QString key = QString(font.key() + u'|' + text);
+    const QString shown = shownLine(text);
+    const QString key = QString(font.key() + u'|' + shown);
     if (const QSizeF *size = sizes.object(key))
         return *size;
     const QFontMetricsF metrics(font);
-    const EmojiLine line(singleLine(text), font);
+    const EmojiLine line(shown, font);
     const QSizeF size(line.width(), std::max(line.height(), metrics.height()));
     sizes.insert(key, new QSizeF(size));
     return size;
@@ -240,7 +236,7 @@ QSizeF emojiTextSize(const QString &text, const QFont &font)
 void drawEmojiText(QPainter *painter, const QRectF &rect, const QString &text, const QFont &font,
                    const QColor &color, Qt::Alignment alignment, bool elide)
 {
-    const QString line = singleLine(text);
+    const QString line = shownLine(text);
     const Qt::Alignment placing = QStyle::visualAlignment(painter->layoutDirection(), alignment);
     const QFontMetricsF metrics(font);
     painter->save();

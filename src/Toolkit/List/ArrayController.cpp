@@ -1,6 +1,7 @@
 #include "Toolkit/List/ArrayController.h"
 
 #include "Foundation/Precondition.h"
+#include "Foundation/Text/Abbreviation.h"
 #include "Toolkit/List/ObjectSorting.h"
 #include "Toolkit/List/PropertyObservation.h"
 
@@ -275,6 +276,8 @@ QVariant ArrayController::data(const QModelIndex &index, int role) const
         return QVariant::fromValue(object);
     if (role == Qt::DisplayRole || role == Qt::EditRole)
         return propertyOf(*object, m_columns.at(index.column())).read(object);
+    if (role == Qt::AccessibleTextRole)
+        return singleLine(data(index, Qt::DisplayRole).toString());
     return {};
 }
 

@@ -6,6 +6,8 @@
 #include "Toolkit/Package/PackageIconProvider.h"
 #include "Toolkit/Package/PackageListModel.h"
 #include "Toolkit/Package/ResolvedPackagePath.h"
+#include "Toolkit/PlainLabel.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QAccessible>
@@ -18,7 +20,6 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QLocale>
@@ -299,6 +300,8 @@ void PackageDialog::setUpModel()
     setProxyModel(m_files);
     m_list->setItemDelegate(new NarrowDelegate(m_list));
     m_list->setTextElideMode(Qt::ElideMiddle);
+    // Its tooltips are paths of folders.
+    showPlainToolTipsIn(partOf<QListView>(this, u"sidebar"_s));
     setUpColumns();
 }
 
@@ -319,9 +322,8 @@ void PackageDialog::setUpColumns()
 
 void PackageDialog::setUpMessage()
 {
-    m_message = new QLabel;
+    m_message = new PlainLabel;
     m_message->setObjectName(u"packageMessage"_s);
-    m_message->setTextFormat(Qt::PlainText);
     m_message->setWordWrap(true);
     m_messageRow = new QWidget;
     m_messageRow->hide();

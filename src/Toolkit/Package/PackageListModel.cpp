@@ -1,5 +1,7 @@
 #include "Toolkit/Package/PackageListModel.h"
 
+#include "Toolkit/PlainToolTip.h"
+
 #include <QDateTime>
 #include <QFileSystemModel>
 
@@ -55,8 +57,9 @@ bool PackageListModel::canFetchMore(const QModelIndex &parent) const
 QVariant PackageListModel::data(const QModelIndex &index, int role) const
 {
     // Long names are elided.
-    const bool isToolTip = role == Qt::ToolTipRole && index.column() == 0;
-    return QSortFilterProxyModel::data(index, isToolTip ? int(Qt::DisplayRole) : role);
+    if (role == Qt::ToolTipRole && index.column() == 0)
+        return plainToolTip(QSortFilterProxyModel::data(index).toString());
+    return QSortFilterProxyModel::data(index, role);
 }
 
 Qt::ItemFlags PackageListModel::flags(const QModelIndex &index) const

@@ -1,17 +1,13 @@
 #include "Toolkit/Token/TokenCompletion.h"
 
+#include "Foundation/Text/Abbreviation.h"
+
 #include <QKeyEvent>
 
 #include <algorithm>
 #include <utility>
 
 namespace tembra {
-
-namespace {
-
-constexpr qsizetype shownEntryCharacters = 300;
-
-} // namespace
 
 void TokenCompletion::offer(const QStringList &entries, int textStart)
 {
@@ -112,7 +108,7 @@ QVariant TokenCompletion::data(const QModelIndex &index, int role) const
         return {};
     if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)
         return {};
-    return m_entries.at(index.row()).left(shownEntryCharacters);
+    return singleLine(m_entries.at(index.row()));
 }
 
 } // namespace tembra

@@ -1,14 +1,13 @@
 #include "Toolkit/Token/TokenCompletionDelegate.h"
 
 #include "Toolkit/Emoji/EmojiText.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 
 #include <QAbstractItemView>
 #include <QFontMetricsF>
 #include <QHelpEvent>
 #include <QPainter>
-#include <QTextDocument>
-#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -71,9 +70,7 @@ bool TokenCompletionDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *vi
     const QString text = index.data().toString();
     if (emojiTextSize(text, option.font).width() <= textRect(option).width())
         return false;
-    const QString shown = tembra::displayText(text);
-    QToolTip::showText(event->globalPos(),
-                       Qt::mightBeRichText(shown) ? Qt::convertFromPlainText(shown) : shown, view);
+    showPlainToolTip(event->globalPos(), text, view);
     return true;
 }
 

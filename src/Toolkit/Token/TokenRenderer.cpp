@@ -1,5 +1,6 @@
 #include "Toolkit/Token/TokenRenderer.h"
 
+#include "Foundation/Text/Abbreviation.h"
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/Theme.h"
 #include "Toolkit/Token/TokenText.h"
@@ -55,7 +56,7 @@ QRectF titleIn(const QRectF &cell)
 
 QString shownTitle(const QString &title)
 {
-    return title.size() > shownCharacters ? QString(title.left(shownCharacters) + u'…') : title;
+    return abbreviated(title, shownCharacters);
 }
 
 } // namespace

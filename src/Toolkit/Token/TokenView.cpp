@@ -2,6 +2,7 @@
 
 #include "Toolkit/Emoji/EmojiHighlighter.h"
 #include "Toolkit/Emoji/EmojiText.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
 #include "Toolkit/Token/TokenRenderer.h"
 
@@ -16,7 +17,6 @@
 #include <QTextFrame>
 #include <QTextLayout>
 #include <QTimer>
-#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -300,10 +300,7 @@ bool TokenView::showTokenToolTip(const QPoint &point, const QPoint &globalPoint)
     const QString title = m_text->token(m_text->objectAt(position))->title;
     if (!m_renderer->isElided(cell, title))
         return false;
-    const QString text = displayText(title);
-    QToolTip::showText(globalPoint,
-                       Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text,
-                       viewport(), cell.toRect());
+    showPlainToolTip(globalPoint, title, viewport(), cell.toRect());
     return true;
 }
 
