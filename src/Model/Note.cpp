@@ -73,7 +73,11 @@ QString Note::computeLastDateString() const
     }
     if (entries->isEmpty())
         return never;
-    return entries->first()->session()->dateText();
+    const QString date = entries->first()->session()->dateText();
+    // Nothing at all would read as if there were no entry.
+    return date.isEmpty()
+               ? tr("No date", "Value for a previous note entry of a meeting without a date")
+               : date;
 }
 
 QString Note::fullLastDateLabel() const

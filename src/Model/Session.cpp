@@ -30,7 +30,11 @@ QString emojiOnScale(const SentimentScale &scale, qint16 value, const DefaultsMa
 
 bool isEarlierTag(const std::shared_ptr<Tag> &left, const std::shared_ptr<Tag> &right)
 {
-    return Tag::comesBefore(left->name(), left->emoji(), right->name(), right->emoji());
+    if (Tag::comesBefore(left->name(), left->emoji(), right->name(), right->emoji()))
+        return true;
+    if (Tag::comesBefore(right->name(), right->emoji(), left->name(), left->emoji()))
+        return false;
+    return left->objectID().key < right->objectID().key;
 }
 
 /// A note that takes the place of one made with the meeting leaves that one without a meeting, but
@@ -153,7 +157,8 @@ QList<std::shared_ptr<Note>> Session::sortedNotes() const
 {
     QList<std::shared_ptr<Note>> sorted = notes();
     std::stable_sort(sorted.begin(), sorted.end(), [](const auto &left, const auto &right) {
-        return left->identifier() < right->identifier();
+        return std::pair(left->identifier(), left->objectID().key)
+               < std::pair(right->identifier(), right->objectID().key);
     });
     return sorted;
 }

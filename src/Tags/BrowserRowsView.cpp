@@ -61,6 +61,8 @@ BrowserRowsView::BrowserRowsView(QWidget *parent) : QTreeView(parent)
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setTextElideMode(Qt::ElideRight);
+    // The frame of the current row spans all columns, and is to be painted over in all of them.
+    setAllColumnsShowFocus(true);
     header()->setSectionsMovable(false);
     header()->setHighlightSections(false);
     viewport()->setAttribute(Qt::WA_Hover);

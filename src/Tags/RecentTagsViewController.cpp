@@ -5,6 +5,7 @@
 #include "Model/JournalQueries.h"
 #include "Store/Results/FetchedResultsController.h"
 #include "Tags/RecentTagDelegate.h"
+#include "Tags/RecentTagsArrayController.h"
 #include "Tags/TagShortcutMonitor.h"
 #include "Toolkit/List/ArrayController.h"
 #include "Toolkit/PlainLabel.h"
@@ -34,7 +35,7 @@ bool carries(const std::shared_ptr<Session> &session, const std::shared_ptr<Mana
 
 RecentTagsViewController::RecentTagsViewController(ManagedObjectContext &context, QWidget *parent)
     : QWidget(parent)
-    , tagsArrayController(new ArrayController(this))
+    , tagsArrayController(new RecentTagsArrayController(this))
     , tableView(new QListView)
     , recentTagsController(
           std::make_unique<FetchedResultsController>(context, JournalQueries::recentTags()))
@@ -48,7 +49,6 @@ RecentTagsViewController::~RecentTagsViewController() = default;
 void RecentTagsViewController::buildLayout()
 {
     setObjectName(u"recentTags"_s);
-    tagsArrayController->setColumns({"title"});
     tableView->setObjectName(u"recentTagsTable"_s);
     tableView->setAccessibleName(tr("Recent tags"));
     tableView->setModel(tagsArrayController);

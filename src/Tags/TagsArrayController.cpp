@@ -13,6 +13,8 @@ TagsArrayController::TagsArrayController(QObject *parent) : ArrayController(pare
     setColumnEditable(EmojiColumn, true);
     setColumnEditable(NameColumn, true);
     setSortDescriptors({{"name", true}, {"emoji", true}});
+    setTieKey(
+        [](const QObject &object) { return static_cast<const Tag &>(object).objectID().key; });
 }
 
 QString TagsArrayController::unnamedTitle()

@@ -1,7 +1,7 @@
 #include "Toolkit/FieldPopover.h"
 
 #include <QApplication>
-#include <QEvent>
+#include <QMouseEvent>
 
 namespace tembra {
 
@@ -25,6 +25,12 @@ void FieldPopover::hideEvent(QHideEvent *event)
     Popover::hideEvent(event);
 }
 
+/// A click beside its controls goes no further, or it would be one in the window.
+void FieldPopover::mousePressEvent(QMouseEvent *event)
+{
+    event->accept();
+}
+
 bool FieldPopover::eventFilter(QObject *watched, QEvent *event)
 {
     const bool isOfTheWindow = watched == parentWidget();
@@ -40,17 +46,21 @@ bool FieldPopover::eventFilter(QObject *watched, QEvent *event)
             hide();
         break;
     case QEvent::Resize:
-        if (isOfTheWindow || watched == anchor())
-            place();
-        break;
     case QEvent::Move:
-        if (watched == anchor())
+        if (holdsTheField(watched))
             place();
         break;
     default:
         break;
     }
     return Popover::eventFilter(watched, event);
+}
+
+/// The field, or a part of the window that it moves with.
+bool FieldPopover::holdsTheField(const QObject *object) const
+{
+    const auto *widget = qobject_cast<const QWidget *>(object);
+    return widget && anchor() && (widget == anchor() || widget->isAncestorOf(anchor()));
 }
 
 bool FieldPopover::isOutside(const QWidget &widget) const

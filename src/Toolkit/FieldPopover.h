@@ -21,8 +21,10 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
 
 private:
+    bool holdsTheField(const QObject *object) const;
     bool isOutside(const QWidget &widget) const;
 };
 

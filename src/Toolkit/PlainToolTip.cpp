@@ -12,7 +12,7 @@ namespace tembra {
 
 namespace {
 
-constexpr qsizetype longestToolTip = 2000;
+constexpr qsizetype longestToolTip = 2 * longestShownLine;
 constexpr qsizetype longestUnwrappedLine = 100;
 
 bool hasLongLine(const QString &text)

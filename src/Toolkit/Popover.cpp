@@ -109,13 +109,20 @@ void Popover::setContent(QWidget *content)
 
 void Popover::showRelativeTo(QWidget *anchor, Qt::Edge edge)
 {
-    showRelativeTo(anchor, anchor->rect(), edge);
+    m_anchor = anchor;
+    m_anchorRect.reset();
+    showBesideAnchor(edge);
 }
 
 void Popover::showRelativeTo(QWidget *anchor, const QRect &rect, Qt::Edge edge)
 {
     m_anchor = anchor;
     m_anchorRect = rect;
+    showBesideAnchor(edge);
+}
+
+void Popover::showBesideAnchor(Qt::Edge edge)
+{
     m_wishedEdge = edge;
     place();
     fadeIn();
@@ -126,7 +133,8 @@ void Popover::showRelativeTo(QWidget *anchor, const QRect &rect, Qt::Edge edge)
 
 QRect Popover::anchorOnScreen() const
 {
-    return {m_anchor->mapToGlobal(m_anchorRect.topLeft()), m_anchorRect.size()};
+    const QRect rect = m_anchorRect.value_or(m_anchor->rect());
+    return {m_anchor->mapToGlobal(rect.topLeft()), rect.size()};
 }
 
 /// What it must not go beyond: the screen, or the window that it lies in.

@@ -4,6 +4,8 @@
 #include <QRect>
 #include <QWidget>
 
+#include <optional>
+
 class QPainterPath;
 
 namespace tembra {
@@ -46,6 +48,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void showBesideAnchor(Qt::Edge edge);
     QRect visibleArea(const QRect &anchor) const;
     QRect anchorOnScreen() const;
     QRect panelRect() const;
@@ -54,7 +57,7 @@ private:
 
     QPointer<QWidget> m_content;
     QPointer<QWidget> m_anchor;
-    QRect m_anchorRect;
+    std::optional<QRect> m_anchorRect; ///< Without one the whole anchor, of whatever size.
     Qt::Edge m_wishedEdge = Qt::BottomEdge;
     Qt::Edge m_edge = Qt::BottomEdge;
     int m_arrowPosition = 0; ///< Of the arrow's tip, along the side it stands on.

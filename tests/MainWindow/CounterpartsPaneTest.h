@@ -24,7 +24,7 @@ protected:
     void addThree()
     {
         for (const QString &name :
-             {QStringLiteral("Chidi"), QStringLiteral("Ana"), QStringLiteral("Ben")})
+             {QStringLiteral("Ana"), QStringLiteral("Ben"), QStringLiteral("Chidi")})
             m_journal->addCounterpart(name);
     }
 

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void neverFilledIn();
     void latestEntryOfTheTeammate();
     void currentMeetingCounts();
+    void anEntryOfAMeetingWithoutADateIsAnEntry();
     void emptyTextIsNoEntry();
     void otherTeammatesDoNotCount();
     void otherFieldsDoNotCount();
@@ -52,6 +53,18 @@ void tst_Note::currentMeetingCounts()
     journal.write(today, NoteIdentifier::goals, u"typed just now"_s);
     journal.context().processPendingChanges();
     QCOMPARE(journal.note(today, NoteIdentifier::goals)->lastDateString(), u"Today"_s);
+}
+
+void tst_Note::anEntryOfAMeetingWithoutADateIsAnEntry()
+{
+    JournalFixture journal;
+    const auto ana = journal.addCounterpart(u"Ana"_s);
+    const auto session = journal.addSession(ana, utc(2026, 11, 19));
+    journal.write(session, NoteIdentifier::goals, u"text"_s);
+    session->setDate({});
+    journal.settle();
+    QCOMPARE(journal.note(session, NoteIdentifier::goals)->fullLastDateLabel(),
+             u"Last note: No date"_s);
 }
 
 void tst_Note::emptyTextIsNoEntry()

@@ -221,6 +221,10 @@ private Q_SLOTS:
         People people({u"a"_s, u"b"_s});
         people.controller.setColumns({"name", "age", "height"});
         QSignalSpy changes(&people.controller, &QAbstractItemModel::dataChanged);
+        people.at(1)->setName(u"not read"_s); // Nobody has shown another.
+        QCOMPARE(changes.count(), 0);
+        QCOMPARE(people.controller.index(1, 0).data(), u"not read"_s);
+        QVERIFY(people.controller.index(0, 0).data().isValid());
         people.at(1)->setName(u"Ben"_s);
         QCOMPARE(changes.count(), 1);
         QCOMPARE(changes.takeFirst().first().toModelIndex(), people.controller.index(1, 0));
@@ -235,11 +239,13 @@ private Q_SLOTS:
     {
         People people({u"a"_s, u"b"_s});
         const auto gone = people.controller.objectAt(0);
+        QVERIFY(people.controller.index(0, 0).data().isValid());
         people.controller.removeObjects({gone});
         const QSignalSpy changes(&people.controller, &QAbstractItemModel::dataChanged);
         gone->setProperty("name", u"other"_s);
         QCOMPARE(changes.count(), 0);
         people.controller.addObjects({gone});
+        QVERIFY(people.controller.index(people.controller.rowOf(gone.get()), 0).data().isValid());
         gone->setProperty("name", u"back"_s);
         QCOMPARE(changes.count(), 1);
     }

@@ -12,6 +12,9 @@ CounterpartsArrayController::CounterpartsArrayController(QObject *parent)
     setColumnEditable(0, true);
     // Most neglected first; who has not been met at all comes last.
     setSortDescriptors({{"daysSinceLastSession", false}});
+    setTieKey([](const QObject &object) {
+        return static_cast<const Counterpart &>(object).objectID().key;
+    });
 }
 
 QVariant CounterpartsArrayController::data(const QModelIndex &index, int role) const

@@ -5,6 +5,7 @@
 #include "Model/Session.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
 #include "Toolkit/Icons.h"
+#include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Popover.h"
 #include "Toolkit/Theme.h"
 
@@ -16,7 +17,6 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTextCharFormat>
-#include <QToolTip>
 
 #include <algorithm>
 
@@ -240,11 +240,11 @@ void SessionDateField::finishEditing()
     if (const auto moment = typedMoment())
         storeMoment(*moment);
     else
-        QToolTip::showText(mapToGlobal(rect().bottomLeft()),
-                           tr("This is no date. Dates are written as in %1.",
-                              "Shown when a typed date is refused; %1 is a date")
-                               .arg(textOf(m_shownMoment)),
-                           m_edit);
+        showPlainToolTip(mapToGlobal(rect().bottomLeft()),
+                         tr("This is no date. Dates are written as in %1.",
+                            "Shown when a typed date is refused; %1 is a date")
+                             .arg(textOf(m_shownMoment)),
+                         m_edit);
     const OptionalDate date = m_session->date();
     if (date && m_edit->text() != textOf(dateTimeOf(*date)))
         showDate();

@@ -1,5 +1,6 @@
 #include "Toolkit/Emoji/EmojiLabel.h"
 
+#include "Foundation/Text/Abbreviation.h"
 #include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
@@ -27,7 +28,8 @@ void EmojiLabel::setSecondary(bool secondary)
 
 bool EmojiLabel::isElided() const
 {
-    return std::floor(emojiTextSize(text(), font()).width()) > contentsRect().width();
+    return text().size() > longestShownLine
+           || std::floor(emojiTextSize(text(), font()).width()) > contentsRect().width();
 }
 
 QSize EmojiLabel::sizeHint() const

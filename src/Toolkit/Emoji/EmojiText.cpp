@@ -27,6 +27,8 @@ constexpr auto emojiFamily = "Noto Color Emoji"_L1;
 constexpr QChar ellipsis(u'…');
 constexpr double emojiScale = 1.2;
 constexpr int cachedSizes = 1000;
+constexpr double narrowest = 2; ///< Of a UTF-16 unit, in pixels.
+constexpr qsizetype fewestUnits = 20;
 
 /// As much of the text as one line shows, without variation selectors.
 QString shownLine(const QString &text)
@@ -78,8 +80,11 @@ private:
 };
 
 /// As much of @p text as fits into @p width, with an ellipsis if that is not all of it.
-QString elided(const QString &text, const QFont &font, double width)
+QString elided(const QString &wholeText, const QFont &font, double width)
 {
+    // No more is laid out than could fit: an emoji takes a millisecond.
+    const QString text = abbreviated(wholeText,
+                                     std::max(fewestUnits, qsizetype(width / narrowest)));
     if (EmojiLine(text, font).width() <= width)
         return text;
     const double room = width - QFontMetricsF(font).horizontalAdvance(ellipsis);

@@ -62,8 +62,6 @@ void ArrayController::setColumns(const QList<QByteArray> &properties)
             stopObserving(object);
         m_columns = properties;
         m_editable = QList<bool>(properties.size(), false);
-        for (const Object &object : std::as_const(m_content))
-            observe(object);
         endResetModel();
     }
     writeSelectionToView();
@@ -94,9 +92,7 @@ void ArrayController::setContent(const ObjectList &objects)
         for (const Object &object : std::as_const(m_content))
             stopObserving(object);
         m_content = objects;
-        for (const Object &object : std::as_const(m_content))
-            observe(object);
-        m_arranged = sortedObjects(m_content, m_sortDescriptors);
+        m_arranged = sortedObjects(m_content, m_sortDescriptors, m_tieKey);
         m_rows.clear();
         endResetModel();
     }
@@ -122,7 +118,7 @@ void ArrayController::setSortDescriptors(const QList<SortDescriptor> &descriptor
 
 void ArrayController::rearrangeObjects()
 {
-    ObjectList arranged = sortedObjects(m_content, m_sortDescriptors);
+    ObjectList arranged = sortedObjects(m_content, m_sortDescriptors, m_tieKey);
     if (arranged == m_arranged)
         return;
     {
@@ -195,8 +191,6 @@ void ArrayController::addObjects(const ObjectList &objects)
         beginInsertRows({}, rowCount(), rowCount() + int(added.size()) - 1);
         m_content += added;
         m_arranged += added;
-        for (const Object &object : added)
-            observe(object);
         m_rows.clear();
         endInsertRows();
     }
@@ -271,6 +265,7 @@ QVariant ArrayController::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid())
         return {};
+    observe(m_arranged.at(index.row()));
     QObject *object = m_arranged.at(index.row()).get();
     if (role == ObjectRole)
         return QVariant::fromValue(object);
@@ -318,10 +313,14 @@ void ArrayController::sort(int column, Qt::SortOrder order)
     rearrangeObjects();
 }
 
-// One observation for each row and column: a list that many objects tell their changes to directly
+// Observes a row once it is read, so that a list of any length holds what is shown. One observation
+// for each row and column: a list that many objects tell their changes to directly
 // would have to search all of them for the one that speaks.
-void ArrayController::observe(const Object &object)
+void ArrayController::observe(const Object &object) const
 {
+    if (m_observations.contains(object.get()))
+        return;
+    auto *self = const_cast<ArrayController *>(this);
     QList<PropertyObservation *> &observations = m_observations[object.get()];
     for (int column = 0; column < m_columns.size(); ++column) {
         const QMetaProperty property = propertyOf(*object, m_columns.at(column));
@@ -330,7 +329,7 @@ void ArrayController::observe(const Object &object)
             continue;
         observations.append(new PropertyObservation(
             object.get(), m_columns.at(column),
-            [this, listed = object.get(), column] { objectChanged(listed, column); }, this));
+            [self, listed = object.get(), column] { self->objectChanged(listed, column); }, self));
     }
 }
 

@@ -34,6 +34,9 @@ public:
         bool ascending = true;
     };
 
+    /// A number that each object has for itself and keeps.
+    using TieKey = std::function<qint64(const QObject &)>;
+
     enum Role {
         ObjectRole = Qt::UserRole, ///< The row's object as a `QObject *`.
     };
@@ -57,8 +60,10 @@ public:
 
     QList<SortDescriptor> sortDescriptors() const { return m_sortDescriptors; }
     /// Takes effect at the next rearrangement. The first descriptor decides, the others break ties;
-    /// what is still equal stands in the order of `content`.
+    /// what is still equal stands in the order of the tie key, without one in that of `content`.
     void setSortDescriptors(const QList<SortDescriptor> &descriptors);
+    /// Takes effect at the next rearrangement.
+    void setTieKey(TieKey tieKey) { m_tieKey = std::move(tieKey); }
     /// Sorts again. Rows move in one layout change, so selections, editors and scrolling survive.
     void rearrangeObjects();
 
@@ -108,7 +113,7 @@ Q_SIGNALS:
 
 private:
     ObjectList unlisted(const ObjectList &objects) const;
-    void observe(const Object &object);
+    void observe(const Object &object) const;
     void stopObserving(const Object &object);
     void objectChanged(const QObject *object, int column);
     void removeRanges(const QList<std::pair<int, int>> &ranges);
@@ -121,10 +126,12 @@ private:
     QStringList m_headerTitles;
     QList<bool> m_editable;
     QList<SortDescriptor> m_sortDescriptors;
+    TieKey m_tieKey;
     ObjectList m_content;
     ObjectList m_arranged;
     ObjectList m_selected;
-    QHash<const QObject *, QList<PropertyObservation *>> m_observations;
+    /// Of the rows that were read: nobody can show an old value of the others.
+    mutable QHash<const QObject *, QList<PropertyObservation *>> m_observations;
     mutable QHash<const QObject *, int> m_rows; ///< Filled on demand; empty after rows moved.
     QPointer<QItemSelectionModel> m_selectionModel;
     bool m_ignoreView = false;

@@ -13,6 +13,7 @@ struct Row
 {
     const ArrayController::Object *object;
     std::vector<QVariant> keys;
+    qint64 tieKey = 0;
 };
 
 bool isMissing(const QVariant &value)
@@ -51,14 +52,15 @@ int compareValues(const QVariant &left, const QVariant &right)
 } // namespace
 
 ArrayController::ObjectList sortedObjects(const ArrayController::ObjectList &objects,
-                                          const QList<ArrayController::SortDescriptor> &descriptors)
+                                          const QList<ArrayController::SortDescriptor> &descriptors,
+                                          const ArrayController::TieKey &tieKey)
 {
     if (descriptors.isEmpty())
         return objects;
     std::vector<Row> rows;
     rows.reserve(size_t(objects.size()));
     for (const ArrayController::Object &object : objects) {
-        Row row{&object, {}};
+        Row row{&object, {}, tieKey ? tieKey(*object) : 0};
         for (const auto &descriptor : descriptors)
             row.keys.push_back(object->property(descriptor.key.constData()));
         rows.push_back(std::move(row));
@@ -68,7 +70,7 @@ ArrayController::ObjectList sortedObjects(const ArrayController::ObjectList &obj
             if (const int order = compareValues(left.keys[i], right.keys[i]))
                 return (order < 0) == descriptors[qsizetype(i)].ascending;
         }
-        return false;
+        return left.tieKey < right.tieKey;
     });
     ArrayController::ObjectList result;
     result.reserve(objects.size());
