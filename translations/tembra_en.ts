@@ -1181,6 +1181,11 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <comment>Label to indicate note staleness</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>No date</source>
+        <comment>Value for a previous note entry of a meeting without a date</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tembra::NotesArrayController</name>
@@ -1233,6 +1238,19 @@ Your changes are still in this window. Tembra tries again with every save.</sour
     <message>
         <source>Cancelling…</source>
         <comment>Said of the task in progress once it is to end early</comment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>tembra::RecentTagsArrayController</name>
+    <message>
+        <source>Alt+Ctrl+%1</source>
+        <comment>Shortcut of a recent tag, as it is read aloud</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1, already on this meeting</source>
+        <comment>Of a recent tag; follows its shortcut</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
