@@ -77,7 +77,7 @@ private:
         QTest::keyClick(sheet()->windowHandle(), Qt::Key_Escape);
         QTRY_VERIFY(!sheet());
     }
-    qint64 sessionCount() const { return context().count({.entityName = "Session"}).value_or(-1); }
+    qint64 sessionCount() const { return recordCount(context(), {.entityName = "Session"}); }
 };
 
 void tst_ModalImport::noWindowTakesKeysOrClicks_data()
@@ -332,3 +332,4 @@ void tst_ModalImport::aCancelledUndoKeepsEverything()
 
 QTEST_MAIN(tst_ModalImport)
 #include "tst_ModalImport.moc"
+#include "support/RecordCount.h"
