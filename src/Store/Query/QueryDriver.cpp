@@ -2,7 +2,7 @@
 
 namespace tembra {
 
-bool narrows(const Comparison &comparison)
+bool isSelective(const Comparison &comparison)
 {
     const bool compares = comparison.op != ComparisonOperator::NotEqual
                           && comparison.op != ComparisonOperator::Contains;
@@ -19,32 +19,32 @@ bool isRecordEquality(const Comparison &comparison)
 
 } // namespace
 
-const PredicateNode *driverAmong(const std::vector<const PredicateNode *> &parts)
+const PredicateNode *chooseDriver(const std::vector<const PredicateNode *> &conditions)
 {
     const PredicateNode *plain = nullptr;
     std::vector<const PredicateNode *> withAny;
-    for (const PredicateNode *part : parts) {
-        const auto *comparison = std::get_if<Comparison>(&part->content);
+    for (const PredicateNode *condition : conditions) {
+        const auto *comparison = std::get_if<Comparison>(&condition->content);
         if (!comparison || !isRecordEquality(*comparison))
             continue;
         if (comparison->any)
-            withAny.push_back(part);
+            withAny.push_back(condition);
         else if (!plain)
-            plain = part;
+            plain = condition;
     }
     if (plain && withAny.size() < 2)
         return plain;
     return withAny.empty() ? nullptr : withAny.front();
 }
 
-bool leadsThroughAny(const PredicateNode *driver)
+bool hasAny(const PredicateNode *driver)
 {
     return driver && std::get<Comparison>(driver->content).any;
 }
 
-bool isPlainRecordEquality(const PredicateNode &part)
+bool isPlainRecordEquality(const PredicateNode &condition)
 {
-    const auto *comparison = std::get_if<Comparison>(&part.content);
+    const auto *comparison = std::get_if<Comparison>(&condition.content);
     return comparison && !comparison->any && isRecordEquality(*comparison);
 }
 

@@ -6,18 +6,19 @@
 
 namespace tembra {
 
-// Which of several conditions leads to the records, as far as one can tell.
+// A query's driver is the condition whose index SQLite walks through first; the other conditions are
+// tests of the rows that it gives.
 
 /// True for a comparison that few records pass.
-bool narrows(const Comparison &comparison);
+bool isSelective(const Comparison &comparison);
 
-/// The condition through which the records are found; only an equality with a record leads anywhere.
-/// A plain one is quicker than one with ANY, which then merely tests what the plain one finds. Two
-/// with ANY together leave so few records that going through the first of them is quicker still.
-/// Null when none leads anywhere.
-const PredicateNode *driverAmong(const std::vector<const PredicateNode *> &parts);
-bool leadsThroughAny(const PredicateNode *driver);
+/// The condition that drives a query of which all of @p conditions must hold; only an equality with
+/// a record can, as relationships are indexed. One without ANY is the quicker driver, unless two
+/// have ANY: together these leave so few records that the first of them is. Null when none can.
+const PredicateNode *chooseDriver(const std::vector<const PredicateNode *> &conditions);
+bool hasAny(const PredicateNode *driver);
 
-bool isPlainRecordEquality(const PredicateNode &part);
+/// True for an equality with a record, without ANY.
+bool isPlainRecordEquality(const PredicateNode &condition);
 
 } // namespace tembra

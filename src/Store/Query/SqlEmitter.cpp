@@ -71,7 +71,7 @@ QByteArray SqlEmitter::keyColumn() const
 /// that an index gives: the plus sign keeps it from that.
 QByteArray SqlEmitter::keyOrder(bool isOnlyOrder) const
 {
-    return QByteArray((isOnlyOrder && m_isNarrowed ? "+" : "") + keyColumn());
+    return QByteArray((isOnlyOrder && m_isSelective ? "+" : "") + keyColumn());
 }
 
 QByteArray SqlEmitter::tables() const
@@ -82,7 +82,7 @@ QByteArray SqlEmitter::tables() const
 Result<QByteArray> SqlEmitter::condition(const PredicateNode &root)
 {
     const std::vector<const PredicateNode *> parts = conjuncts(&root);
-    const PredicateNode *driver = driverAmong(parts);
+    const PredicateNode *driver = chooseDriver(parts);
     QByteArray sql;
     for (const PredicateNode *part : parts) {
         const auto *comparison = std::get_if<Comparison>(&part->content);
@@ -90,10 +90,10 @@ Result<QByteArray> SqlEmitter::condition(const PredicateNode &root)
                                                       : emitNode(*part);
         if (!emitted)
             return emitted;
-        // The plus sign keeps the planner from taking a plain equality as the way in after all.
-        const bool merelyTests = leadsThroughAny(driver) && isPlainRecordEquality(*part);
-        sql += (sql.isEmpty() ? "" : " AND ") + QByteArray(merelyTests ? "+" : "") + *emitted;
-        m_isNarrowed = m_isNarrowed || (comparison && narrows(*comparison));
+        // The plus sign keeps the planner from driving the query by a plain equality after all.
+        const bool isTestOnly = hasAny(driver) && isPlainRecordEquality(*part);
+        sql += (sql.isEmpty() ? "" : " AND ") + QByteArray(isTestOnly ? "+" : "") + *emitted;
+        m_isSelective = m_isSelective || (comparison && isSelective(*comparison));
     }
     return sql;
 }

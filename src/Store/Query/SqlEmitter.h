@@ -62,7 +62,7 @@ private:
     int m_entity;
     int m_aliases = 0;
     Scope m_scope;
-    bool m_isNarrowed = false; ///< The condition leaves few records.
+    bool m_isSelective = false; ///< Few records pass the condition.
     std::vector<Value> m_bindings;
 };
 
