@@ -65,8 +65,10 @@ Import::Import(CoreDataInterface &coreData, QWidget *window, QObject *parent)
 
 Import::~Import()
 {
-    if (m_task)
-        endTask().reset();
+    if (!m_task)
+        return;
+    m_task.reset();
+    endModality();
 }
 
 void Import::chooseAndImport()
@@ -158,7 +160,8 @@ void Import::start(const QString &activity, BackgroundTask::Work work, Callbacks
 void Import::finish(const Callbacks &callbacks)
 {
     // The callbacks go with the task, which stays until its signal was delivered.
-    const std::unique_ptr<BackgroundTask> task = endTask();
+    const std::unique_ptr<BackgroundTask> task = std::move(m_task);
+    endModality();
     const Result<void> outcome = task->outcome();
     m_showsAlert = true;
     if (outcome) {
@@ -173,18 +176,19 @@ void Import::finish(const Callbacks &callbacks)
     Q_EMIT finished();
 }
 
-std::unique_ptr<BackgroundTask> Import::endTask()
+/// Once the task has let go of the store: an autosave that was due happens now.
+void Import::endModality()
 {
     m_progressSheet.reset();
     m_coreData.setAutosavePaused(false);
-    return std::move(m_task);
 }
 
 void Import::cancelAndWait()
 {
     if (!m_task)
         return;
-    endTask().reset();
+    m_task.reset();
+    endModality();
     Q_EMIT cancelled();
 }
 

@@ -68,7 +68,7 @@ private:
     void deleteImported(const CompletedImport &import);
     void start(const QString &activity, BackgroundTask::Work work, Callbacks callbacks);
     void finish(const Callbacks &callbacks);
-    std::unique_ptr<BackgroundTask> endTask();
+    void endModality();
     void showUndoAlert(const Error &error) const;
 
     CoreDataInterface &m_coreData;

@@ -108,6 +108,7 @@ void BackupCommands::endTasks(std::chrono::milliseconds timeout,
                               const std::function<void()> &whileWaiting)
 {
     m_import.cancelAndWait();
+    m_progressDelay.stop(); // From here on the caller shows what is waited for.
     const QDeadlineTimer deadline(timeout);
     while (m_backup.isRunning() && !deadline.hasExpired())
         whileWaiting();

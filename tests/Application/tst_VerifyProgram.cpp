@@ -78,11 +78,11 @@ void tst_VerifyProgram::tellsAndEnds_data()
     good("empty list", u"0 teammates, 0 meetings, 0 notes, 0 tags\n"_s);
     bad("broken", u"teammate 1, session 2, date: expected a number (at byte 25)\n"_s);
     bad("nothing in it", u"No teammate data found.\n"_s);
-    bad("not there", u"Could not load file: There is no “%1”. Choose another place, or connect the "
+    bad("not there", u"Could not load file: There is no “%1”. Choose another file, or connect the "
                      "disk it lies on, and try again. (No such file or directory)\n"_s);
     for (const char *package : {"link", "pipe"})
-        bad(package, u"Could not load file: “%1/teammates.json” is not a file. Move it somewhere "
-                     "else. (not a regular file)\n"_s);
+        bad(package, u"Could not load file: “%1/teammates.json” is not a file. Choose another "
+                     "one. (not a regular file)\n"_s);
 }
 
 void tst_VerifyProgram::tellsAndEnds()

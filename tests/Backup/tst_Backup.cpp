@@ -1,5 +1,6 @@
 #include "Backup/Backup.h"
 
+#include "Store/Objects/ManagedObjectContext.h"
 #include "support/FaultFileSystem.h"
 #include "support/FaultVfs.h"
 #include "support/FolderContents.h"

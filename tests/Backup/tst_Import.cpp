@@ -191,6 +191,7 @@ private Q_SLOTS:
         m_journal->settle();
         QSignalSpy failing(&m_journal->coreData(), &CoreDataInterface::saveFailingChanged);
         m_import->importPackage(endlessPackage());
+        QTRY_VERIFY(progressSheet()); // By then it holds the store's place for writing.
         ben->setName(u"Benjamin"_s);
         m_journal->coreData().handleTimer();
         QVERIFY(m_journal->context().hasChanges());
