@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QTimer>
 
+#include <csignal>
 #include <cstdio>
 
 namespace tembra {
@@ -120,6 +121,10 @@ int runOn(const DataFolder &folder, const StartOptions &options)
 
 int runProgram(int argc, char *argv[])
 {
+#ifdef Q_OS_UNIX
+    // A write past the limit on the size of files then fails like one to a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
     QCoreApplication::setApplicationName(u"Tembra"_s);
     QCoreApplication::setApplicationVersion(programVersion());
     QStringList arguments;

@@ -43,9 +43,14 @@ void StoreFolder::put(const QByteArray &content) const
     writeFile(file(), content);
 }
 
-Result<OpenStore> openIn(const StoreFolder &folder, int version)
+StoreResult<OpenStore> openIn(const StoreFolder &folder, int version)
 {
     return openStore({folder.directory, QStringLiteral("Vum")}, itemModel(version), {});
+}
+
+void close(StoreResult<OpenStore> &store)
+{
+    store = tl::unexpected(StoreError({QStringLiteral("closed"), {}}));
 }
 
 void makeStore(const StoreFolder &folder, int items)

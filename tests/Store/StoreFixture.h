@@ -30,7 +30,9 @@ struct StoreFolder
 };
 
 /// Opens the store of a folder, with the model of that version.
-Result<OpenStore> openIn(const StoreFolder &folder, int version = 2);
+StoreResult<OpenStore> openIn(const StoreFolder &folder, int version = 2);
+/// Closes an open store; the result is then a failure.
+void close(StoreResult<OpenStore> &store);
 /// Makes a store of version 2 with items, closed properly.
 void makeStore(const StoreFolder &folder, int items = 40);
 /// The same with item 1000 only in the log that a killed process left. It died after @p lastStatements.

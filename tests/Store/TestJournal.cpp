@@ -38,6 +38,25 @@ QList<SchemaMigration> testMigrations()
           "CREATE INDEX item_label_label ON item_label(label, item)"}}};
 }
 
+/// By their length, as texts may hold U+0000.
+QByteArray dumpRows(sqlite3 *database, const char *sql)
+{
+    QByteArray dump;
+    sqlite3_stmt *select = nullptr;
+    int code = sqlite3_prepare_v2(database, sql, -1, &select, nullptr);
+    while (code == SQLITE_OK && (code = sqlite3_step(select)) == SQLITE_ROW) {
+        for (int column = 0; column < sqlite3_column_count(select); ++column) {
+            const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(select, column));
+            dump += text ? QByteArray(text, sqlite3_column_bytes(select, column)) : "NULL";
+            dump += '|';
+        }
+        dump += '\n';
+        code = SQLITE_OK;
+    }
+    sqlite3_finalize(select);
+    return code == SQLITE_DONE ? dump : QByteArray(dump + "cannot be read\n");
+}
+
 } // namespace
 
 int liveObjectCount()
@@ -180,20 +199,12 @@ QByteArray dumpStore(const QString &file)
     sqlite3 *database = nullptr;
     if (sqlite3_open_v2(file.toUtf8().constData(), &database, SQLITE_OPEN_READWRITE, nullptr)
         != SQLITE_OK)
-        return "cannot be opened";
-    const auto addRow = [](void *text, int columns, char **values, char **) {
-        for (int column = 0; column < columns; ++column)
-            static_cast<QByteArray *>(text)
-                ->append(values[column] ? values[column] : "NULL")
-                .append('|');
-        static_cast<QByteArray *>(text)->append('\n');
-        return 0;
-    };
+        dump = "cannot be opened";
     for (const char *sql :
          {"SELECT 'owner', * FROM owner ORDER BY id", "SELECT 'label', * FROM label ORDER BY id",
           "SELECT 'item', * FROM item ORDER BY id", "SELECT 'part', * FROM part ORDER BY id",
           "SELECT 'link', * FROM item_label ORDER BY 1, 2"})
-        sqlite3_exec(database, sql, addRow, &dump, nullptr);
+        dump += dumpRows(database, sql);
     sqlite3_close(database);
     return dump;
 }

@@ -6,6 +6,7 @@
 #include "Store/Schema/ObjectModel.h"
 #include "Store/Undo/UndoManager.h"
 #include "support/FixedClock.h"
+#include "support/FolderContents.h"
 
 #include <QTemporaryDir>
 
@@ -168,7 +169,7 @@ public:
     qint64 storedCount(const QByteArray &table) const;
     bool executeElsewhere(const QByteArray &sql) const;
 
-    QTemporaryDir folder;
+    QTemporaryDir folder{temporaryTemplate()};
     QByteArray vfs;
     FixedClock clock{Date{700000000}};
     std::unique_ptr<PersistentContainer> container;

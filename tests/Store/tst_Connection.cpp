@@ -1,5 +1,7 @@
 #include "StoreFixture.h"
 
+#include "support/FaultVfs.h"
+
 #include <QTest>
 
 #include <limits>
@@ -56,6 +58,8 @@ private Q_SLOTS:
     void refusesAMissingFileUnlessToBeMade();
     void readOnlyChangesNothing_data();
     void readOnlyChangesNothing();
+    void opensAFileAgainThatWasOpenedForReadingOnly();
+    void saysThatAFileCouldBeOpenedForReadingOnly();
 
 private:
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -276,6 +280,41 @@ void tst_Connection::readOnlyChangesNothing()
         QVERIFY(!(*connection)->execute("INSERT INTO t VALUES (1)"));
     }
     QVERIFY(snapshot(m_folder->path()) == before);
+}
+
+void tst_Connection::opensAFileAgainThatWasOpenedForReadingOnly()
+{
+    const StoreFolder folder;
+    makeKilledStore(folder, "DELETE FROM item");
+    FaultVfs vfs;
+    bool failed = true;
+    for (int number = 1; failed; ++number) {
+        vfs.failAt(number, FaultVfs::Fault::OpenedReadOnly, FaultVfs::Lasting::Once,
+                   FaultVfs::Open);
+        const auto connection = Connection::open(folder.file(), Connection::Mode::ReadWrite,
+                                                 vfs.name());
+        QVERIFY2(connection, connection ? "" : qPrintable(connection.error().description()));
+        (*connection)->setCheckpointsOnClose(false); // So that there is a log to be opened.
+        failed = vfs.failures() > 0;
+        QVERIFY(addItem(**connection, number, u"written"_s));
+        QVERIFY(!failed || number < 3);
+    }
+}
+
+void tst_Connection::saysThatAFileCouldBeOpenedForReadingOnly()
+{
+    const StoreFolder folder;
+    makeKilledStore(folder);
+    FaultVfs vfs;
+    for (const int number : {1, 2}) {
+        vfs.failAt(number, FaultVfs::Fault::OpenedReadOnly, FaultVfs::Lasting::ForGood,
+                   FaultVfs::Open);
+        const auto connection = Connection::open(folder.file(), Connection::Mode::ReadWrite,
+                                                 vfs.name());
+        QVERIFY(!connection);
+        QVERIFY2(connection.error().message.contains(u"for reading only"_s),
+                 qPrintable(connection.error().description()));
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_Connection)

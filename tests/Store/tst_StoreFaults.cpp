@@ -17,7 +17,7 @@ Q_DECLARE_METATYPE(tembra::FaultVfs::Lasting)
 namespace {
 
 /// What lies there before the store is opened while writes fail.
-enum class Start { Nothing, Closed, Killed, Older, OlderKilled };
+enum class Start { Nothing, Closed, Killed, Older, OlderKilled, OtherLog };
 
 constexpr int items = 30;
 
@@ -25,7 +25,8 @@ const std::pair<const char *, Start> starts[] = {{"nothing there", Start::Nothin
                                                  {"closed properly", Start::Closed},
                                                  {"killed", Start::Killed},
                                                  {"older schema", Start::Older},
-                                                 {"older schema, killed", Start::OlderKilled}};
+                                                 {"older schema, killed", Start::OlderKilled},
+                                                 {"beside another file's log", Start::OtherLog}};
 
 void fill(const StoreFolder &folder, int version)
 {
@@ -45,15 +46,24 @@ void prepare(const StoreFolder &folder, Start start)
         return;
     if (start == Start::Closed || start == Start::Older)
         return fill(folder, version);
+    QByteArray copy;
+    if (start == Start::OtherLog) {
+        fill(folder, version);
+        copy = readFile(folder.file());
+        if (!addItem(*openIn(folder, version)->connection, 1000, u"later"_s))
+            qFatal("the copy is not an old one");
+    }
     const int status = runAndDie([&] {
         static auto store = openStore({folder.directory, u"Vum"_s}, itemModel(version), {});
         for (int key = 1; store && key <= items; ++key)
-            (void)addItem(*store->connection, key, QString(500, u'x'),
+            (void)addItem(*store->connection, copy.isEmpty() ? key : key + 2000, QString(500, u'x'),
                           Transaction::Durability::Draft);
         return store.has_value();
     });
     if (status != 0)
         qFatal("no killed store to start from");
+    if (!copy.isEmpty())
+        writeFile(folder.file(), copy);
 }
 
 } // namespace
@@ -118,7 +128,7 @@ void tst_StoreFaults::neverLeavesABadStore()
             QVERIFY2(snapshot(folder.root.path()) == before, where.constData());
         QVERIFY2(opened || !store.error().message.isEmpty(), where.constData());
         QVERIFY2(opened || failed, where.constData());
-        store = failure(u"closed"_s);
+        close(store);
 
         const auto again = openStore({folder.directory, u"Vum"_s}, itemModel(3), {});
         QVERIFY2(again, again ? "" : qPrintable(again.error().description()));

@@ -2,6 +2,7 @@
 
 #include <QTest>
 
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,6 +23,17 @@ void change(const StoreFolder &folder, const QByteArray &statements)
     const auto connection = Connection::open(folder.file(), Connection::Mode::Create);
     if (!connection || !(*connection)->execute(statements))
         qFatal("the store could not be changed");
+}
+
+/// Without the safety settings of this program.
+void forge(const StoreFolder &folder, const char *statements)
+{
+    sqlite3 *database = nullptr;
+    const QByteArray name = QFile::encodeName(folder.file());
+    if (sqlite3_open(name.constData(), &database) != SQLITE_OK
+        || sqlite3_exec(database, statements, nullptr, nullptr, nullptr) != SQLITE_OK)
+        qFatal("the store could not be forged");
+    sqlite3_close(database);
 }
 
 void addRow(const char *name, const QString &saying, Prepare prepare)
@@ -98,6 +110,29 @@ void addRowsOfOtherPrograms()
            });
     addChangedRow("column renamed", notAJournal, "ALTER TABLE item RENAME COLUMN rating TO stars");
     addChangedRow("table missing", notAJournal, "DROP TABLE item");
+    addChangedRow("column added", notAJournal, "ALTER TABLE item ADD COLUMN extra");
+    addChangedRow("table added", notAJournal, "CREATE TABLE more (x)");
+    addChangedRow("index added", notAJournal, "CREATE INDEX item_title ON item(title)");
+    addChangedRow("trigger added", notAJournal,
+                  "CREATE TRIGGER t AFTER INSERT ON item BEGIN DELETE FROM item; END");
+    addChangedRow("view added", notAJournal, "CREATE VIEW v AS SELECT * FROM item");
+    addRow("forged index", notAJournal, [](const StoreFolder &folder) {
+        makeStore(folder);
+        forge(folder, "CREATE INDEX item_title ON item(title); PRAGMA writable_schema=ON;"
+                      "UPDATE sqlite_schema SET sql = 'CREATE INDEX item_title ON item(rating)'"
+                      " WHERE name = 'item_title'");
+    });
+    addRow("statement forged", notAJournal, [](const StoreFolder &folder) {
+        makeStore(folder);
+        forge(folder, "PRAGMA writable_schema=ON; UPDATE sqlite_schema SET sql ="
+                      " 'CREATE TABLE item (id INTEGER PRIMARY KEY, rating TEXT, title INTEGER)'"
+                      " WHERE name = 'item'");
+    });
+    addRow("two tables at one page", u"is damaged"_s, [](const StoreFolder &folder) {
+        makeStore(folder);
+        forge(folder, "PRAGMA writable_schema=ON; UPDATE sqlite_schema SET rootpage = 2"
+                      " WHERE name = 'item'");
+    });
     addChangedRow("no version", notAJournal, "PRAGMA user_version = 0");
     addChangedRow("negative version", notAJournal, "PRAGMA user_version = -2");
 }

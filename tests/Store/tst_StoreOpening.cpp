@@ -1,5 +1,7 @@
 #include "StoreFixture.h"
 
+#include "support/FaultVfs.h"
+
 #include <QElapsedTimer>
 #include <QTest>
 
@@ -11,6 +13,8 @@ using namespace Qt::StringLiterals;
 
 using Prepare = std::function<void(const StoreFolder &)>;
 Q_DECLARE_METATYPE(Prepare)
+Q_DECLARE_METATYPE(tembra::FaultVfs::Fault)
+Q_DECLARE_METATYPE(tembra::FaultVfs::Lasting)
 
 namespace {
 
@@ -19,6 +23,13 @@ int permissionsOf(const QString &path)
     struct stat status = {};
     return ::lstat(QFile::encodeName(path).constData(), &status) == 0 ? int(status.st_mode & 07777)
                                                                       : -1;
+}
+
+void makeMoreItems(const StoreFolder &folder, int first, int last)
+{
+    const auto store = openIn(folder);
+    for (int key = first; key <= last; ++key)
+        QVERIFY(store && addItem(*store->connection, key, QString(900, u'y')));
 }
 
 } // namespace
@@ -37,6 +48,15 @@ private Q_SLOTS:
     void keepsItsUuidAndContent();
     void recoversWhatAKilledProcessCommitted();
     void opensAStoreThatWasConvertedToARollbackJournal();
+    void setsALogOfAnotherFileAside_data();
+    void setsALogOfAnotherFileAside();
+    void replaysALogThatWasCopiedWithItsStore();
+    void replaysALogOfTheTimeBeforeCheckpointIds();
+    void findsEverythingAfterAnInterruptedCheckpoint_data();
+    void findsEverythingAfterAnInterruptedCheckpoint();
+    void tellsWhereItsContentComesFrom();
+    void movesAStoreThatCannotBeOpenedOutOfTheWay();
+    void refusesTheStoreOfAnotherUser();
     void isOneFileAfterAProperClose();
     void sweepsAStoreThatWasNeverFinished();
     void worksInAFolderReachedByALink();
@@ -156,6 +176,212 @@ void tst_StoreOpening::opensAStoreThatWasConvertedToARollbackJournal()
     const auto store = openIn(folder);
     QVERIFY(store.has_value());
     QVERIFY(queryValue(*store->connection, "PRAGMA journal_mode") == Value(u"wal"_s));
+}
+
+void tst_StoreOpening::setsALogOfAnotherFileAside_data()
+{
+    QTest::addColumn<Prepare>("prepareCopy");
+    QTest::newRow("an earlier copy") << Prepare([](const StoreFolder &folder) {
+        makeStore(folder, 20);
+        QFile::copy(folder.file(), folder.beside("-copy"));
+        makeMoreItems(folder, 21, 40);
+    });
+    QTest::newRow("a copy of the same session") << Prepare([](const StoreFolder &folder) {
+        makeStore(folder, 20);
+        const auto store = openIn(folder);
+        QVERIFY(store && store->connection->checkpoint());
+        QVERIFY(addItem(*store->connection, 30, u"later"_s));
+        QVERIFY(store->connection->checkpoint());
+        QFile::copy(folder.file(), folder.beside("-copy"));
+        QVERIFY(addItem(*store->connection, 31, u"later still"_s, Transaction::Durability::Draft));
+    });
+    QTest::newRow("the copy of a migration") << Prepare([](const StoreFolder &folder) {
+        QVERIFY(openIn(folder, 1).has_value());
+        QVERIFY(openIn(folder, 2).has_value());
+        QFile::rename(folder.directory + u"/Vum-before-version-2.sqlite"_s, folder.beside("-copy"));
+    });
+    QTest::newRow("another store") << Prepare([](const StoreFolder &folder) {
+        const StoreFolder other;
+        makeStore(other, 3);
+        makeStore(folder);
+        QFile::copy(other.file(), folder.beside("-copy"));
+    });
+}
+
+/// SQLite would replay it into the copy, and the copy would be damaged.
+void tst_StoreOpening::setsALogOfAnotherFileAside()
+{
+    QFETCH(Prepare, prepareCopy);
+    const StoreFolder folder;
+    prepareCopy(folder);
+    if (QTest::currentTestFailed())
+        return;
+    QCOMPARE(runAndDie([&] {
+                 static auto store = openIn(folder);
+                 return store && addItem(*store->connection, 1000, QString(9000, u'x'));
+             }),
+             0);
+    const QByteArray log = readFile(folder.beside("-wal"));
+    const QByteArray copy = readFile(folder.beside("-copy"));
+    writeFile(folder.file(), copy); // Over the same file, as "cp" does it.
+
+    auto store = openIn(folder);
+    QVERIFY2(store, store ? "" : qPrintable(store.error().description()));
+    QVERIFY(queryValue(*store->connection, "PRAGMA integrity_check") == Value(u"ok"_s));
+    QVERIFY(queryValue(*store->connection, "SELECT count(*) FROM item WHERE id = 1000")
+            == Value(qint64(0)));
+    QVERIFY(store->logSetAside.startsWith(folder.directory + u"/Vum-set-aside-"_s));
+    QVERIFY(readFile(store->logSetAside) == log);
+    close(store);
+    const auto again = openIn(folder);
+    QVERIFY(again && again->logSetAside.isEmpty());
+}
+
+void tst_StoreOpening::replaysALogThatWasCopiedWithItsStore()
+{
+    const StoreFolder folder;
+    makeKilledStore(folder);
+    const StoreFolder other;
+    QVERIFY(QDir().mkpath(other.directory));
+    for (const char *suffix : {"", "-wal"})
+        QVERIFY(QFile::copy(folder.beside(suffix), other.beside(suffix)));
+    const auto store = openIn(other);
+    QVERIFY(store && store->logSetAside.isEmpty());
+    QVERIFY(queryValue(*store->connection, "SELECT title FROM item WHERE id = 1000")
+            == Value(u"in the log"_s));
+}
+
+void tst_StoreOpening::replaysALogOfTheTimeBeforeCheckpointIds()
+{
+    const StoreFolder folder;
+    makeStore(folder);
+    patch(folder, 68, QByteArray(4, '\0'));
+    QCOMPARE(runAndDie([&] {
+                 static auto connection = Connection::open(folder.file(),
+                                                           Connection::Mode::ReadWrite);
+                 return connection
+                        && (*connection)->execute("UPDATE item SET title = 'old' WHERE id = 1");
+             }),
+             0);
+    const auto store = openIn(folder);
+    QVERIFY(store && store->logSetAside.isEmpty());
+    QVERIFY(queryValue(*store->connection, "SELECT title FROM item WHERE id = 1")
+            == Value(u"old"_s));
+}
+
+void tst_StoreOpening::findsEverythingAfterAnInterruptedCheckpoint_data()
+{
+    QTest::addColumn<FaultVfs::Fault>("fault");
+    QTest::addColumn<FaultVfs::Lasting>("lasting");
+    QTest::newRow("killed") << FaultVfs::Fault::ProcessEnds << FaultVfs::Lasting::Once;
+    QTest::newRow("disk full") << FaultVfs::Fault::DiskFull << FaultVfs::Lasting::Once;
+    QTest::newRow("disk full for good") << FaultVfs::Fault::DiskFull << FaultVfs::Lasting::ForGood;
+    QTest::newRow("torn") << FaultVfs::Fault::InputOutput << FaultVfs::Lasting::Torn;
+}
+
+/// Every operation of a session with checkpoints of all kinds is interrupted: the log that stays
+/// must be known for the store's own.
+void tst_StoreOpening::findsEverythingAfterAnInterruptedCheckpoint()
+{
+    QFETCH(FaultVfs::Fault, fault);
+    QFETCH(FaultVfs::Lasting, lasting);
+    FaultVfs vfs;
+    bool failed = true;
+    int number = 1;
+    for (; failed; ++number) {
+        const StoreFolder folder;
+        makeStore(folder, 5);
+        const QString confirmedFile = folder.root.filePath(u"confirmed"_s);
+        const QString end = folder.root.filePath(u"end"_s);
+        writeFile(confirmedFile, {});
+        (void)runAndDie([&] {
+            {
+                auto store = openStore({folder.directory, u"Vum"_s}, itemModel(2), vfs.name());
+                vfs.failAt(number, fault, lasting);
+                QByteArray confirmed;
+                for (int key = 100; store && key < 109; ++key) {
+                    if (addItem(*store->connection, key, QString(3000, u'x'),
+                                Transaction::Durability::Draft))
+                        writeFile(confirmedFile, confirmed += char(key));
+                    if (key % 3 == 0)
+                        (void)store->connection->checkpoint();
+                    if (key % 3 == 1)
+                        store->connection->checkpointAsFarAsPossible();
+                }
+                if (number % 2)
+                    ::_exit(0);
+            }
+            writeFile(end, vfs.failures() > 0 ? "failed" : "undisturbed");
+            return true;
+        });
+        failed = number % 2 || readFile(end) != "undisturbed";
+        const QByteArray where = "operation " + QByteArray::number(number);
+        const auto store = openIn(folder);
+        QVERIFY2(store, where.constData());
+        QVERIFY2(store->logSetAside.isEmpty(), where.constData());
+        QVERIFY(queryValue(*store->connection, "PRAGMA integrity_check") == Value(u"ok"_s));
+        for (const char key : readFile(confirmedFile))
+            QVERIFY2(queryValue(*store->connection,
+                                "SELECT 1 FROM item WHERE id = " + QByteArray::number(key))
+                         == Value(qint64(1)),
+                     where.constData());
+    }
+    QVERIFY(number > 20);
+}
+
+void tst_StoreOpening::tellsWhereItsContentComesFrom()
+{
+    const StoreFolder folder;
+    QCOMPARE(openIn(folder)->origin, StoreOrigin::Made);
+    QCOMPARE(openIn(folder)->origin, StoreOrigin::Found);
+    folder.put({});
+    QCOMPARE(openIn(folder)->origin, StoreOrigin::MadeForAnEmptyFile);
+    QCOMPARE(openIn(folder)->origin, StoreOrigin::Found);
+}
+
+void tst_StoreOpening::movesAStoreThatCannotBeOpenedOutOfTheWay()
+{
+    const StoreFolder folder;
+    makeKilledStore(folder);
+    patch(folder, 8192, QByteArray(4096, '\xa5'));
+    const auto damaged = openIn(folder);
+    QVERIFY(!damaged);
+    QCOMPARE(damaged.error().fault, StoreFault::Damaged);
+    QMap<QString, QByteArray> before;
+    for (const char *suffix : {"", "-wal", "-shm"})
+        before.insert(QString::fromLatin1(suffix), readFile(folder.beside(suffix)));
+
+    const auto aside = setStoreAside({folder.directory, u"Vum"_s});
+    QVERIFY2(aside, aside ? "" : qPrintable(aside.error().description()));
+    for (auto it = before.cbegin(); it != before.cend(); ++it) {
+        QVERIFY(!QFile::exists(folder.file() + it.key()));
+        QVERIFY(readFile(*aside + it.key()) == it.value());
+    }
+    QVERIFY(openIn(folder).has_value());
+    patch(folder, 8192, QByteArray(4096, '\xa5'));
+    const auto second = setStoreAside({folder.directory, u"Vum"_s});
+    QVERIFY(second && *second != *aside);
+    QVERIFY2(!setStoreAside({folder.directory, u"Vum"_s}), "there is nothing left to move");
+}
+
+void tst_StoreOpening::refusesTheStoreOfAnotherUser()
+{
+    if (::geteuid() != 0)
+        QSKIP("only an administrator can give files away");
+    const StoreFolder folder;
+    makeKilledStore(folder);
+    for (const char *suffix : {"", "-wal"}) {
+        const QByteArray name = QFile::encodeName(folder.beside(suffix));
+        QCOMPARE(::chown(name.constData(), 65534, 65534), 0);
+        const auto before = snapshot(folder.root.path());
+        const auto store = openIn(folder);
+        QVERIFY(!store);
+        QVERIFY2(store.error().message.contains(u"belongs to another user"_s),
+                 qPrintable(store.error().message));
+        QVERIFY(snapshot(folder.root.path()) == before);
+        QCOMPARE(::chown(name.constData(), 0, 0), 0);
+    }
+    QVERIFY(openIn(folder).has_value());
 }
 
 void tst_StoreOpening::isOneFileAfterAProperClose()

@@ -171,8 +171,11 @@ int openFile(sqlite3_vfs *vfs, const char *name, sqlite3_file *file, int flags, 
 {
     Private *owner = privateOf(vfs);
     file->pMethods = nullptr;
-    if (const int verdict = owner->verdict(FaultVfs::Open))
+    const int verdict = owner->verdict(FaultVfs::Open);
+    if (verdict && owner->fault != FaultVfs::Fault::OpenedReadOnly)
         return verdict;
+    if (verdict)
+        flags = (flags & ~(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) | SQLITE_OPEN_READONLY;
     auto *opened = new (file) FaultFile{{nullptr}, owner};
     const int code = owner->usual->xOpen(owner->usual, name, opened->usual(), flags, outFlags);
     opened->base.pMethods = opened->usual()->pMethods ? &fileMethods : nullptr;

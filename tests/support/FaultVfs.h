@@ -24,6 +24,7 @@ public:
     enum class Fault {
         DiskFull,
         InputOutput,
+        OpenedReadOnly, ///< A file is opened, but for reading only, as SQLite does when it must.
         ProcessEnds ///< At once, before the operation, as if the process was killed.
     };
     enum class Lasting {

@@ -23,12 +23,16 @@ public:
     enum class Mode {
         Create, ///< Made when missing, readable and writable by the user alone.
         ReadWrite,
+        InMemory, ///< Empty, without a file, and gone when it is closed.
+        WithoutLog, ///< The same as ReadOnly, but of the file alone, whatever log stands beside it.
         ReadOnly ///< Leaves the file, its companions and its directory exactly as they are. Takes
         ///< what is in the write-ahead log into account; then nobody else may use the file.
     };
 
-    static Result<std::unique_ptr<Connection>> open(const QString &file, Mode mode,
-                                                    const QByteArray &vfs = {});
+    static StoreResult<std::unique_ptr<Connection>> open(const QString &file, Mode mode,
+                                                         const QByteArray &vfs = {});
+    /// What another connection sees, for reading; needs nothing of the file's name.
+    static StoreResult<std::unique_ptr<Connection>> copyInMemory(const Connection &source);
     ~Connection();
 
     /// The statement of this text, prepared at its first use, reset and with nothing bound. Owned
@@ -55,6 +59,9 @@ public:
     /// Not within a transaction: SQLite changes this between transactions only.
     void setEnforcesForeignKeys(bool enforces);
 
+    /// Whether the file and its log are still those that were opened: nobody has removed or replaced
+    /// them, or a folder above them.
+    bool isInPlace() const;
     const QString &file() const;
     sqlite3 *handle() const;
 
@@ -63,6 +70,8 @@ private:
     friend class Transaction;
     struct Private;
     explicit Connection(std::unique_ptr<Private> d);
+    static StoreResult<std::unique_ptr<Connection>> tryOpen(const QString &file, Mode mode,
+                                                            const QByteArray &vfs);
     std::unique_ptr<Private> d;
 };
 

@@ -25,6 +25,27 @@ struct Statement::Private
     int bindError = 0; ///< SQLite's code of the first bind that failed since the last step.
 };
 
+/// Which file and log were opened, by what the system knows them by. SQLite keeps its handles to
+/// itself, and closing another one would take its locks away.
+class OpenedFiles
+{
+public:
+    void remember(const QString &file);
+    bool areInPlace(const QString &file) const;
+
+private:
+    struct Identity
+    {
+        quint64 device = 0;
+        quint64 inode = 0;
+        bool operator==(const Identity &) const = default;
+    };
+    static std::optional<Identity> identityOf(const QString &path);
+
+    std::optional<Identity> m_file;
+    std::optional<Identity> m_log;
+};
+
 struct Connection::Private
 {
     Private(const QString &name, SQLite::Database &&opened)
@@ -40,6 +61,8 @@ struct Connection::Private
     SQLite::Database database;
     QHash<QByteArray, std::shared_ptr<Statement>> statements; ///< Closed before the database.
     StoreFault lastFault = StoreFault::None;
+    bool checkpointsOnClose = true;
+    OpenedFiles files;
     /// Set when the log could not be synced: the system may have dropped what it failed to write,
     /// and a later sync would not tell. Until a checkpoint brought everything into the file itself,
     /// no commit can be called durable.

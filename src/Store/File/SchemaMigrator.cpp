@@ -1,5 +1,6 @@
 #include "Store/File/SchemaMigrator.h"
 
+#include "Store/File/CheckpointId.h"
 #include "Store/File/Connection.h"
 #include "Store/File/PrivateFile.h"
 #include "Store/File/Statement.h"
@@ -84,7 +85,9 @@ Result<void> writeCopy(Connection &connection, const QString &copy)
     if (!vacuum)
         return failure(vacuum.error());
     (*vacuum)->bind(1, copy);
-    return (*vacuum)->run().and_then([&] { return syncFile(copy); });
+    return (*vacuum)->run().and_then([&] { return renewCheckpointIdOfCopy(copy); }).and_then([&] {
+        return syncFile(copy);
+    });
 }
 
 Result<void> verifyCopy(const QString &copy, const ObjectModel &model, const QByteArray &vfs)
@@ -126,7 +129,13 @@ Error explained(const QString &what, const Error &reason)
 
 void removeDatabase(const QString &file)
 {
-    for (const QString &path : QStringList{file} + companionsOf(file))
+    ::unlink(QFile::encodeName(file).constData());
+    removeCompanions(file);
+}
+
+void removeCompanions(const QString &file)
+{
+    for (const QString &path : companionsOf(file))
         ::unlink(QFile::encodeName(path).constData());
 }
 

@@ -16,6 +16,7 @@ Result<void> createStore(const QString &file, const ObjectModel &model, const QB
 
 /// Takes a database and the companions that SQLite keeps beside it away.
 void removeDatabase(const QString &file);
+void removeCompanions(const QString &file);
 
 /// Writes a copy of the store beside it, as `<name>-before-version-N.sqlite`, and reads it back from
 /// the disk to prove it whole. A copy of that name from an earlier try is replaced in one step.

@@ -11,6 +11,7 @@ StoreFault faultOfSystemError(int systemError)
     switch (fileFaultOf(systemError)) {
     case FileFault::DiskFull:
     case FileFault::QuotaReached:
+    case FileFault::TooLarge: // A limit on the size of files.
         return StoreFault::DiskFull;
     case FileFault::NoPermission:
     case FileFault::ReadOnly:
@@ -35,6 +36,11 @@ QString sentenceFor(StoreFault fault, const QString &file)
         return sentenceFor(FileFault::InputOutput, file);
     case StoreFault::Damaged:
         return QStringLiteral("“%1” is damaged. Put an undamaged copy of it in its place.")
+            .arg(file);
+    case StoreFault::NotAJournal:
+        return QStringLiteral("“%1” is not a journal of Tembra. Move it somewhere else, or put "
+                              "your journal in "
+                              "its place.")
             .arg(file);
     case StoreFault::None:
     case StoreFault::Constraint:
@@ -76,9 +82,9 @@ StoreFault storeFaultOf(int sqliteCode, int systemError)
     }
 }
 
-Error storeError(StoreFault fault, const QString &file, const QString &detail)
+StoreError storeError(StoreFault fault, const QString &file, const QString &detail)
 {
-    return {sentenceFor(fault, file), detail};
+    return {{sentenceFor(fault, file), detail}, fault};
 }
 
 } // namespace tembra

@@ -1,6 +1,8 @@
 #include "Store/File/StoreInspection.h"
 
+#include "Store/File/CheckpointId.h"
 #include "Store/File/Connection.h"
+#include "Store/File/SchemaCheck.h"
 #include "Store/File/Statement.h"
 #include "Store/File/StoreMeta.h"
 #include "Store/Schema/ObjectModel.h"
@@ -24,6 +26,7 @@ struct FileState
 {
     bool exists = false;
     bool isRegular = false;
+    bool isOwn = true;
     qint64 size = 0;
 };
 
@@ -32,21 +35,16 @@ FileState stateOf(const QString &file)
     struct stat status = {};
     if (::lstat(QFile::encodeName(file).constData(), &status) != 0)
         return {};
-    return {true, S_ISREG(status.st_mode), qint64(status.st_size)};
+    return {true, S_ISREG(status.st_mode), status.st_uid == ::geteuid(), qint64(status.st_size)};
 }
 
-tl::unexpected<Error> notAJournal(const QString &file, const QString &detail)
+tl::unexpected<StoreError> notAJournal(const QString &file, const QString &detail)
 {
-    return failure(
-        QStringLiteral(
-            "“%1” is not a journal of Tembra. Move it somewhere else, or put your journal in "
-            "its place.")
-            .arg(file),
-        detail);
+    return tl::unexpected(storeError(StoreFault::NotAJournal, file, detail));
 }
 
 /// No links, folders, pipes or devices, and no log without the store it belongs to.
-Result<void> checkKinds(const QString &file, const FileState &store)
+StoreResult<void> checkKinds(const QString &file, const FileState &store)
 {
     if (store.exists && !store.isRegular)
         return failure(
@@ -61,11 +59,13 @@ Result<void> checkKinds(const QString &file, const FileState &store)
         if (state.size == 0 || companion.endsWith(QLatin1String("-shm")))
             continue;
         if (store.size == 0)
-            return failure(
-                QStringLiteral(
-                    "The journal “%1” is missing, but “%2” holds a part of it. Put the journal "
-                    "back, or move that file somewhere else.")
-                    .arg(file, companion));
+            return tl::unexpected(StoreError(
+                {QStringLiteral(
+                     "The journal “%1” is missing, but “%2” holds a part of it. Put the journal "
+                     "back, or move that file somewhere else.")
+                     .arg(file, companion),
+                 {}},
+                StoreFault::Damaged));
         if (companion.endsWith(QLatin1String("-journal")))
             return failure(
                 QStringLiteral(
@@ -76,13 +76,19 @@ Result<void> checkKinds(const QString &file, const FileState &store)
     return {};
 }
 
-Result<void> checkPermissions(const QString &file)
+StoreResult<void> checkPermissions(const QString &file)
 {
     const QString folder = QFileInfo(file).path();
     if (::faccessat(AT_FDCWD, QFile::encodeName(folder).constData(), R_OK | W_OK | X_OK, AT_EACCESS)
         != 0)
         return failure(fileError(folder, errno));
     for (const QString &path : QStringList{file} + companionsOf(file)) {
+        if (!stateOf(path).isOwn)
+            return failure(
+                QStringLiteral(
+                    "“%1” belongs to another user of this computer, who can read and change what "
+                    "is written to it. Use a copy of your own.")
+                    .arg(path));
         if (::faccessat(AT_FDCWD, QFile::encodeName(path).constData(), R_OK | W_OK, AT_EACCESS) != 0
             && errno != ENOENT)
             return failure(fileError(path, errno));
@@ -91,7 +97,7 @@ Result<void> checkPermissions(const QString &file)
 }
 
 /// The first bytes tell another program's file from a damaged one of ours.
-Result<void> checkSignature(const QString &file)
+StoreResult<void> checkSignature(const QString &file)
 {
     constexpr std::array<char, 16> signature = {'S', 'Q', 'L', 'i', 't', 'e', ' ', 'f',
                                                 'o', 'r', 'm', 'a', 't', ' ', '3', '\0'};
@@ -124,16 +130,19 @@ Result<qint64> number(Connection &connection, const QByteArray &sql)
 }
 
 /// Refuses other programs' databases, and newer ones of this program (which keeps "store_meta").
-Result<int> readVersion(Connection &connection, const ObjectModel &model)
+StoreResult<int> readVersion(Connection &connection, const ObjectModel &model)
 {
     const QString &file = connection.file();
+    const auto failed = [&](const Error &error) {
+        return tl::unexpected(StoreError(error, connection.lastFault()));
+    };
     const auto metaTables = number(connection, "SELECT count(*) FROM sqlite_schema "
                                                "WHERE type = 'table' AND name = 'store_meta'");
     if (!metaTables)
-        return failure(metaTables.error());
+        return failed(metaTables.error());
     const auto version = number(connection, "PRAGMA user_version");
     if (!version)
-        return failure(version.error());
+        return failed(version.error());
     if (*metaTables == 0 || *version <= 0)
         return notAJournal(file, QStringLiteral("a database without store_meta or version"));
     if (*version > model.version())
@@ -188,33 +197,16 @@ Result<void> readFirstRows(Connection &connection)
     return {};
 }
 
-/// Every column that the program is going to use is there.
-Result<void> checkSchema(Connection &connection, const ObjectModel &model)
-{
-    for (const EntityDescription &entity : model.entities()) {
-        QByteArray columns = "id";
-        for (int property = 0; property < entity.columnCount(); ++property)
-            columns += ", \"" + entity.propertyName(property) + '"';
-        if (auto read = readFirstRow(connection, columns, entity.table); !read)
-            return notAJournal(connection.file(), read.error().detail);
-    }
-    return {};
-}
-
-Result<int> inspectDatabase(Connection &connection, const ObjectModel &model)
+StoreResult<int> inspectDatabase(Connection &connection, const ObjectModel &model)
 {
     const auto version = readVersion(connection, model);
     if (!version)
         return version;
     if (auto read = readFirstRows(connection); !read)
-        return failure(read.error());
-    if (const auto meta = StoreMeta::read(connection); !meta)
-        return failure(meta.error());
-    if (*version == model.version()) {
-        if (auto checked = checkSchema(connection, model); !checked)
-            return failure(checked.error());
-    }
-    return version;
+        return tl::unexpected(StoreError(read.error(), connection.lastFault()));
+    return StoreMeta::read(connection)
+        .and_then([&](const StoreMeta &) { return checkSchema(connection, model, *version); })
+        .map([&] { return *version; });
 }
 
 } // namespace
@@ -225,20 +217,27 @@ QStringList companionsOf(const QString &file)
             file + QLatin1String("-journal")};
 }
 
-Result<int> inspectStore(const QString &file, const ObjectModel &model, const QByteArray &vfs)
+StoreResult<StoreInspection> inspectStore(const QString &file, const ObjectModel &model,
+                                          const QByteArray &vfs)
 {
     const FileState store = stateOf(file);
     auto checked = checkKinds(file, store).and_then([&] { return checkPermissions(file); });
     if (!checked)
-        return failure(checked.error());
+        return tl::unexpected(checked.error());
     if (store.size == 0)
-        return 0;
+        return StoreInspection{.wasEmpty = store.exists};
     if (auto known = checkSignature(file); !known)
-        return failure(known.error());
-    const auto connection = Connection::open(file, Connection::Mode::ReadOnly, vfs);
+        return tl::unexpected(known.error());
+    const auto belongs = logBelongsTo(file);
+    if (!belongs)
+        return failure(belongs.error());
+    const auto mode = *belongs ? Connection::Mode::ReadOnly : Connection::Mode::WithoutLog;
+    const auto connection = Connection::open(file, mode, vfs);
     if (!connection)
-        return failure(connection.error());
-    return inspectDatabase(**connection, model);
+        return tl::unexpected(connection.error());
+    return inspectDatabase(**connection, model).map([&](int version) {
+        return StoreInspection{.version = version, .logBelongs = *belongs};
+    });
 }
 
 } // namespace tembra

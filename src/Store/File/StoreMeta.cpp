@@ -23,15 +23,15 @@ Result<void> StoreMeta::create(Transaction &transaction, Connection &connection)
         });
 }
 
-Result<StoreMeta> StoreMeta::read(Connection &connection)
+StoreResult<StoreMeta> StoreMeta::read(Connection &connection)
 {
     const auto select = connection.prepare(
         "SELECT uuid, high_water_mark, saves FROM store_meta WHERE id = 1");
     if (!select)
-        return failure(select.error());
+        return tl::unexpected(StoreError(select.error(), connection.lastFault()));
     const auto row = (*select)->step();
     if (!row)
-        return failure(row.error());
+        return tl::unexpected(StoreError(row.error(), connection.lastFault()));
     StoreMeta meta;
     if (*row) {
         const Value uuid = (*select)->value(0);
@@ -43,8 +43,8 @@ Result<StoreMeta> StoreMeta::read(Connection &connection)
     const bool isSound = QUuid(meta.uuid).toString(QUuid::WithoutBraces) == meta.uuid
                          && !QUuid(meta.uuid).isNull() && meta.highWaterMark >= 0;
     if (!isSound)
-        return failure(storeError(StoreFault::Damaged, connection.file(),
-                                  QStringLiteral("no sound record in store_meta")));
+        return tl::unexpected(storeError(StoreFault::Damaged, connection.file(),
+                                         QStringLiteral("no sound record in store_meta")));
     return meta;
 }
 

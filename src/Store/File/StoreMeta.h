@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Foundation/Result.h"
+#include "Store/File/StoreFault.h"
 
 #include <QByteArray>
 #include <QString>
@@ -19,7 +19,7 @@ struct StoreMeta
     /// Makes the table and gives the store a new uuid.
     static Result<void> create(Transaction &transaction, Connection &connection);
     /// Fails when there is no such table or its row makes no sense.
-    static Result<StoreMeta> read(Connection &connection);
+    static StoreResult<StoreMeta> read(Connection &connection);
 
     /// To be called in every transaction that inserts records, with the allocator's mark.
     static Result<void> raiseHighWaterMark(Transaction &transaction, Connection &connection,

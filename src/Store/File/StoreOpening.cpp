@@ -4,6 +4,7 @@
 #include "Store/File/CompanionFiles.h"
 #include "Store/File/PrivateFile.h"
 #include "Store/File/SchemaMigrator.h"
+#include "Store/File/SetAside.h"
 #include "Store/File/Statement.h"
 #include "Store/File/StoreInspection.h"
 #include "Store/Schema/ObjectModel.h"
@@ -74,47 +75,74 @@ struct OpenFile
 {
     std::shared_ptr<Connection> connection;
     StoreMeta meta;
+    StoreOrigin origin = StoreOrigin::Found;
+    QString logSetAside = {};
 };
 
 /// Opens a store that was looked at before. Until all went well, closing it must change nothing.
-Result<OpenFile> openInspected(const QString &file, const ObjectModel &model, int version,
-                               const QByteArray &vfs)
+StoreResult<OpenFile> openInspected(const QString &file, const ObjectModel &model, int version,
+                                    const QByteArray &vfs)
 {
     const CompanionFiles companions(file);
     auto opened = Connection::open(file, Connection::Mode::ReadWrite, vfs);
     if (!opened) {
         companions.restore();
-        return failure(opened.error());
+        return tl::unexpected(opened.error());
     }
     std::shared_ptr<Connection> connection = std::move(*opened);
     connection->setCheckpointsOnClose(false);
     const auto ready = version == model.version() ? Result<void>()
                                                   : bringUpToDate(*connection, model, version, vfs);
-    auto meta = ready.and_then([&] { return StoreMeta::read(*connection); });
+    auto meta = ready ? StoreMeta::read(*connection)
+                      : tl::unexpected(StoreError(ready.error(), connection->lastFault()));
     if (!meta) {
         const bool isUnchanged = versionNow(*connection) == version;
         connection.reset();
         if (isUnchanged)
             companions.restore();
-        return failure(meta.error());
+        return tl::unexpected(meta.error());
     }
     connection->setCheckpointsOnClose(true);
     return OpenFile{std::move(connection), std::move(*meta)};
 }
 
-Result<OpenFile> openLocked(const QString &file, const ObjectModel &model, const QByteArray &vfs)
+/// Opens a store beside which stands the log of another file.
+StoreResult<OpenFile> openWithoutItsLog(const QString &file, const ObjectModel &model, int version,
+                                        const QByteArray &vfs)
 {
-    const bool isMissing = !QFileInfo::exists(file);
-    const auto version = inspectStore(file, model, vfs);
-    if (!version)
-        return failure(version.error());
-    if (*version > 0)
-        return openInspected(file, model, *version, vfs);
+    const auto log = SetAside::moveLog(file);
+    if (!log)
+        return failure(log.error());
+    auto opened = openInspected(file, model, version, vfs);
+    if (!opened) {
+        removeCompanions(file);
+        log->putBack();
+        return opened;
+    }
+    qCWarning(storeLog,
+              "The write-ahead log beside the store was written for another file. It was "
+              "not used, and lies in %s",
+              qPrintable(log->file()));
+    opened->logSetAside = log->file();
+    return opened;
+}
+
+StoreResult<OpenFile> openLocked(const QString &file, const ObjectModel &model,
+                                 const QByteArray &vfs)
+{
+    const auto found = inspectStore(file, model, vfs);
+    if (!found)
+        return tl::unexpected(found.error());
+    if (found->version > 0)
+        return found->logBelongs ? openInspected(file, model, found->version, vfs)
+                                 : openWithoutItsLog(file, model, found->version, vfs);
     if (auto created = createStore(file, model, vfs); !created)
         return failure(created.error());
     auto opened = openInspected(file, model, model.version(), vfs);
-    if (!opened && isMissing)
+    if (!opened && !found->wasEmpty)
         removeDatabase(file);
+    if (opened)
+        opened->origin = found->wasEmpty ? StoreOrigin::MadeForAnEmptyFile : StoreOrigin::Made;
     return opened;
 }
 
@@ -136,8 +164,8 @@ void tightenPermissions(const QString &folder, const QString &file)
 
 } // namespace
 
-Result<OpenStore> openStore(const StoreLocation &place, const ObjectModel &model,
-                            const QByteArray &vfs)
+StoreResult<OpenStore> openStore(const StoreLocation &place, const ObjectModel &model,
+                                 const QByteArray &vfs)
 {
     FolderGuard folder;
     if (auto made = folder.make(place.directory); !made)
@@ -149,10 +177,22 @@ Result<OpenStore> openStore(const StoreLocation &place, const ObjectModel &model
         return failure(lock.error());
     auto opened = openLocked(real.storeFile(), model, vfs);
     if (!opened)
-        return failure(opened.error());
+        return tl::unexpected(opened.error());
     folder.keep();
     tightenPermissions(real.directory, real.storeFile());
-    return OpenStore{std::move(*lock), std::move(opened->connection), std::move(opened->meta)};
+    return OpenStore{std::move(*lock), std::move(opened->connection), std::move(opened->meta),
+                     opened->origin, std::move(opened->logSetAside)};
+}
+
+Result<QString> setStoreAside(const StoreLocation &place)
+{
+    const StoreLocation real{QFileInfo(place.directory).canonicalFilePath(), place.name};
+    const auto lock = StoreLock::acquire(real.lockFile());
+    if (!lock)
+        return failure(lock.error());
+    return SetAside::moveStore(real.storeFile()).map([](const SetAside &moved) {
+        return moved.file();
+    });
 }
 
 } // namespace tembra

@@ -1,5 +1,6 @@
 #include "Store/File/Transaction.h"
 
+#include "Store/File/CheckpointId.h"
 #include "Store/File/ConnectionPrivate.h"
 #include "Store/File/StoreMeta.h"
 
@@ -13,6 +14,19 @@ namespace {
 Result<void> setWaitsForDisk(Connection &connection, bool waits)
 {
     return connection.execute(waits ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=NORMAL");
+}
+
+/// What is written to a file without a name is lost with the program.
+Result<void> checkInPlace(const Connection &connection)
+{
+    if (connection.isInPlace())
+        return {};
+    return failure(QStringLiteral(
+                       "The journal “%1” was removed, moved or replaced while Tembra was using it. "
+                       "Put it back, "
+                       "or keep what you see here: choose File > Create Backup before you quit.")
+                       .arg(connection.file()),
+                   QStringLiteral("the path leads to another file than the one that is open"));
 }
 
 } // namespace
@@ -90,8 +104,12 @@ Result<void> Transaction::tryCommit()
     if (m_durability == Durability::Durable) {
         if (auto stamped = execute(StoreMeta::stampSave); !stamped)
             return stamped;
+        if (auto inPlace = runStep([this] { return checkInPlace(*m_connection); }); !inPlace)
+            return inPlace;
     }
-    return execute("COMMIT");
+    return runStep([this] { return repeatCheckpointId(*m_connection); }).and_then([this] {
+        return execute("COMMIT");
+    });
 }
 
 /// Rolls back what was not committed. Keeps lastFault(): callers ask for it after this object is gone.

@@ -24,10 +24,19 @@ struct PersistentContainer::Private
     Options options;
     SystemClock systemClock;
     std::optional<OpenStore> store;
+    bool canSetAside = false;
     std::unique_ptr<IdAllocator> ids;
     std::unique_ptr<Checkpointer> checkpointer;
     std::unique_ptr<ManagedObjectContext> viewContext;
     std::atomic<int> backgroundConnections = 0;
+
+    StoreResult<std::unique_ptr<Connection>> openBackgroundConnection() const
+    {
+        const Connection &main = *store->connection;
+        return main.isInPlace()
+                   ? Connection::open(main.file(), Connection::Mode::ReadWrite, options.vfs)
+                   : Connection::copyInMemory(main);
+    }
 
     StoreLocation place() const
     {
@@ -59,6 +68,9 @@ Result<void> PersistentContainer::loadPersistentStores()
 {
     require(!d->store, "a store is loaded once");
     auto opened = openStore(d->place(), d->model, d->options.vfs);
+    d->canSetAside = !opened
+                     && (opened.error().fault == StoreFault::Damaged
+                         || opened.error().fault == StoreFault::NotAJournal);
     if (!opened)
         return failure(opened.error());
     d->store.emplace(std::move(*opened));
@@ -69,6 +81,29 @@ Result<void> PersistentContainer::loadPersistentStores()
     d->viewContext = ManagedObjectContext::makeMain(*this, d->store->connection, *d->ids);
     announceSavesOf(*d->viewContext);
     return {};
+}
+
+bool PersistentContainer::canSetStoreAside() const
+{
+    return d->canSetAside;
+}
+
+Result<QString> PersistentContainer::setStoreAside()
+{
+    require(!d->store, "a store that is in use stays where it is");
+    return tembra::setStoreAside(d->place());
+}
+
+StoreOrigin PersistentContainer::storeOrigin() const
+{
+    require(d->store.has_value(), "the store is loaded before it is used");
+    return d->store->origin;
+}
+
+QString PersistentContainer::logSetAside() const
+{
+    require(d->store.has_value(), "the store is loaded before it is used");
+    return d->store->logSetAside;
 }
 
 const QString &PersistentContainer::name() const
@@ -101,10 +136,10 @@ Result<std::unique_ptr<ManagedObjectContext>> PersistentContainer::newBackground
 {
     require(d->store && QThread::currentThread() == thread(),
             "background contexts are made on the container's thread");
-    auto opened = Connection::open(d->store->connection->file(), Connection::Mode::ReadWrite,
-                                   d->options.vfs);
+    auto opened = d->openBackgroundConnection();
     if (!opened)
         return failure(opened.error());
+    (*opened)->setCheckpointsOnClose(false);
     // What an import wrote in its one long transaction must not pile up in memory.
     if (auto spills = (*opened)->execute("PRAGMA cache_spill=ON"); !spills)
         return failure(spills.error());

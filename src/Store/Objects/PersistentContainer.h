@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Result.h"
+#include "Store/File/StoreOrigin.h"
 #include "Store/Objects/ChangeSet.h"
 #include "Store/Schema/ObjectModel.h"
 
@@ -41,6 +42,18 @@ public:
     /// leaves one that it cannot use byte for byte as it was. Call once, before anything else.
     Result<void> loadPersistentStores();
 
+    /// After that failed: whether a damaged journal, or something that is none, lies in the store's
+    /// place, so that setStoreAside() makes room.
+    bool canSetStoreAside() const;
+    /// Moves the store's files out of the way, all under one dated name beside it, and returns that.
+    Result<QString> setStoreAside();
+
+    /// Where the content of the loaded store comes from.
+    StoreOrigin storeOrigin() const;
+    /// Where a write-ahead log lies now that stood beside the store but was written for another
+    /// file; empty when there was none.
+    QString logSetAside() const;
+
     const QString &name() const;
     const ObjectModel &model() const;
     const Clock &clock() const;
@@ -49,7 +62,9 @@ public:
     ManagedObjectContext &viewContext() const;
     /// A context on a connection of its own, for an import: it only inserts, and links to existing
     /// records. It writes in batches inside one transaction that save() commits; dropped without
-    /// save() it leaves nothing. From its first write on no other context can write.
+    /// save() it leaves nothing. From its first write on no other context can write. When the
+    /// store's file was removed or replaced since it was loaded, this is a copy in memory, only to
+    /// be read.
     Result<std::unique_ptr<ManagedObjectContext>> newBackgroundContext();
 
     /// "tembra-store://<store uuid>/<Entity>/p<key>".
