@@ -1,5 +1,7 @@
 #include "support/FaultVfs.h"
 
+#include "support/DiskRecorder.h"
+
 #include <QStringBuilder>
 
 #include <atomic>
@@ -16,6 +18,7 @@ struct FaultVfs::Private
     int verdict(Operation operation);
 
     sqlite3_vfs vfs = {};
+    std::atomic<DiskRecorder *> recorder = nullptr;
     sqlite3_vfs *usual = nullptr;
     QByteArray name;
     std::atomic<int> operations = AnyChange;
@@ -25,17 +28,19 @@ struct FaultVfs::Private
     std::atomic<Fault> fault = Fault::DiskFull;
     std::atomic<Lasting> lasting = Lasting::Once;
     std::function<void()> callback; ///< Called once, in place of a failure.
-};
+}; // namespace tembra
 
 namespace {
 
 using Private = FaultVfs::Private;
+using Change = DiskRecorder::Operation::Kind;
 
 /// Lies in the memory that SQLite gives for a file; the usual file lies right behind it.
 struct FaultFile
 {
     sqlite3_file base;
     Private *owner;
+    const char *name; ///< SQLite keeps it as long as the file is open.
 
     sqlite3_file *usual() { return reinterpret_cast<sqlite3_file *>(this + 1); }
 };
@@ -71,6 +76,17 @@ int ioError(FaultVfs::Operation operation)
     }
 }
 
+/// Notes a change that was made; returns SQLite's result for it.
+int recorded(sqlite3_file *file, int code, DiskRecorder::Operation operation)
+{
+    DiskRecorder *recorder = faultFile(file)->owner->recorder;
+    if (recorder && code == SQLITE_OK) {
+        operation.file = faultFile(file)->name;
+        recorder->add(std::move(operation));
+    }
+    return code;
+}
+
 int closeFile(sqlite3_file *file)
 {
     return usualFile(file)->pMethods->xClose(usualFile(file));
@@ -88,7 +104,9 @@ int writeFile(sqlite3_file *file, const void *buffer, int size, sqlite3_int64 of
     Private *owner = faultFile(file)->owner;
     const int verdict = owner->verdict(FaultVfs::Write);
     if (verdict == SQLITE_OK)
-        return usualFile(file)->pMethods->xWrite(usualFile(file), buffer, size, offset);
+        return recorded(
+            file, usualFile(file)->pMethods->xWrite(usualFile(file), buffer, size, offset),
+            {Change::Write, {}, offset, QByteArray(static_cast<const char *>(buffer), size)});
     if (owner->lasting == FaultVfs::Lasting::Torn)
         usualFile(file)->pMethods->xWrite(usualFile(file), buffer, size / 2, offset);
     return verdict;
@@ -97,13 +115,17 @@ int writeFile(sqlite3_file *file, const void *buffer, int size, sqlite3_int64 of
 int truncateFile(sqlite3_file *file, sqlite3_int64 size)
 {
     const int verdict = faultFile(file)->owner->verdict(FaultVfs::Truncate);
-    return verdict ? verdict : usualFile(file)->pMethods->xTruncate(usualFile(file), size);
+    return verdict ? verdict
+                   : recorded(file, usualFile(file)->pMethods->xTruncate(usualFile(file), size),
+                              {Change::Truncate, {}, size});
 }
 
 int syncFile(sqlite3_file *file, int flags)
 {
     const int verdict = faultFile(file)->owner->verdict(FaultVfs::Sync);
-    return verdict ? verdict : usualFile(file)->pMethods->xSync(usualFile(file), flags);
+    return verdict ? verdict
+                   : recorded(file, usualFile(file)->pMethods->xSync(usualFile(file), flags),
+                              {Change::Sync, {}});
 }
 
 int fileSize(sqlite3_file *file, sqlite3_int64 *size)
@@ -176,7 +198,7 @@ int openFile(sqlite3_vfs *vfs, const char *name, sqlite3_file *file, int flags, 
         return verdict;
     if (verdict)
         flags = (flags & ~(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) | SQLITE_OPEN_READONLY;
-    auto *opened = new (file) FaultFile{{nullptr}, owner};
+    auto *opened = new (file) FaultFile{{nullptr}, owner, name};
     const int code = owner->usual->xOpen(owner->usual, name, opened->usual(), flags, outFlags);
     opened->base.pMethods = opened->usual()->pMethods ? &fileMethods : nullptr;
     return code;
@@ -250,6 +272,11 @@ void FaultVfs::failNothing(int operations)
     d->operations = operations;
     d->count = 0;
     d->failures = 0;
+}
+
+void FaultVfs::record(DiskRecorder *recorder)
+{
+    d->recorder = recorder;
 }
 
 int FaultVfs::count() const

@@ -7,6 +7,8 @@
 
 namespace tembra {
 
+class DiskRecorder;
+
 /// A SQLite file system that passes everything on to the usual one, until it is told to fail.
 /// Registered under a name of its own for as long as it lives; may be used from any thread.
 class FaultVfs
@@ -46,6 +48,8 @@ public:
     /// Counts from 1 again, and calls @p callback before the operation of number @p number, on the
     /// thread and in the middle of the SQLite call that does it: it must use another connection.
     void callAt(int number, std::function<void()> callback, int operations = AnyChange);
+    /// Tells @p recorder of every change from now on; null tells nobody.
+    void record(DiskRecorder *recorder);
     /// Counts from 1 again, and fails nothing.
     void failNothing(int operations = AnyChange);
 

@@ -108,8 +108,9 @@ StoreLock::~StoreLock()
     if (m_handle < 0)
         return;
     // While it is still locked: whoever opened it in between finds that its name leads elsewhere.
-    if (m_isMade)
-        ::unlink(QFile::encodeName(m_file).constData());
+    const QByteArray name = QFile::encodeName(m_file);
+    if (m_isMade && isStillInPlace(m_handle, name))
+        ::unlink(name.constData());
     ::close(m_handle);
 }
 
