@@ -51,6 +51,7 @@ AppDelegate::AppDelegate(ProgramServices &services, const DataFolder &folder, QO
     , m_services(services)
     , m_presentError([this](const Error &error) { return showSavingError(error); })
     , m_windowStateFile(folder.windowStateFile())
+    , m_hasRunBefore(QFileInfo::exists(m_windowStateFile))
 {
     m_services.coreData.setPresentError([this](const Error &error) { presentError(error); });
     m_services.coreData.setCommitEditing([this] { return commitEditing(); });
@@ -81,7 +82,32 @@ void AppDelegate::applicationDidFinishLaunching(const std::function<void()> &pre
     connect(m_window.get(), &MainWindow::tagBrowserRequested, m_auxiliaryWindows.get(),
             &AuxiliaryWindows::showTags);
     m_window->show();
+    showWhatHappenedToStore();
     checkBackupFolder();
+}
+
+/// A journal that is empty for another reason than that the user has just begun, or lacks its log.
+void AppDelegate::showWhatHappenedToStore()
+{
+    const PersistentContainer &container = persistentContainer();
+    const StoreOrigin origin = container.storeOrigin();
+    if (origin == StoreOrigin::MadeForAnEmptyFile
+        || (origin == StoreOrigin::Made && m_hasRunBefore)) {
+        const QString folder = QFileInfo(container.storeFile()).path();
+        m_window->statusLine().showMessage(
+            tr("No journal was found in “%1”, so a new one was begun. If you have a backup, import "
+               "it.",
+               "Says that the journal is empty because its file was missing")
+                .arg(folder),
+            tr("Import …", "Button that asks which backup to import"),
+            [this] { m_window->backupCommands().importBackup(); });
+        qCWarning(applicationLog, "No journal was found, although the program has run before.");
+    } else if (!container.logSetAside().isEmpty()) {
+        m_window->statusLine().showMessage(
+            tr("The log of another file lay beside the journal. It was not used, and is now “%1”.",
+               "Says that a file beside the journal was renamed")
+                .arg(container.logSetAside()));
+    }
 }
 
 void AppDelegate::checkBackupFolder()

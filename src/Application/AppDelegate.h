@@ -73,6 +73,7 @@ private:
     std::function<void()> progressPainter(const QString &activity);
     bool commitEditing();
     void endEditing();
+    void showWhatHappenedToStore();
     void checkBackupFolder();
     void showBackupFolderAlert();
     bool presentError(const Error &error);
@@ -84,6 +85,7 @@ private:
     std::unique_ptr<AuxiliaryWindows> m_auxiliaryWindows;
     std::unique_ptr<MainWindow> m_window;
     QString m_windowStateFile;
+    bool m_hasRunBefore; ///< The window has written where it stood.
     bool m_presentingError = false;
     bool m_terminating = false;
     bool m_readyForLogout = false;

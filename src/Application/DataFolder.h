@@ -17,6 +17,8 @@ class DataFolder
 public:
     static Result<DataFolder> forOptions(const StartOptions &options);
 
+    /// The journal's name in its folder.
+    static QString storeName() { return QStringLiteral("Vum"); }
     QString journalDirectory() const { return m_journalDirectory; }
     QString settingsFile() const { return m_settingsDirectory + QStringLiteral("/settings.ini"); }
     QString windowStateFile() const { return m_settingsDirectory + QStringLiteral("/windows.ini"); }

@@ -10,6 +10,7 @@
 #include "Application/UnixSignals.h"
 #include "Application/Verify.h"
 #include "Application/Version.h"
+#include "Store/Objects/PersistentContainer.h"
 #include "Toolkit/Alert.h"
 #include "Toolkit/Icons.h"
 
@@ -42,6 +43,7 @@ int print(const PrintAndExit &text)
 struct CannotStart
 {
     QString reason;
+    bool canSetStoreAside = false;
 };
 
 /// Tells why the program cannot go on, on the screen and where it was started from.
@@ -54,6 +56,46 @@ int giveUp(const QString &reason)
              "Program", "Tembra has changed nothing. It closes now.", "Alert when the start fails"),
          .buttons = {QCoreApplication::translate("Program", "Quit", "Closes the program")},
          .style = AlertContents::Style::Critical});
+    return couldNotStart;
+}
+
+/// The journal cannot be used, but moved away, so that a copy of it finds nothing of the old one in
+/// its place.
+int giveUpOnStore(const QString &reason, const DataFolder &folder)
+{
+    printTo(stderr, u"tembra: "_s + reason + u'\n');
+    const int button = Alert::runModal(
+        {.messageText = reason,
+         .informativeText = QCoreApplication::translate(
+             "Program",
+             "Tembra has changed nothing. Before you put a copy of your journal in its place, set "
+             "these files aside together: they are renamed, and nothing is deleted.",
+             "Alert when the journal cannot be used"),
+         .buttons = {QCoreApplication::translate("Program", "Quit", "Closes the program"),
+                     QCoreApplication::translate("Program", "Set Files Aside and Quit",
+                                                 "Renames a journal that cannot be used")},
+         .cancelButton = 0,
+         .style = AlertContents::Style::Critical});
+    if (button == 0)
+        return couldNotStart;
+    const auto aside = PersistentContainer(DataFolder::storeName(), {},
+                                           {.directory = folder.journalDirectory()})
+                           .setStoreAside();
+    if (!aside)
+        return giveUp(aside.error().description());
+    const QString done =
+        QCoreApplication::translate(
+            "Program",
+            "The journal's files were set aside as “%1”. Put a copy in their place "
+            "and start Tembra again, or start it with a new journal.",
+            "Says where the files of a journal lie now")
+            .arg(*aside);
+    printTo(stderr, u"tembra: "_s + done + u'\n');
+    Alert::runModal(
+        {.messageText = done,
+         .informativeText = {},
+         .buttons = {QCoreApplication::translate("Program", "Quit", "Closes the program")},
+         .style = AlertContents::Style::Informational});
     return couldNotStart;
 }
 
@@ -96,7 +138,10 @@ int runOn(const DataFolder &folder, const StartOptions &options)
     instance.listen();
 
     ProgramServices services(folder);
-    services.coreData.setStopProgram([](const QString &reason) { throw CannotStart{reason}; });
+    services.coreData.setStopProgram(
+        [](const QString &reason, const PersistentContainer &container) {
+            throw CannotStart{reason, container.canSetStoreAside()};
+        });
     AppDelegate delegate(services, folder);
     const UnixSignals signalsOfTheSystem;
     QObject::connect(&instance, &SingleInstance::showRequested, &delegate,
@@ -112,7 +157,7 @@ int runOn(const DataFolder &folder, const StartOptions &options)
                 importSample(services, folder);
         });
     } catch (const CannotStart &stop) {
-        return giveUp(stop.reason);
+        return stop.canSetStoreAside ? giveUpOnStore(stop.reason, folder) : giveUp(stop.reason);
     }
     return runUntilQuit(delegate, options);
 }

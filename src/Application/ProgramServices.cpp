@@ -6,8 +6,6 @@
 
 namespace tembra {
 
-using namespace Qt::StringLiterals;
-
 ProgramServices::ProgramServices(const DataFolder &folder)
     : region(UserRegion::current())
     , calendar(region.timeZoneId)
@@ -18,7 +16,7 @@ ProgramServices::ProgramServices(const DataFolder &folder)
     , coreData(
           [this, directory = folder.journalDirectory()] {
               return std::make_unique<PersistentContainer>(
-                  u"Vum"_s, makeJournalModel(journal),
+                  DataFolder::storeName(), makeJournalModel(journal),
                   PersistentContainer::Options{.directory = directory, .clock = &clock});
           },
           defaults)

@@ -30,7 +30,9 @@ CoreDataInterface::CoreDataInterface(ContainerMaker makeContainer, const Default
     , m_presentError([](const Error &error) {
         qCWarning(modelLog, "Could not save: %s", qUtf8Printable(error.description()));
     })
-    , m_stopProgram([](const QString &message) { fatal(qUtf8Printable(message)); })
+    , m_stopProgram([](const QString &message, const PersistentContainer &) {
+        fatal(qUtf8Printable(message));
+    })
     , m_timer(this)
 {
     m_timer.setInterval(std::chrono::milliseconds(qint64(saveInterval() * 1000)));
@@ -45,7 +47,7 @@ PersistentContainer &CoreDataInterface::persistentContainer()
     if (!m_container) {
         auto container = m_makeContainer();
         if (const auto loaded = container->loadPersistentStores(); !loaded)
-            m_stopProgram(u"Unresolved error "_s + loaded.error().description());
+            m_stopProgram(u"Unresolved error "_s + loaded.error().description(), *container);
         m_container = std::move(container);
         adoptContainer();
     }
@@ -84,7 +86,7 @@ void CoreDataInterface::setPresentError(std::function<void(const Error &)> prese
     m_presentError = std::move(presentError);
 }
 
-void CoreDataInterface::setStopProgram(std::function<void(const QString &)> stopProgram)
+void CoreDataInterface::setStopProgram(StopProgram stopProgram)
 {
     m_stopProgram = std::move(stopProgram);
 }

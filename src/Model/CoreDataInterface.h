@@ -25,6 +25,9 @@ class CoreDataInterface : public QObject
     Q_OBJECT
 
 public:
+    /// Gets the container that could not be loaded.
+    using StopProgram =
+        std::function<void(const QString &message, const PersistentContainer &container)>;
     using ContainerMaker = std::function<std::unique_ptr<PersistentContainer>()>;
 
     /// @p makeContainer is called when the container is first asked for; what it returns is not
@@ -50,7 +53,7 @@ public:
     void setEndEditing(std::function<void()> endEditing);
     /// Shows a failed save to the user and returns when it was read. Logs by default.
     void setPresentError(std::function<void(const Error &)> presentError);
-    void setStopProgram(std::function<void(const QString &message)> stopProgram);
+    void setStopProgram(StopProgram stopProgram);
 
     /// Asks the controls to commit; true unless one refuses.
     bool commitEditing();
@@ -90,7 +93,7 @@ private:
     std::function<bool()> m_commitEditing;
     std::function<void()> m_endEditing;
     std::function<void(const Error &)> m_presentError;
-    std::function<void(const QString &)> m_stopProgram;
+    StopProgram m_stopProgram;
     QTimer m_timer;
     std::unique_ptr<PersistentContainer> m_container;
     bool m_autosavePaused = false;

@@ -95,7 +95,7 @@ JournalState stateOf(const QString &directory)
     const auto folder = DataFolder::forOptions({.dataDirectory = directory});
     try {
         ProgramServices services(*folder);
-        services.coreData.setStopProgram([&](const QString &reason) {
+        services.coreData.setStopProgram([&](const QString &reason, const PersistentContainer &) {
             state.integrity = reason.toUtf8();
             throw StoreIsBroken();
         });

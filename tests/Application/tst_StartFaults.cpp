@@ -1,5 +1,8 @@
+#include "Application/AppDelegate.h"
 #include "Application/DataFolder.h"
 #include "Application/ProgramServices.h"
+#include "MainWindow/MainWindow.h"
+#include "MainWindow/StatusLine.h"
 #include "RunningProgram.h"
 #include "Store/Objects/PersistentContainer.h"
 
@@ -7,8 +10,11 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QLabel>
+#include <QPushButton>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 #include <sqlite3.h>
 
@@ -71,6 +77,10 @@ private Q_SLOTS:
     void aStoreThatCannotBeOpened_data();
     void aStoreThatCannotBeOpened();
     void aSignalEndsTheAlert();
+    void aDamagedStoreIsSetAsideOnRequest();
+    void aLimitOnTheSizeOfFilesIsAFullDisk();
+    void aMissingJournalIsTold_data();
+    void aMissingJournalIsTold();
 
 private:
     static void prepare(const QString &fault, const QString &directory);
@@ -149,6 +159,79 @@ void tst_StartFaults::aSignalEndsTheAlert()
     QVERIFY(program.waitForWindow());
     program.sendSignal(SIGTERM);
     QCOMPARE(program.waitForEnd(), 1);
+}
+
+void tst_StartFaults::aDamagedStoreIsSetAsideOnRequest()
+{
+    const FreshAccount account;
+    const QString directory = account.path(u"journal"_s);
+    prepare(u"garbage"_s, directory);
+    const auto before = snapshot(directory);
+    RunningProgram program(account, {u"--data-dir"_s, directory});
+    QVERIFY(program.waitForWindow());
+    RunningProgram::press({u"Tab"_s, u"space"_s});
+    QVERIFY(program.waitForWindow());
+    RunningProgram::press({u"Return"_s});
+    QCOMPARE(program.waitForEnd(), 1);
+    const auto after = snapshot(directory);
+    QCOMPARE(after.size(), before.size());
+    for (auto it = before.cbegin(); it != before.cend(); ++it) {
+        QVERIFY(!after.contains(it.key()));
+        QVERIFY(after.values().contains(it.value()));
+    }
+    for (const QString &file : after.keys())
+        QVERIFY2(file.startsWith(directory + u"/Vum-set-aside-"_s), qPrintable(file));
+    QVERIFY2(program.errors().contains(u"Vum-set-aside-"_s), qPrintable(program.errors()));
+}
+
+void tst_StartFaults::aLimitOnTheSizeOfFilesIsAFullDisk()
+{
+    const FreshAccount account;
+    RunningProgram program(account,
+                           {u"--fsize=20000"_s, RunningProgram::file(), u"--data-dir"_s,
+                            account.path(u"journal"_s)},
+                           {}, u"prlimit"_s);
+    QVERIFY(program.waitForWindow());
+    RunningProgram::press({u"Return"_s});
+    QCOMPARE(program.waitForEnd(), 1);
+    QVERIFY2(program.errors().contains(u"The disk is full"_s), qPrintable(program.errors()));
+}
+
+void tst_StartFaults::aMissingJournalIsTold_data()
+{
+    QTest::addColumn<bool>("hasRunBefore");
+    QTest::addColumn<bool>("isEmpty");
+    QTest::newRow("first start") << false << false;
+    QTest::newRow("no file") << true << false;
+    QTest::newRow("empty file") << false << true;
+}
+
+void tst_StartFaults::aMissingJournalIsTold()
+{
+    QFETCH(bool, hasRunBefore);
+    QFETCH(bool, isEmpty);
+    const FreshAccount account;
+    const QString directory = account.path(u"journal"_s);
+    QVERIFY(QDir().mkpath(directory));
+    if (isEmpty)
+        writeFile(directory + u"/Vum.sqlite"_s, {});
+    if (hasRunBefore)
+        writeFile(directory + u"/windows.ini"_s, "[window]\n");
+    const auto folder = DataFolder::forOptions({.dataDirectory = directory});
+    ProgramServices services(*folder);
+    AppDelegate delegate(services, *folder);
+    delegate.applicationDidFinishLaunching();
+    const auto *line = &delegate.window()->statusLine();
+    QCOMPARE(line->isVisible(), hasRunBefore || isEmpty);
+    QStringList texts;
+    for (const auto *label : line->findChildren<QLabel *>())
+        texts.append(label->text());
+    QCOMPARE(texts.join(u' ').contains(directory), hasRunBefore || isEmpty);
+    const auto buttons = line->findChildren<QPushButton *>();
+    const bool offersImport = std::any_of(buttons.begin(), buttons.end(), [](const auto *button) {
+        return button->isVisible() && button->text().contains(u"Import"_s);
+    });
+    QCOMPARE(offersImport, hasRunBefore || isEmpty);
 }
 
 QTEST_MAIN(tst_StartFaults)

@@ -100,7 +100,7 @@ private:
         const auto folder = DataFolder::forOptions({.dataDirectory = m_folder.path()});
         ProgramServices services(*folder);
         bool opens = true;
-        services.coreData.setStopProgram([&](const QString &reason) {
+        services.coreData.setStopProgram([&](const QString &reason, const PersistentContainer &) {
             opens = false;
             m_tally.problems.append("The store does not open: " + reason.toUtf8());
             throw StoreIsBroken();

@@ -254,8 +254,9 @@ void tst_CoreDataInterface::aStoreThatCannotBeOpenedIsNotSaved()
                                              .clock = &services.clock});
         },
         services.defaults);
-    coreData.setStopProgram(
-        [](const QString &reason) { throw std::runtime_error(qPrintable(reason)); });
+    coreData.setStopProgram([](const QString &reason, const PersistentContainer &) {
+        throw std::runtime_error(qPrintable(reason));
+    });
     QVERIFY_THROWS_EXCEPTION(std::runtime_error, coreData.viewContext());
     // While an alert tells of it, two minutes go by, and the user logs out.
     coreData.handleTimer();
