@@ -21,10 +21,12 @@
 #include <QDeadlineTimer>
 #include <QEvent>
 #include <QFileInfo>
+#include <QProgressDialog>
 #include <QScopedValueRollback>
 #include <QSessionManager>
 
 #include <chrono>
+#include <utility>
 
 namespace tembra {
 
@@ -69,7 +71,7 @@ AppDelegate::~AppDelegate()
 void AppDelegate::applicationDidFinishLaunching(const std::function<void()> &prepareStore)
 {
     m_services.derivedTexts.follow(m_services.coreData.viewContext());
-    m_services.coreData.migrateFlagsToTags();
+    const auto migrated = migrateFlags();
     if (prepareStore)
         prepareStore();
     m_services.defaults.registerDefaults();
@@ -84,6 +86,43 @@ void AppDelegate::applicationDidFinishLaunching(const std::function<void()> &pre
     m_window->show();
     showWhatHappenedToStore();
     checkBackupFolder();
+    if (!migrated)
+        showMigrationError(migrated.error());
+    if (!m_packagesToOpen.isEmpty())
+        QMetaObject::invokeMethod(
+            this, [this] { openFiles(std::exchange(m_packagesToOpen, {})); }, Qt::QueuedConnection);
+    if (m_terminationRequested)
+        QMetaObject::invokeMethod(this, &AppDelegate::terminate, Qt::QueuedConnection);
+}
+
+/// The only thing at a start that takes time in a large journal, and only once in its life.
+Result<void> AppDelegate::migrateFlags()
+{
+    QProgressDialog progress(tr("Turning the flags of your meetings into tags …",
+                                "Says what is going on"),
+                             {}, 0, 0);
+    progress.setWindowModality(Qt::ApplicationModal);
+    progress.setMinimumDuration(int(timeWithoutProgress / 1ms));
+    progress.reset();
+    return m_services.coreData.migrateFlagsToTags([&](qsizetype done, qsizetype total) {
+        progress.setMaximum(int(total));
+        progress.setValue(int(done));
+    });
+}
+
+void AppDelegate::showMigrationError(const Error &error)
+{
+    const AlertContents contents{
+        .messageText = tr("The flags of your meetings are tags now, but this could not be saved.",
+                          "Alert when saving the tags that flags became fails"),
+        .informativeText =
+            tr("%1\n\nTembra tries again with every save. If none succeeds before you quit, the "
+               "flags become tags again at the next start.",
+               "What an alert about tags that could not be saved says; %1 is the reason")
+                .arg(error.message),
+        .buttons = {tr("OK", "Closes the alert about a failed save")},
+        .style = AlertContents::Style::Critical};
+    Alert::beginSheet(contents, m_window.get(), [](int) {});
 }
 
 /// A journal that is empty for another reason than that the user has just begun, or lacks its log.
@@ -142,6 +181,8 @@ void AppDelegate::openFiles(const QStringList &packagePaths)
     bringForward();
     if (m_window)
         m_window->openPackages(packagePaths);
+    else
+        m_packagesToOpen += packagePaths;
 }
 
 void AppDelegate::endTasksAndBackUp()
@@ -187,6 +228,8 @@ void AppDelegate::endEditing()
 
 void AppDelegate::terminate()
 {
+    // A start that goes on has no event loop yet that could be ended.
+    m_terminationRequested = !m_window;
     if (applicationShouldTerminate())
         QCoreApplication::exit(0);
 }
@@ -264,9 +307,10 @@ bool AppDelegate::prepareForLogout(bool mayAsk)
         m_readyForLogout = applicationShouldTerminate();
         return m_readyForLogout;
     }
+    if (!m_window)
+        return true; // Still starting: there is nothing to lose.
     endEditing();
-    if (m_window)
-        endTasksAndBackUp();
+    endTasksAndBackUp();
     m_services.coreData.commitEditing();
     if (const auto saved = m_services.coreData.saveChanges(); !saved)
         qCWarning(applicationLog, "Could not save at log-out: %s",

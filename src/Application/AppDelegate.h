@@ -74,6 +74,8 @@ private:
     bool commitEditing();
     void endEditing();
     void showWhatHappenedToStore();
+    Result<void> migrateFlags();
+    void showMigrationError(const Error &error);
     void checkBackupFolder();
     void showBackupFolderAlert();
     bool presentError(const Error &error);
@@ -86,7 +88,9 @@ private:
     std::unique_ptr<MainWindow> m_window;
     QString m_windowStateFile;
     bool m_hasRunBefore; ///< The window has written where it stood.
+    QStringList m_packagesToOpen; ///< Asked for before the window was there.
     bool m_presentingError = false;
+    bool m_terminationRequested = false; ///< Before the window was there.
     bool m_terminating = false;
     bool m_readyForLogout = false;
 };

@@ -1,5 +1,7 @@
 #include "Application/DataFolder.h"
 
+#include "Store/File/PrivateFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -53,7 +55,11 @@ Result<DataFolder> DataFolder::forOptions(const StartOptions &options)
                                      : journal;
     makePrivateFolder(journal);
     makePrivateFolder(settings);
-    return DataFolder(journal, settings);
+    DataFolder folder(journal, settings);
+    // Made by an earlier version, or elsewhere.
+    for (const QString &file : {folder.settingsFile(), folder.windowStateFile()})
+        makePrivate(file);
+    return folder;
 }
 
 } // namespace tembra

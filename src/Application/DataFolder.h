@@ -23,6 +23,9 @@ public:
     QString settingsFile() const { return m_settingsDirectory + QStringLiteral("/settings.ini"); }
     QString windowStateFile() const { return m_settingsDirectory + QStringLiteral("/windows.ini"); }
 
+    /// Whether nothing may be written elsewhere: the folder was given, or is thrown away.
+    bool holdsEverything() const { return m_journalDirectory == m_settingsDirectory; }
+
     /// Where the journal lies unless the user says otherwise.
     static QString usualJournalDirectory();
 

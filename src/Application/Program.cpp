@@ -7,6 +7,7 @@
 #include "Application/Sample/SampleJournal.h"
 #include "Application/Screenshots.h"
 #include "Application/SingleInstance.h"
+#include "Application/StartConditions.h"
 #include "Application/UnixSignals.h"
 #include "Application/Verify.h"
 #include "Application/Version.h"
@@ -15,10 +16,12 @@
 #include "Toolkit/Icons.h"
 
 #include <QApplication>
+#include <QSettings>
 #include <QTimer>
 
 #include <csignal>
 #include <cstdio>
+#include <sys/stat.h>
 
 namespace tembra {
 
@@ -108,6 +111,14 @@ int leaveToRunningInstance(const StartOptions &options)
     return couldNotStart;
 }
 
+/// The toolkit's panels remember things of their own, usually among those of all programs.
+void keepToolkitSettingsIn(const DataFolder &folder)
+{
+    if (folder.holdsEverything())
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                           folder.journalDirectory());
+}
+
 void importSample(ProgramServices &services, const DataFolder &folder)
 {
     const auto done = SampleJournal::importInto(services.coreData, folder.journalDirectory(),
@@ -129,13 +140,13 @@ int runUntilQuit(AppDelegate &delegate, const StartOptions &options)
 
 int runOn(const DataFolder &folder, const StartOptions &options)
 {
+    // Goes last: until everything else has been taken down, nobody else can start on this folder.
     SingleInstance instance(folder.journalDirectory());
-    const auto answer = instance.askRunningInstance(options.packages);
-    if (!answer)
-        return giveUp(answer.error().description());
-    if (*answer == SingleInstance::Answer::Shown)
+    const auto outcome = instance.start(options.packages);
+    if (!outcome)
+        return giveUp(outcome.error().description());
+    if (*outcome == SingleInstance::Outcome::Shown)
         return leaveToRunningInstance(options);
-    instance.listen();
 
     ProgramServices services(folder);
     services.coreData.setStopProgram(
@@ -172,17 +183,24 @@ int runProgram(int argc, char *argv[])
 #endif
     QCoreApplication::setApplicationName(u"Tembra"_s);
     QCoreApplication::setApplicationVersion(programVersion());
+    // What the toolkit writes for itself would else be open to others.
+    ::umask(S_IRWXG | S_IRWXO);
+    const QByteArrayList names(argv, argv + argc);
     QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
+    for (const QByteArray &name : names)
+        arguments.append(QString::fromUtf8(name));
     // Before the toolkit starts: help, version, mistakes and looking into a backup need no display.
     const CommandLine parsed = parseCommandLine(arguments);
     if (const auto *text = std::get_if<PrintAndExit>(&parsed))
         return print(*text);
+    if (const QString complaint = complaintAboutNames(names, parsed); !complaint.isEmpty())
+        return print({u"tembra: "_s + complaint + u'\n', couldNotStart});
     if (const auto *request = std::get_if<VerifyRequest>(&parsed))
         return print(verifyPackage(request->package));
 
+    auto guard = std::make_optional<DisplayGuard>();
     const QApplication application(argc, argv);
+    guard.reset();
     QGuiApplication::setDesktopFileName(u"tembra"_s);
     QApplication::setWindowIcon(icons::application());
     // Only AppDelegate ends the program.
@@ -190,7 +208,10 @@ int runProgram(int argc, char *argv[])
     QCoreApplication::setQuitLockEnabled(false);
     const auto &options = std::get<StartOptions>(parsed);
     const auto folder = DataFolder::forOptions(options);
-    return folder ? runOn(*folder, options) : giveUp(folder.error().description());
+    if (!folder)
+        return giveUp(folder.error().description());
+    keepToolkitSettingsIn(*folder);
+    return runOn(*folder, options);
 }
 
 } // namespace tembra

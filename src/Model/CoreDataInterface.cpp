@@ -121,7 +121,7 @@ void CoreDataInterface::save(Reporting reporting)
 {
     if (!commitEditing())
         qCWarning(modelLog, "CoreDataInterface unable to commit editing before saving");
-    if (!viewContext().hasChanges())
+    if (!m_container || !viewContext().hasChanges())
         return;
     const bool alreadyKnown = m_saveFailing && reporting == Reporting::FirstFailure;
     const auto saved = saveChanges();
@@ -167,27 +167,32 @@ void CoreDataInterface::handleSave(ManagedObjectContext *savedContext, const Cha
         viewContext().mergeChanges(changes);
 }
 
-void CoreDataInterface::migrateFlagsToTags()
+Result<void> CoreDataInterface::migrateFlagsToTags(const MigrationProgress &progress)
 {
+    constexpr qsizetype betweenReports = 64;
     ManagedObjectContext &context = viewContext();
     const auto flagged = context.fetch<Session>(JournalQueries::flaggedSessions());
     if (!flagged) {
         qCWarning(modelLog, "Could not fetch flagged sessions: %s",
                   qUtf8Printable(flagged.error().description()));
-        return;
+        return {};
     }
+    if (flagged->isEmpty())
+        return {};
     {
         const UndoManager::Suspension notUndoable(*context.undoManager());
-        for (const std::shared_ptr<Session> &session : *flagged) {
-            const QString name = u"Flag %1"_s.arg(session->flag());
-            Tag::findOrCreate(context, name, legacyFlagEmoji(session->flag(), m_defaults))
-                ->addSession(*session);
-            session->setFlag(0);
+        LegacyFlagTags tags(context, m_defaults);
+        for (qsizetype i = 0; i < flagged->size(); ++i) {
+            if (progress && i % betweenReports == 0)
+                progress(i, flagged->size());
+            Session &session = *flagged->at(i);
+            tags.tagFor(session.flag())->addSession(session);
+            session.setFlag(0);
         }
         // What was recorded in this turn must be settled before recording goes on.
         context.processPendingChanges();
     }
-    save();
+    return saveChanges();
 }
 
 } // namespace tembra

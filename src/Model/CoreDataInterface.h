@@ -39,7 +39,7 @@ public:
     /// Seconds between two looks of the autosave.
     double saveInterval() const { return 120.0; }
 
-    /// The store, loaded at the first call. One that cannot be loaded ends in the function set with
+    /// The store, loaded at the first call; until that has succeeded there is nothing to save. One that cannot be loaded ends in the function set with
     /// setStopProgram(), which gets "Unresolved error " and the error and does not return.
     PersistentContainer &persistentContainer();
     /// Puts another container, already loaded, in its place; before anything uses the first one.
@@ -71,8 +71,11 @@ public:
     void setAutosavePaused(bool paused);
     /// Merges what another context has saved into the main context.
     void handleSave(ManagedObjectContext *savedContext, const ChangeSet &changes);
-    /// Turns the flags of old journals into tags, then saves. Does nothing where none is left.
-    void migrateFlagsToTags();
+    /// Turns the flags of old journals into tags, then saves; fails when that cannot be saved: the
+    /// tags are there all the same, for the next save. Does nothing where no flag is left.
+    /// @p progress hears now and then how many of how many meetings are done.
+    using MigrationProgress = std::function<void(qsizetype done, qsizetype total)>;
+    Result<void> migrateFlagsToTags(const MigrationProgress &progress = {});
 
     /// True from a save that failed until the next one that succeeds.
     bool isSaveFailing() const { return m_saveFailing; }

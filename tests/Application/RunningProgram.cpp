@@ -27,6 +27,8 @@ QProcessEnvironment FreshAccount::environment() const
                        QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation));
     environment.insert(u"HOME"_s, path(u"home"_s));
     environment.insert(u"TMPDIR"_s, path(u"tmp"_s));
+    for (const auto &[name, value] : m_variables.asKeyValueRange())
+        environment.insert(name, value);
     return environment;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMap>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -15,11 +16,14 @@ public:
 
     QString path(const QString &name) const { return m_folder.filePath(name); }
     QProcessEnvironment environment() const;
+    /// For programs started from now on.
+    void setVariable(const QString &name, const QString &value) { m_variables.insert(name, value); }
     /// What lies in the home folder and among the temporary files, all the way down.
     QStringList filesLeft() const;
 
 private:
     QTemporaryDir m_folder;
+    QMap<QString, QString> m_variables;
 };
 
 /// The built program as a process of its own, used through the display's own keyboard.
@@ -36,6 +40,7 @@ public:
 
     /// Waits until it shows a window that has the keyboard; false after a while without.
     bool waitForWindow();
+    bool isRunning() { return !m_process.waitForFinished(0); }
     /// Whether one of its windows has the keyboard.
     bool isInFront() const;
     /// Waits until it shows this many windows, alerts counted.

@@ -21,6 +21,8 @@ private Q_SLOTS:
     void bringsAMinimisedWindowForward();
     void bringsAnOpenAlertForward();
     void twoAtOnceBecomeOne();
+    void manyAtOnceBecomeOne_data();
+    void manyAtOnceBecomeOne();
     void anotherJournalIsAnotherProgram();
     void takesNoPicturesOfTheFirst();
     void tellsOfOneThatHangs();
@@ -71,6 +73,55 @@ void tst_SecondStart::twoAtOnceBecomeOne()
     QCOMPARE(second.waitForEnd(), 0);
     QVERIFY(first.waitForWindow());
     QCOMPARE(second.errors(), QString());
+}
+
+void tst_SecondStart::manyAtOnceBecomeOne_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("hasRuntimeFolder");
+    QTest::addColumn<bool>("afterACrash");
+    for (int run = 0; run < 18; ++run)
+        QTest::addRow("%d", run) << 2 + run % 3 << (run % 2 == 0) << (run % 3 == 2);
+}
+
+/// In the same moment, not one after the other: whoever comes first is the program, and asks about the
+/// package that each of the others was given.
+void tst_SecondStart::manyAtOnceBecomeOne()
+{
+    QFETCH(int, count);
+    QFETCH(bool, hasRuntimeFolder);
+    QFETCH(bool, afterACrash);
+    if (!hasRuntimeFolder)
+        m_account->setVariable(u"XDG_RUNTIME_DIR"_s, m_account->path(u"no such folder"_s));
+    if (afterACrash) {
+        RunningProgram killed(*m_account, onJournal());
+        QVERIFY(killed.waitForWindow());
+        killed.sendSignal(SIGKILL);
+        QCOMPARE(killed.waitForEnd(), -SIGKILL);
+    }
+    std::vector<std::unique_ptr<RunningProgram>> programs;
+    for (int i = 0; i < count; ++i)
+        programs.push_back(std::make_unique<RunningProgram>(*m_account, onJournal()));
+    const auto running = [&] {
+        return std::count_if(programs.begin(), programs.end(),
+                             [](const auto &program) { return program->isRunning(); });
+    };
+    QTRY_COMPARE_WITH_TIMEOUT(running(), 1, 20'000);
+    for (const auto &program : programs) {
+        if (program->isRunning()) {
+            QVERIFY(program->waitForWindow());
+            QVERIFY(program->waitForWindows(1));
+            // It is still found by whoever comes later.
+            RunningProgram later(*m_account, onJournal());
+            QCOMPARE(later.waitForEnd(), 0);
+            program->sendSignal(SIGTERM);
+        }
+        QCOMPARE(program->waitForEnd(), 0);
+        QCOMPARE(program->errors(), QString());
+    }
+    QCOMPARE(QDir(m_account->path(u"journal"_s))
+                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
+             (QStringList{u"Vum.sqlite"_s, u"windows.ini"_s}));
 }
 
 void tst_SecondStart::anotherJournalIsAnotherProgram()

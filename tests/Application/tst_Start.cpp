@@ -64,6 +64,16 @@ bool holdsYellow(const QImage &image, const QRect &place)
     return false;
 }
 
+void openAndCloseThePanels(RunningProgram &program)
+{
+    for (const QString &command : {u"i"_s, u"b"_s}) {
+        RunningProgram::press({u"alt+f"_s, command});
+        QTRY_VERIFY2(!program.isInFront(), qPrintable(command));
+        RunningProgram::press({u"Escape"_s});
+        QVERIFY(program.waitForWindow());
+    }
+}
+
 } // namespace
 
 class tst_Start : public QObject
@@ -82,6 +92,13 @@ private Q_SLOTS:
     void theSampleLeavesNoTrace();
     void aDataFolderHoldsEverything();
     void theUsualFoldersAreUsedOtherwise();
+    void panelsLeaveNothingElsewhere_data();
+    void panelsLeaveNothingElsewhere();
+    void othersCannotReadWhatItWrites();
+    void aNameThatIsNoTextIsRefused_data();
+    void aNameThatIsNoTextIsRefused();
+    void withoutADisplayItSaysSo_data();
+    void withoutADisplayItSaysSo();
     void picturesAreTaken();
     void picturesThatCannotBeWrittenAreToldOf();
 
@@ -200,6 +217,131 @@ void tst_Start::theUsualFoldersAreUsedOtherwise()
     QCOMPARE(program.waitForEnd(), 0);
     QVERIFY(QFile::exists(m_account->path(u"home/.local/share/Tembra/Vum.sqlite"_s)));
     QVERIFY(QFile::exists(m_account->path(u"home/.config/Tembra/windows.ini"_s)));
+}
+
+void tst_Start::panelsLeaveNothingElsewhere_data()
+{
+    QTest::addColumn<bool>("sample");
+    QTest::newRow("data folder") << false;
+    QTest::newRow("sample") << true;
+}
+
+/// The toolkit's own panels have settings of their own.
+void tst_Start::panelsLeaveNothingElsewhere()
+{
+    QFETCH(bool, sample);
+    RunningProgram program(*m_account, sample ? QStringList{u"--sample"_s}
+                                              : QStringList{u"--data-dir"_s, journal()});
+    QVERIFY(program.waitForWindow());
+    openAndCloseThePanels(program);
+    program.sendSignal(SIGTERM);
+    QCOMPARE(program.waitForEnd(), 0);
+    QCOMPARE(m_account->filesLeft(), QStringList());
+}
+
+void tst_Start::othersCannotReadWhatItWrites()
+{
+    QVERIFY(QDir().mkpath(journal()));
+    QFile old(journal() + u"/windows.ini"_s);
+    QVERIFY(old.open(QIODevice::WriteOnly));
+    old.close();
+    QVERIFY(old.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup
+                               | QFile::ReadOther));
+    for (const QString &folder : {journal(), m_account->path(u"new"_s)}) {
+        RunningProgram program(*m_account, {u"--data-dir"_s, folder});
+        QVERIFY(program.waitForWindow());
+        openAndCloseThePanels(program);
+        program.sendSignal(SIGTERM);
+        QCOMPARE(program.waitForEnd(), 0);
+        const auto files = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden);
+        QVERIFY(files.size() >= 2);
+        for (const QFileInfo &file : files) {
+            const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup
+                                              | QFile::ReadOther | QFile::WriteOther;
+            QVERIFY2(!(file.permissions() & others), qPrintable(file.filePath()));
+        }
+    }
+}
+
+void tst_Start::aNameThatIsNoTextIsRefused_data()
+{
+    QTest::addColumn<QString>("command"); // Of a shell, in the account's folder.
+    QTest::newRow("data folder") << u"exec \"$0\" --data-dir \"$1/caf\351\""_s;
+    QTest::newRow("data folder after =") << u"exec \"$0\" \"--data-dir=$1/caf\351\""_s;
+    QTest::newRow("data folder below one")
+        << u"mkdir \"caf\351\" && cd \"caf\351\" && exec \"$0\" --data-dir mine"_s;
+    QTest::newRow("home folder") << u"mkdir \"caf\351\" && HOME=\"$1/caf\351\"; exec \"$0\""_s;
+    QTest::newRow("folder for temporary files")
+        << u"mkdir \"caf\351\" && TMPDIR=\"$1/caf\351\"; exec \"$0\" --sample"_s;
+    QTest::newRow("pictures") << u"exec \"$0\" --sample --screenshots \"$1/caf\351\""_s;
+    QTest::newRow("package") << u"exec \"$0\" --sample \"$1/caf\351\""_s;
+}
+
+void tst_Start::aNameThatIsNoTextIsRefused()
+{
+    QFETCH(QString, command);
+    QFile script(m_account->path(u"start"_s));
+    QVERIFY(script.open(QIODevice::WriteOnly));
+    script.write(command.toLatin1());
+    script.close();
+    QProcess shell;
+    QProcessEnvironment environment = m_account->environment();
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+    shell.setProcessEnvironment(environment);
+    shell.setWorkingDirectory(m_account->path(QString()));
+    // It must end by itself: an alert would wait for somebody to read it.
+    shell.start(u"bash"_s, {u"-c"_s, u". ./start"_s, RunningProgram::file(),
+                            QDir(m_account->path(QString())).absolutePath()});
+    QVERIFY(shell.waitForFinished(10'000));
+    QCOMPARE(shell.exitCode(), 1);
+    const QString said = QString::fromUtf8(shell.readAllStandardError());
+    QVERIFY2(said.contains(u"is not UTF-8 text"), qPrintable(said));
+    QVERIFY2(said.contains(u"caf\\xE9"), qPrintable(said));
+    // A name that Qt cannot spell cannot be removed by it either.
+    QProcess::execute(u"bash"_s,
+                      {u"-c"_s, u"rmdir \"$0\"/caf* 2>/dev/null"_s, m_account->path(QString())});
+    QCOMPARE(QDir(m_account->path(QString())).entryList({u"caf*"_s}), QStringList());
+    QCOMPARE(m_account->filesLeft(), QStringList());
+}
+
+void tst_Start::withoutADisplayItSaysSo_data()
+{
+    QTest::addColumn<QStringList>("variables");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("none") << QStringList()
+                          << u"tembra: Tembra needs a display, and there is none here."_s;
+    QTest::newRow("empty") << QStringList{u"DISPLAY="_s, u"WAYLAND_DISPLAY="_s}
+                           << u"tembra: Tembra needs a display, and there is none here."_s;
+    QTest::newRow("X that is gone")
+        << QStringList{u"DISPLAY=:4711"_s}
+        << u"tembra: Tembra needs a display, and this one cannot be opened: DISPLAY=:4711"_s;
+    QTest::newRow("Wayland that is gone")
+        << QStringList{u"WAYLAND_DISPLAY=gone"_s}
+        << u"tembra: Tembra needs a display, and this one cannot be opened: WAYLAND_DISPLAY=gone"_s;
+    QTest::newRow("another platform")
+        << QStringList{u"QT_QPA_PLATFORM=nonsense"_s, u"DISPLAY=:4711"_s}
+        << u"QT_QPA_PLATFORM=nonsense"_s;
+}
+
+void tst_Start::withoutADisplayItSaysSo()
+{
+    QFETCH(QStringList, variables);
+    QFETCH(QString, sentence);
+    QProcess program;
+    QProcessEnvironment environment = m_account->environment();
+    for (const QString &name : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s})
+        environment.remove(name);
+    for (const QString &variable : variables)
+        environment.insert(variable.section(u'=', 0, 0), variable.section(u'=', 1));
+    program.setProcessEnvironment(environment);
+    program.start(RunningProgram::file(), {u"--data-dir"_s, journal()});
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 1);
+    const QString said = QString::fromUtf8(program.readAllStandardError());
+    QVERIFY2(said.contains(sentence), qPrintable(said));
+    QVERIFY(!QFile::exists(journal()));
+    QCOMPARE(m_account->filesLeft(), QStringList());
 }
 
 void tst_Start::picturesAreTaken()
