@@ -24,7 +24,9 @@ public:
     /// For an alert that is to come, in milliseconds.
     static constexpr int longestWait = 10'000;
 
-    explicit ProgramInProcess(const QString &directory)
+    /// @p beforeLaunch may break the disk once the store is open.
+    explicit ProgramInProcess(const QString &directory,
+                              const std::function<void(FaultVfs &)> &beforeLaunch = {})
         : m_folder(*DataFolder::forOptions({.dataDirectory = directory}))
         , services(m_folder)
     {
@@ -39,6 +41,8 @@ public:
         delegate = std::make_unique<AppDelegate>(services, m_folder);
         QObject::connect(&m_signals, &UnixSignals::terminationRequested, delegate.get(),
                          &AppDelegate::terminate);
+        if (beforeLaunch)
+            beforeLaunch(disk);
         delegate->applicationDidFinishLaunching();
         window = delegate->window();
     }

@@ -83,6 +83,12 @@ QStringList RunningProgram::windows() const
     return found.split(u'\n', Qt::SkipEmptyParts);
 }
 
+bool RunningProgram::isRunning()
+{
+    m_process.waitForFinished(0); // Hears of an end without an event loop.
+    return m_process.state() != QProcess::NotRunning;
+}
+
 bool RunningProgram::isInFront() const
 {
     return windows().contains(xdotool({u"getactivewindow"_s}));

@@ -40,7 +40,7 @@ public:
 
     /// Waits until it shows a window that has the keyboard; false after a while without.
     bool waitForWindow();
-    bool isRunning() { return !m_process.waitForFinished(0); }
+    bool isRunning();
     /// Whether one of its windows has the keyboard.
     bool isInFront() const;
     /// Waits until it shows this many windows, alerts counted.

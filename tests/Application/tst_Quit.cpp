@@ -42,6 +42,8 @@ private Q_SLOTS:
     void failedSaveCanBeCancelled();
     void failedSaveCanQuitAnyway_data() { addWays(); }
     void failedSaveCanQuitAnyway();
+    void afterQuitAnywayTheLastSaveIsThere_data();
+    void afterQuitAnywayTheLastSaveIsThere();
     void keysOnTheQuestionCancel_data();
     void keysOnTheQuestionCancel();
     void buttonsStandInTheirOrder();
@@ -193,6 +195,37 @@ void tst_Quit::failedSaveCanQuitAnyway()
     // Taken down while the disk still fails.
     m_program.reset();
     m_program = std::make_unique<ProgramInProcess>(m_folder->path());
+}
+
+void tst_Quit::afterQuitAnywayTheLastSaveIsThere_data()
+{
+    QTest::addColumn<bool>("draftReachedTheDisk");
+    QTest::newRow("edit after the disk was full") << false;
+    QTest::newRow("edit that had been written before") << true;
+}
+
+/// Whatever was never written is lost, as the question says; the rest stays, and nothing by halves.
+void tst_Quit::afterQuitAnywayTheLastSaveIsThere()
+{
+    QFETCH(bool, draftReachedTheDisk);
+    ManagedObjectContext &context = m_program->services.coreData.viewContext();
+    {
+        const auto saved = context.insert<Counterpart>();
+        saved->setName(u"Ana"_s);
+        m_program->services.coreData.save();
+        QVERIFY(!m_program->hasChanges());
+        saved->setName(u"Anna"_s);
+    }
+    m_program->addTeammate(u"Ben"_s);
+    if (draftReachedTheDisk)
+        QVERIFY(context.writeDrafts());
+    m_program->breakDisk();
+    m_program->addTeammate(u"Cem"_s);
+    QCOMPARE(m_program->run([&] { quitBy(u"menu"_s); },
+                            {AlertReader::press(0), AlertReader::press(0)}),
+             0);
+    QCOMPARE(savedNames(),
+             draftReachedTheDisk ? (QStringList{u"Anna"_s, u"Ben"_s}) : QStringList{u"Ana"_s});
 }
 
 void tst_Quit::keysOnTheQuestionCancel_data()

@@ -81,6 +81,8 @@ private Q_SLOTS:
     void aLimitOnTheSizeOfFilesIsAFullDisk();
     void aMissingJournalIsTold_data();
     void aMissingJournalIsTold();
+    void aLogOutEndsTheAlert_data();
+    void aLogOutEndsTheAlert();
 
 private:
     static void prepare(const QString &fault, const QString &directory);
@@ -232,6 +234,36 @@ void tst_StartFaults::aMissingJournalIsTold()
         return button->isVisible() && button->text().contains(u"Import"_s);
     });
     QCOMPARE(offersImport, hasRunBefore || isEmpty);
+}
+
+void tst_StartFaults::aLogOutEndsTheAlert_data()
+{
+    QTest::addColumn<bool>("mayAsk");
+    QTest::newRow("with questions") << true;
+    QTest::newRow("without questions") << false;
+}
+
+void tst_StartFaults::aLogOutEndsTheAlert()
+{
+    QFETCH(bool, mayAsk);
+    const FreshAccount account;
+    prepare(u"folder"_s, account.path(u"journal"_s));
+    const auto folder = DataFolder::forOptions({.dataDirectory = account.path(u"journal"_s)});
+    ProgramServices services(*folder);
+    struct Stop
+    {
+    };
+    int stops = 0;
+    services.coreData.setStopProgram([&](const QString &) {
+        ++stops;
+        throw Stop();
+    });
+    AppDelegate delegate(services, *folder);
+    QVERIFY_THROWS_EXCEPTION(Stop, delegate.applicationDidFinishLaunching());
+    // The alert is up now; nobody tries to open the store once more.
+    services.coreData.handleTimer();
+    QVERIFY(delegate.prepareForLogout(mayAsk));
+    QCOMPARE(stops, 1);
 }
 
 QTEST_MAIN(tst_StartFaults)

@@ -50,6 +50,9 @@ private Q_SLOTS:
     void equalFlagsShareATag();
     void secondMigrationChangesNothing();
     void migrationCannotBeUndone();
+    void eachFlagIsLookedUpOnce();
+    void migrationTellsHowFarItIs();
+    void migrationThatCannotBeSavedIsLeftToTheNextSave();
     void savesOfOtherContextsAppear();
     void aStoreThatCannotBeOpenedIsNotSaved();
 };
@@ -172,7 +175,7 @@ void tst_CoreDataInterface::flagsBecomeTags()
     const auto seventh = journal.addSessionDaysAgo(ana, 2);
     seventh->setFlag(7);
     const auto unflagged = journal.addSessionDaysAgo(ana, 3);
-    journal.coreData().migrateFlagsToTags();
+    QVERIFY(journal.coreData().migrateFlagsToTags());
 
     QCOMPARE(second->sortedTags().size(), 1);
     QCOMPARE(second->sortedTags().first()->name(), u"Flag 2"_s);
@@ -192,7 +195,7 @@ void tst_CoreDataInterface::flagOverrideNamesTheEmoji()
     journal.defaults.setEmojiOverride(u"flagKey2"_s, u"🎏"_s);
     const auto session = journal.addSessionDaysAgo(journal.addCounterpart(u"Ana"_s), 1);
     session->setFlag(2);
-    journal.coreData().migrateFlagsToTags();
+    QVERIFY(journal.coreData().migrateFlagsToTags());
     QCOMPARE(session->sortedTags().first()->emoji(), u"🎏"_s);
 }
 
@@ -204,7 +207,7 @@ void tst_CoreDataInterface::equalFlagsShareATag()
     const auto two = journal.addSessionDaysAgo(ana, 2);
     one->setFlag(4);
     two->setFlag(4);
-    journal.coreData().migrateFlagsToTags();
+    QVERIFY(journal.coreData().migrateFlagsToTags());
     QCOMPARE(one->sortedTags(), two->sortedTags());
     QCOMPARE(recordCount(journal.context(), {.entityName = "Tag"}), 1);
 }
@@ -213,9 +216,9 @@ void tst_CoreDataInterface::secondMigrationChangesNothing()
 {
     JournalFixture journal;
     journal.addSessionDaysAgo(journal.addCounterpart(u"Ana"_s), 1)->setFlag(3);
-    journal.coreData().migrateFlagsToTags();
+    QVERIFY(journal.coreData().migrateFlagsToTags());
     QSignalSpy saved(&journal.context(), &ManagedObjectContext::didSave);
-    journal.coreData().migrateFlagsToTags();
+    QVERIFY(journal.coreData().migrateFlagsToTags());
     QCOMPARE(saved.count(), 0);
     QCOMPARE(recordCount(journal.context(), {.entityName = "Tag"}), 1);
 }
@@ -225,8 +228,72 @@ void tst_CoreDataInterface::migrationCannotBeUndone()
     JournalFixture journal;
     journal.addSessionDaysAgo(journal.addCounterpart(u"Ana"_s), 1)->setFlag(3);
     journal.settle();
-    journal.coreData().migrateFlagsToTags();
+    QVERIFY(journal.coreData().migrateFlagsToTags());
     QVERIFY(!journal.context().undoManager()->canUndo());
+}
+
+/// A look-up that finds the tag takes a key all the same.
+void tst_CoreDataInterface::eachFlagIsLookedUpOnce()
+{
+    JournalFixture journal;
+    const auto ana = journal.addCounterpart(u"Ana"_s);
+    QList<std::shared_ptr<Session>> sessions;
+    for (int i = 0; i < 40; ++i) {
+        sessions.append(journal.addSessionDaysAgo(ana, i + 1));
+        sessions.last()->setFlag(qint16(1 + i % 2));
+    }
+    journal.settle();
+    const auto before = journal.context().insert<Tag>();
+    QVERIFY(journal.coreData().migrateFlagsToTags());
+    const auto after = journal.context().insert<Tag>();
+    QCOMPARE(after->objectID().key - before->objectID().key, 3);
+}
+
+void tst_CoreDataInterface::migrationTellsHowFarItIs()
+{
+    JournalFixture journal;
+    const auto ana = journal.addCounterpart(u"Ana"_s);
+    for (int i = 0; i < 200; ++i)
+        journal.addSessionDaysAgo(ana, i + 1)->setFlag(1);
+    QList<qsizetype> done;
+    QVERIFY(journal.coreData().migrateFlagsToTags([&](qsizetype soFar, qsizetype total) {
+        QCOMPARE(total, 200);
+        done.append(soFar);
+    }));
+    QVERIFY(done.size() > 2);
+    QCOMPARE(done.first(), 0);
+    QVERIFY(std::is_sorted(done.begin(), done.end()));
+    QVERIFY(done.last() < 200);
+    done.clear();
+    QVERIFY(journal.coreData().migrateFlagsToTags(
+        [&](qsizetype soFar, qsizetype) { done.append(soFar); }));
+    QCOMPARE(done.size(), 0);
+}
+
+void tst_CoreDataInterface::migrationThatCannotBeSavedIsLeftToTheNextSave()
+{
+    FaultVfs disk;
+    JournalFixture journal(utc(2026, 11, 20), disk.name());
+    int shown = 0;
+    journal.coreData().setPresentError([&](const Error &) { ++shown; });
+    const auto session = journal.addSessionDaysAgo(journal.addCounterpart(u"Ana"_s), 1);
+    session->setFlag(2);
+    journal.settle();
+    {
+        const FullDisk full(disk);
+        const auto migrated = journal.coreData().migrateFlagsToTags();
+        QVERIFY(!migrated);
+        QVERIFY2(migrated.error().message.contains(u"full"_s),
+                 qUtf8Printable(migrated.error().message));
+        journal.coreData().handleTimer();
+    }
+    // Whoever called it tells the user, and nobody else tells it again.
+    QCOMPARE(shown, 0);
+    QVERIFY(journal.coreData().isSaveFailing());
+    QCOMPARE(session->sortedTags().size(), 1);
+    QVERIFY(journal.context().hasChanges());
+    journal.coreData().handleTimer();
+    QVERIFY(!journal.context().hasChanges());
 }
 
 void tst_CoreDataInterface::savesOfOtherContextsAppear()
