@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Result.h"
+#include "Toolkit/PlaceholderColor.h"
 
 #include <QObject>
 
@@ -83,6 +84,7 @@ private:
     bool askQuitAnyway();
 
     ProgramServices &m_services;
+    PlaceholderColor m_placeholderColor;
     std::function<bool(const Error &)> m_presentError;
     std::unique_ptr<AuxiliaryWindows> m_auxiliaryWindows;
     std::unique_ptr<MainWindow> m_window;

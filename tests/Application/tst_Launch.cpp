@@ -1,18 +1,22 @@
 #include "Application/AppDelegate.h"
 #include "Application/DataFolder.h"
 #include "Application/ProgramServices.h"
+#include "MainWindow/Counterparts/CounterpartsPaneViewController.h"
 #include "MainWindow/MainWindow.h"
 #include "Model/Counterpart.h"
 #include "Model/JournalQueries.h"
 #include "Model/Session.h"
 #include "Model/Tag.h"
+#include "Preferences/InputControls/AutoEditArrayController.h"
 #include "ProgramInProcess.h"
 #include "RunningProgram.h"
 #include "Store/Objects/ManagedObjectContext.h"
+#include "Toolkit/Theme.h"
 
 #include <QColor>
 #include <QDir>
 #include <QImage>
+#include <QLineEdit>
 #include <QProgressDialog>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -130,6 +134,9 @@ private Q_SLOTS:
     void overdueTeammates_data();
     void overdueTeammates();
     void whatIsAskedForBeforeTheWindowIsDoneWithIt();
+    void theSearchPlaceholderIsReadable_data();
+    void theSearchPlaceholderIsReadable();
+    void theSearchPlaceholderShowsEmojiInColour();
 
 private:
     QString journal() const { return m_account->path(u"journal"_s); }
@@ -163,7 +170,7 @@ void tst_Launch::theUsersOwnFlagEmojiAreTaken()
 
 void tst_Launch::aLongMigrationShowsHowFarItIs()
 {
-    writeFlags(journal(), QList<int>(6000, 5));
+    writeFlags(journal(), QList<int>(25'000, 5));
     const auto folder = DataFolder::forOptions({.dataDirectory = journal()});
     ProgramServices services(*folder);
     AppDelegate delegate(services, *folder);
@@ -178,7 +185,7 @@ void tst_Launch::aLongMigrationShowsHowFarItIs()
                 continue;
             ++shown;
             values.append(dialog->value());
-            QCOMPARE(dialog->maximum(), 6000);
+            QCOMPARE(dialog->maximum(), 25'000);
             QVERIFY(dialog->labelText().contains(u"flags"));
         }
     });
@@ -277,6 +284,66 @@ void tst_Launch::whatIsAskedForBeforeTheWindowIsDoneWithIt()
     AlertReader alerts({}, nullptr);
     QTimer::singleShot(10'000, qApp, [] { QCoreApplication::exit(99); });
     QCOMPARE(QCoreApplication::exec(), 0);
+}
+
+void tst_Launch::theSearchPlaceholderIsReadable_data()
+{
+    QTest::addColumn<QColor>("base");
+    QTest::addColumn<QColor>("text");
+    QTest::addColumn<QColor>("placeholder"); // As a theme gives it.
+    QTest::newRow("dark") << QColor(0x1d1e20) << QColor(0xe6e7e9) << QColor(0, 0, 0, 128);
+    QTest::newRow("light") << QColor(Qt::white) << QColor(0x222326) << QColor(0xf0f0f0);
+    QTest::newRow("black") << QColor(Qt::black) << QColor(Qt::white) << QColor(Qt::black);
+}
+
+void tst_Launch::theSearchPlaceholderIsReadable()
+{
+    QFETCH(QColor, base);
+    QFETCH(QColor, text);
+    QFETCH(QColor, placeholder);
+    const QPalette usual = QApplication::palette();
+    ProgramInProcess program(journal());
+    QPalette palette(base, base);
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::PlaceholderText, placeholder);
+    QApplication::setPalette(palette); // While it runs, as when the desktop turns dark.
+    int fields = 0;
+    for (const QWidget *field : program.window->findChildren<QWidget *>()) {
+        if (field->objectName() != u"searchField" && field->objectName() != u"tagFilterField")
+            continue;
+        ++fields;
+        QTRY_COMPARE(field->palette().color(QPalette::Text), text);
+        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+            const double contrast = theme::contrast(
+                field->palette().color(group, QPalette::PlaceholderText), base);
+            QVERIFY2(contrast >= theme::readableContrast, qPrintable(QString::number(contrast)));
+        }
+    }
+    QCOMPARE(fields, 2);
+    QApplication::setPalette(usual);
+}
+
+void tst_Launch::theSearchPlaceholderShowsEmojiInColour()
+{
+    ProgramInProcess program(journal());
+    program.addTeammate(u"❤\uFE0F"_s);
+    program.services.coreData.viewContext().processPendingChanges();
+    program.delegate->counterpartsViewController()->counterpartsArrayController().setSelectionIndex(
+        0);
+    auto *field = program.find<QLineEdit>(u"searchField"_s);
+    QTRY_VERIFY(field->placeholderText().contains(u'❤'));
+    // What breaks emoji apart in a plain field is left out.
+    QVERIFY(!field->placeholderText().contains(QChar(0xFE0F)));
+    const QImage picture = field->grab().toImage();
+    int red = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QColor color = picture.pixelColor(x, y);
+            red += color.red() > 150 && color.green() < 100 && color.blue() < 100;
+        }
+    }
+    QVERIFY2(red > 20, qPrintable(QString::number(red)));
 }
 
 QTEST_MAIN(tst_Launch)

