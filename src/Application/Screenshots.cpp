@@ -10,6 +10,7 @@
 #include "Model/Session.h"
 #include "Preferences/InputControls/AutoEditArrayController.h"
 #include "Tags/TagField.h"
+#include "Tags/TagsArrayController.h"
 #include "Tags/TagWindowController.h"
 #include "Toolkit/Alert.h"
 #include "Toolkit/Emoji/EmojiPalette.h"
@@ -141,6 +142,14 @@ QPixmap pictureOf(QWidget &widget)
     return widget.grab();
 }
 
+/// What to type so that something is offered.
+QString firstLetterOfATag(const TagWindowController &tags)
+{
+    const TagsArrayController &list = *tags.tagsArrayController;
+    const QString name = list.index(0, TagsArrayController::NameColumn).data().toString();
+    return !name.isEmpty() && name.front().isLetter() ? name.first(1) : u"a"_s;
+}
+
 void trigger(QWidget &window, const QString &actionName)
 {
     if (auto *action = window.findChild<QAction *>(actionName))
@@ -254,9 +263,9 @@ QList<Screenshots::Scene> Screenshots::scenesOfTags(MainWindow &window, TagWindo
                            },
                            leaveField};
     const Scene completions{u"completion-list"_s,
-                            [=]() -> QWidget * {
+                            [=, &tags]() -> QWidget * {
                                 enterField();
-                                press(*field, Qt::Key_A, u"a"_s);
+                                press(*field, Qt::Key_unknown, firstLetterOfATag(tags));
                                 auto *list = shown<QListView>(u"completions"_s);
                                 return list ? list->parentWidget() : nullptr;
                             },

@@ -87,7 +87,6 @@ EmojiPalette::EmojiPalette(RecentEmoji &recent, QWidget *parent)
 {
     buildLayout();
     connectSignals();
-    applyTheme();
     showGroups();
 }
 
@@ -328,20 +327,6 @@ void EmojiPalette::buildLayout()
     layout->addWidget(m_groupBar);
     layout->addLayout(m_results);
     layout->addWidget(m_name);
-}
-
-void EmojiPalette::applyTheme()
-{
-    QPalette dimmed = m_field->palette();
-    dimmed.setColor(QPalette::PlaceholderText, theme::secondaryText(palette(), QPalette::Base));
-    m_field->setPalette(dimmed);
-}
-
-void EmojiPalette::changeEvent(QEvent *event)
-{
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        applyTheme();
 }
 
 } // namespace tembra

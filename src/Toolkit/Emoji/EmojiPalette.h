@@ -48,13 +48,11 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void changeEvent(QEvent *event) override;
 
 private:
     static QString groupTitle(const QString &title);
     void buildLayout();
     void connectSignals();
-    void applyTheme();
     void addGroups();
     void showGroups();
     void search(const QString &text);

@@ -60,7 +60,6 @@ TokenView::TokenView(TokenText::TitleOf displayString, QWidget *parent)
     new EmojiHighlighter(document());
     applyMeasures();
     applyWrapping();
-    applyTheme();
     applyTextDirection();
 }
 
@@ -159,16 +158,6 @@ bool TokenView::isComposing() const
     return !textCursor().block().layout()->preeditAreaText().isEmpty();
 }
 
-void TokenView::applyTheme()
-{
-    const QColor color = theme::secondaryText(palette(), QPalette::Base);
-    if (palette().color(QPalette::PlaceholderText) == color)
-        return;
-    QPalette dimmed = palette();
-    dimmed.setColor(QPalette::PlaceholderText, color);
-    setPalette(dimmed);
-}
-
 void TokenView::applyTextDirection()
 {
     QTextOption option = document()->defaultTextOption();
@@ -184,9 +173,6 @@ void TokenView::changeEvent(QEvent *event)
     switch (event->type()) {
     case QEvent::FontChange:
         applyMeasures();
-        break;
-    case QEvent::PaletteChange:
-        applyTheme();
         break;
     case QEvent::LayoutDirectionChange:
         applyTextDirection();

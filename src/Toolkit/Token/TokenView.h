@@ -54,7 +54,6 @@ protected:
 private:
     void applyMeasures();
     void applyWrapping();
-    void applyTheme();
     void applyTextDirection();
     void fitTokens();
     void fitScrollBar();
