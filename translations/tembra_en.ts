@@ -617,6 +617,23 @@ Your changes are still in this window. Tembra tries again with every save.</sour
         <comment>Says what is going on</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Turning the flags of your meetings into tags …</source>
+        <comment>Says what is going on</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The flags of your meetings are tags now, but this could not be saved.</source>
+        <comment>Alert when saving the tags that flags became fails</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1
+
+Tembra tries again with every save. If none succeeds before you quit, the flags become tags again at the next start.</source>
+        <comment>What an alert about tags that could not be saved says; %1 is the reason</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tembra::BackupCommands</name>
