@@ -2,6 +2,7 @@
 #include "Foundation/Precondition.h"
 #include "RandomJournal.h"
 #include "Store/Objects/ManagedObjectContext.h"
+#include "support/RecordCount.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -234,5 +235,4 @@ void tst_BackupRoundTrip::foreignShapes()
 }
 
 QTEST_GUILESS_MAIN(tst_BackupRoundTrip)
-#include "support/RecordCount.h"
 #include "tst_BackupRoundTrip.moc"

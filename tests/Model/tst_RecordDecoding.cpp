@@ -1,6 +1,7 @@
 #include "BackupFixture.h"
 #include "MeetingsDocument.h"
 #include "Store/Objects/ManagedObjectContext.h"
+#include "support/RecordCount.h"
 
 #include <QTest>
 
@@ -201,5 +202,4 @@ void tst_RecordDecoding::namesOfRecordsPlayNoPart()
 }
 
 QTEST_GUILESS_MAIN(tst_RecordDecoding)
-#include "support/RecordCount.h"
 #include "tst_RecordDecoding.moc"

@@ -6,6 +6,7 @@
 #include "MeetingsDocument.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Objects/PersistentContainer.h"
+#include "support/RecordCount.h"
 
 #include <QTest>
 
@@ -253,5 +254,4 @@ void tst_RecordDecodingContext::isNeeded()
 }
 
 QTEST_GUILESS_MAIN(tst_RecordDecodingContext)
-#include "support/RecordCount.h"
 #include "tst_RecordDecodingContext.moc"
