@@ -206,7 +206,7 @@ void reportPause(int sessions)
 
     Import import(journal.coreData, window.get());
     QEventLoop loop;
-    QObject::connect(&import, &Import::settled, &loop, &QEventLoop::quit);
+    QObject::connect(&import, &Import::finished, &loop, &QEventLoop::quit);
     double longest = 0;
     QElapsedTimer sinceLastTurn;
     QTimer turns;
