@@ -1,6 +1,7 @@
 #include "TestJournal.h"
 
 #include "Store/File/Connection.h"
+#include "Store/File/Statement.h"
 #include "support/DiskRecorder.h"
 #include "support/FaultVfs.h"
 

@@ -23,10 +23,10 @@ Result<QByteArray> look(PersistentContainer &container)
         return failure(loaded.error());
     ManagedObjectContext &context = container.viewContext();
     QByteArray seen;
-    const auto count = context.count({"Item"});
-    if (!count)
-        return failure(count.error());
-    seen += QByteArray::number(*count) + '\n';
+    const auto items = context.fetchKeys({"Item"});
+    if (!items)
+        return failure(items.error());
+    seen += QByteArray::number(qsizetype(items->size())) + '\n';
     const auto found = context.fetch<Owner>({"Owner"});
     if (!found)
         return failure(found.error());

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Result<OpenStore> openWith(const StoreFolder &folder, const ObjectModel &model)
+StoreResult<OpenStore> openWith(const StoreFolder &folder, const ObjectModel &model)
 {
     return openStore({folder.directory, u"Vum"_s}, model, {});
 }
