@@ -438,6 +438,21 @@
         <comment>Closes the program</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Tembra has changed nothing. Before you put a copy of your journal in its place, set these files aside together: they are renamed, and nothing is deleted.</source>
+        <comment>Alert when the journal cannot be used</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Set Files Aside and Quit</source>
+        <comment>Renames a journal that cannot be used</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The journal&apos;s files were set aside as “%1”. Put a copy in their place and start Tembra again, or start it with a new journal.</source>
+        <comment>Says where the files of a journal lie now</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>RecordDeletion</name>
@@ -632,6 +647,21 @@ Your changes are still in this window. Tembra tries again with every save.</sour
 
 Tembra tries again with every save. If none succeeds before you quit, the flags become tags again at the next start.</source>
         <comment>What an alert about tags that could not be saved says; %1 is the reason</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No journal was found in “%1”, so a new one was begun. If you have a backup, import it.</source>
+        <comment>Says that the journal is empty because its file was missing</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import …</source>
+        <comment>Button that asks which backup to import</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The log of another file lay beside the journal. It was not used, and is now “%1”.</source>
+        <comment>Says that a file beside the journal was renamed</comment>
         <translation type="unfinished"></translation>
     </message>
 </context>
