@@ -257,6 +257,11 @@ bool AppDelegate::applicationShouldTerminate()
     return !presentError(saved.error()) && askQuitAnyway();
 }
 
+bool AppDelegate::isEnding() const
+{
+    return m_terminating && !QApplication::activeModalWidget();
+}
+
 bool AppDelegate::presentError(const Error &error)
 {
     if (m_presentingError)

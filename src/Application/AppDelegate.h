@@ -42,6 +42,8 @@ public:
     void terminate();
     /// Commits and saves; where that fails, asks the user. False when the program goes on.
     bool applicationShouldTerminate();
+    /// True while the program saves and backs up for its end, unless it waits for the user's answer.
+    bool isEnding() const;
     /// The desktop's log-out.
     void commitDataForLogout(QSessionManager &manager);
     /// What it does: the same as quitting, but without questions where it @p mayAsk none. False when

@@ -157,6 +157,7 @@ int runOn(const DataFolder &folder, const StartOptions &options)
     const UnixSignals signalsOfTheSystem;
     QObject::connect(&instance, &SingleInstance::showRequested, &delegate,
                      &AppDelegate::bringForward);
+    instance.setMayAnswer([&] { return !delegate.isEnding(); });
     QObject::connect(&instance, &SingleInstance::openRequested, &delegate, &AppDelegate::openFiles);
     QObject::connect(&signalsOfTheSystem, &UnixSignals::terminationRequested, &delegate,
                      &AppDelegate::terminate);

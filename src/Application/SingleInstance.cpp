@@ -223,6 +223,9 @@ void SingleInstance::read(QLocalSocket &client, QByteArray &request)
     if (request != showRequest && packages.isEmpty())
         return;
     request.clear();
+    // It asks again, until there is an answer or nobody to ask.
+    if (!m_mayAnswer())
+        return client.abort();
     Q_EMIT showRequested();
     client.write(shownAnswer.data(), shownAnswer.size());
     client.flush();

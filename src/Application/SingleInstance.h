@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 class QLocalSocket;
 
 namespace tembra {
@@ -33,6 +35,8 @@ public:
     /// (absolute paths) if there are any. Waits for one that is only starting, or ending. Fails when one
     /// runs that does not answer. Call once.
     Result<Outcome> start(const QStringList &packages = {});
+    /// Later starts are put off while this says no: they would rely on a program that is about to end.
+    void setMayAnswer(std::function<bool()> mayAnswer) { m_mayAnswer = std::move(mayAnswer); }
 
 Q_SIGNALS:
     void showRequested();
@@ -52,6 +56,7 @@ private:
     QString m_socketFile; ///< Empty where no folder for it is the user's alone.
     int m_lockedFolder = -1;
     QLocalServer m_server;
+    std::function<bool()> m_mayAnswer = [] { return true; };
 };
 
 } // namespace tembra

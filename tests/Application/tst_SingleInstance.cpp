@@ -101,6 +101,8 @@ private Q_SLOTS:
     void aDeadSocketIsNoObstacle();
     void oneThatOnlyStartsIsWaitedFor();
     void oneThatEndsIsWaitedFor();
+    void oneThatIsAboutToEndPutsOthersOff_data();
+    void oneThatIsAboutToEndPutsOthersOff();
     void oneThatHangsIsToldOf();
     void ofManyAtOnceOneIsTheFirst();
     void withoutAFolderOfTheSessionTheSocketIsInTheJournals_data();
@@ -331,6 +333,31 @@ void tst_SingleInstance::oneThatEndsIsWaitedFor()
     });
     QVERIFY(start(folder(u"journal"_s)) == Outcome::First);
     QVERIFY(hasEnded);
+}
+
+void tst_SingleInstance::oneThatIsAboutToEndPutsOthersOff_data()
+{
+    QTest::addColumn<bool>("ends");
+    QTest::newRow("and ends") << true;
+    QTest::newRow("and stays after all") << false;
+}
+
+void tst_SingleInstance::oneThatIsAboutToEndPutsOthersOff()
+{
+    QFETCH(bool, ends);
+    auto running = std::make_unique<SingleInstance>(folder(u"journal"_s));
+    QVERIFY(running->start() == Outcome::First);
+    bool isEnding = true;
+    running->setMayAnswer([&] { return !isEnding; });
+    QSignalSpy shows(running.get(), &SingleInstance::showRequested);
+    QTimer::singleShot(400, this, [&] {
+        QCOMPARE(shows.count(), 0);
+        isEnding = false;
+        if (ends)
+            running.reset();
+    });
+    QVERIFY(start(folder(u"journal"_s)) == (ends ? Outcome::First : Outcome::Shown));
+    QCOMPARE(shows.count(), ends ? 0 : 1);
 }
 
 void tst_SingleInstance::oneThatHangsIsToldOf()
