@@ -4,7 +4,10 @@
 #include <QFile>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
+#include <memory>
+#include <vector>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;
@@ -99,8 +102,15 @@ void tst_SecondStart::manyAtOnceBecomeOne()
         QCOMPARE(killed.waitForEnd(), -SIGKILL);
     }
     std::vector<std::unique_ptr<RunningProgram>> programs;
+    // Each waits for the same moment, and becomes the program then.
+    const QString waiting = u"until [ -e go ]; do :; done; exec \"$0\" \"$@\""_s;
     for (int i = 0; i < count; ++i)
-        programs.push_back(std::make_unique<RunningProgram>(*m_account, onJournal()));
+        programs.push_back(std::make_unique<RunningProgram>(
+            *m_account, QStringList{u"-c"_s, waiting, RunningProgram::file()} + onJournal(),
+            m_account->path(QString()), u"/bin/bash"_s));
+    QTest::qWait(100);
+    QFile go(m_account->path(u"go"_s));
+    QVERIFY(go.open(QIODevice::WriteOnly));
     const auto running = [&] {
         return std::count_if(programs.begin(), programs.end(),
                              [](const auto &program) { return program->isRunning(); });
