@@ -254,7 +254,7 @@ void tst_StartFaults::aLogOutEndsTheAlert()
     {
     };
     int stops = 0;
-    services.coreData.setStopProgram([&](const QString &) {
+    services.coreData.setStopProgram([&](const QString &, const PersistentContainer &) {
         ++stops;
         throw Stop();
     });
