@@ -331,5 +331,5 @@ void tst_ModalImport::aCancelledUndoKeepsEverything()
 }
 
 QTEST_MAIN(tst_ModalImport)
-#include "tst_ModalImport.moc"
 #include "support/RecordCount.h"
+#include "tst_ModalImport.moc"
