@@ -1,6 +1,7 @@
 #include "MeetingPaneTest.h"
 
 #include "Model/Tag.h"
+#include "support/RecordCount.h"
 #include "Tags/TagField.h"
 
 using namespace tembra;
@@ -259,5 +260,4 @@ private:
 };
 
 QTEST_MAIN(tst_TagFilter)
-#include "support/RecordCount.h"
 #include "tst_TagFilter.moc"

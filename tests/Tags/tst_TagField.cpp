@@ -2,6 +2,7 @@
 #include "Model/TagPasteboard.h"
 #include "Store/Objects/PersistentContainer.h"
 #include "Store/Undo/UndoManager.h"
+#include "support/RecordCount.h"
 #include "TagFieldTest.h"
 
 #include <QAction>
@@ -405,5 +406,4 @@ private:
 };
 
 QTEST_MAIN(tst_TagField)
-#include "support/RecordCount.h"
 #include "tst_TagField.moc"
