@@ -11,6 +11,7 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Objects/PersistentContainer.h"
 #include "support/FaultVfs.h"
+#include "Toolkit/ProgressSheet.h"
 
 #include <QElapsedTimer>
 
@@ -59,7 +60,7 @@ public:
         QObject::connect(&watch, &QTimer::timeout, window, [&] {
             const bool isAwaited = alerts->messages.size() < answers.size()
                                    && !running.hasExpired(longestWait);
-            if (QApplication::activeModalWidget())
+            if (QApplication::activeModalWidget() || window->findChild<ProgressSheet *>())
                 calm.start();
             else if (calm.hasExpired(300) && !isAwaited)
                 QCoreApplication::exit(goesOn);

@@ -2,6 +2,7 @@
 #include "MainWindow/BackupCommands.h"
 #include "MainWindow/StatusLine.h"
 #include "MeetingWindowsTest.h"
+#include "support/RecordCount.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
 #include "Toolkit/ProgressSheet.h"
 
@@ -331,5 +332,4 @@ void tst_ModalImport::aCancelledUndoKeepsEverything()
 }
 
 QTEST_MAIN(tst_ModalImport)
-#include "support/RecordCount.h"
 #include "tst_ModalImport.moc"

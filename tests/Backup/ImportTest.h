@@ -29,6 +29,7 @@ protected:
     void start()
     {
         m_journal = std::make_unique<JournalFixture>();
+        m_journal->settle(); // From here on edits can be undone.
         m_window = std::make_unique<QWidget>();
         m_window->resize(600, 400);
         m_window->show();

@@ -250,5 +250,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(tst_Import)
 
-#include "support/RecordCount.h"
 #include "tst_Import.moc"

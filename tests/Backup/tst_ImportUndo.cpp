@@ -118,5 +118,4 @@ private:
 
 QTEST_MAIN(tst_ImportUndo)
 
-#include "support/RecordCount.h"
 #include "tst_ImportUndo.moc"
