@@ -331,7 +331,10 @@ private Q_SLOTS:
 
     void undoIsShownInTheEditor()
     {
-        m_session->setMeetingSentiment(1);
+        {
+            const UndoManager::Suspension notUndoable(*m_journal->context().undoManager());
+            m_session->setMeetingSentiment(1);
+        }
         m_journal->settle();
         show();
         popup(u"meetingPopup"_s)->setFocus();
