@@ -141,10 +141,9 @@ void tst_VerifyPlaces::aPackageIsRefused_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("reason");
-    const QString missing = u"There is no “%1”. Choose another place, or connect the disk it lies "
+    const QString missing = u"There is no “%1”. Choose another file, or connect the disk it lies "
                             "on, and try again. (No such file or directory)"_s;
-    const QString noFolder = u"“%1” is not a folder. Move it somewhere else, or choose another "
-                             "place. (Not a directory)"_s;
+    const QString noFolder = u"“%1” is not a folder. Choose another one. (Not a directory)"_s;
     QTest::newRow("nothing") << u"nothing"_s << missing;
     QTest::newRow("link to nothing") << u"link to nothing"_s << missing;
     for (const char *kind :
@@ -170,7 +169,7 @@ void tst_VerifyPlaces::theFileInItIsRefused_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("reason");
-    const QString noFile = u"Could not load file: “%1” is not a file. Move it somewhere else. "
+    const QString noFile = u"Could not load file: “%1” is not a file. Choose another one. "
                            "(not a regular file)"_s;
     QTest::newRow("nothing") << u"nothing"_s << u"No teammate data found."_s;
     for (const char *kind :
@@ -250,7 +249,7 @@ void tst_VerifyPlaces::whatMayNotBeReadIsToldOf()
         const PrintAndExit said = verifyPackage(m_package);
         if (place.isEmpty())
             return said.exitStatus == 0;
-        const QString reason = u"Could not load file: You may not read or change “%1”. Give "
+        const QString reason = u"Could not load file: You may not read “%1”. Give "
                                "yourself the permission to and try again. (Permission denied)\n"_s;
         const QString expected = u"tembra: "_s + m_package + u": "_s + reason.arg(path(place));
         if (said.text != expected)

@@ -222,7 +222,7 @@ void tst_PackageFile::saysWhatItMayNotRead()
     }
     const QByteArray target = QFile::encodeName(QDir::cleanPath(folder.root.filePath(path)));
     QVERIFY(::chmod(target.constData(), mode_t(mode)) == 0);
-    const QString sentence = u"You may not read or change “%1”."_s.arg(folder.root.filePath(named));
+    const QString sentence = u"You may not read “%1”."_s.arg(folder.root.filePath(named));
     const int result = runAndDie([&] {
         if (isAdministrator && (::setgid(ordinaryUser) != 0 || ::setuid(ordinaryUser) != 0))
             return false;

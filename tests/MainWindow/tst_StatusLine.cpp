@@ -1,5 +1,6 @@
 #include "MainWindow/StatusLine.h"
 
+#include "support/GuiTest.h"
 #include "Toolkit/Emoji/EmojiLabel.h"
 
 #include <QAccessible>
@@ -145,7 +146,7 @@ private Q_SLOTS:
         QVERIFY(actionButton()->width() >= actionButton()->sizeHint().width());
         QVERIFY(dismissButton()->isVisible());
         hover(message());
-        QTRY_COMPARE(QToolTip::text(), longText);
+        QTRY_COMPARE(gui::shownToolTip(), longText);
     }
 
     // Tasks.

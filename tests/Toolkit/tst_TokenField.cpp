@@ -276,7 +276,7 @@ private Q_SLOTS:
         QVERIFY(m_field->tokenRect(0).width() <= 320);
         QHelpEvent ask(QEvent::ToolTip, m_field->tokenRect(0).center(), QPoint(400, 300));
         QCoreApplication::sendEvent(m_field->viewport(), &ask);
-        QTRY_COMPARE(QToolTip::text(), longTitle);
+        QTRY_COMPARE(gui::shownToolTip(), longTitle);
         QToolTip::hideText();
         QTRY_VERIFY(!QToolTip::isVisible());
         QHelpEvent askShort(QEvent::ToolTip, m_field->tokenRect(1).center(), QPoint(400, 300));

@@ -8,6 +8,8 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QSignalSpy>
+#include <QTextDocumentFragment>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -94,6 +96,15 @@ void handlePendingEvents()
         QCoreApplication::sendPostedEvents();
         QCoreApplication::processEvents();
     }
+}
+
+QString shownToolTip()
+{
+    if (!QToolTip::isVisible())
+        return {};
+    const QString text = QToolTip::text();
+    // A long text is wrapped, for which it has to be rich text.
+    return Qt::mightBeRichText(text) ? QTextDocumentFragment::fromHtml(text).toPlainText() : text;
 }
 
 } // namespace tembra::gui

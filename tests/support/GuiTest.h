@@ -39,6 +39,9 @@ bool reachesTheWindow(QWidget &field, const QKeySequence &keys);
 /// The object names of the commands in the context menu of a field, which is opened and closed.
 QStringList contextMenuOf(QWidget &field);
 
+/// What the tooltip that is shown says, character by character; empty while none is shown.
+QString shownToolTip();
+
 /// Handles events until none is pending, so that what a change has posted has happened.
 void handlePendingEvents();
 
