@@ -138,7 +138,8 @@ int main(int argc, char *argv[])
     const TagCandidates candidates(*tags);
     QStringList titles;
     const auto objects = tags->fetchedObjects();
-    for (const auto &object : objects)
+    require(objects.has_value(), "the tags are read");
+    for (const auto &object : *objects)
         titles.append(std::static_pointer_cast<Tag>(object)->titleString());
 
     FieldBench field(journal);

@@ -808,6 +808,16 @@ Tembra tries again with every save. If none succeeds before you quit, the flags 
         <source>Show all tags and the meetings that carry them</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>The teammates could not be read</source>
+        <comment>Stands in the list of teammates after a failure</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Try Again</source>
+        <comment>Button: reads the teammates once more</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tembra::DetailPaneViewController</name>

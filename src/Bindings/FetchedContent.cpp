@@ -7,21 +7,36 @@
 
 namespace tembra {
 
+using namespace std::chrono_literals;
+
 FetchedContent::FetchedContent(FetchedResultsController &results, ArrayController &list,
                                QObject *parent)
     : QObject(parent)
     , m_results(results)
     , m_list(list)
 {
+    m_retryTimer.setSingleShot(true);
+    m_retryTimer.setInterval(2s);
+    connect(&m_retryTimer, &QTimer::timeout, this, &FetchedContent::retry);
     connect(&m_results, &FetchedResultsController::contentDidChange, this, &FetchedContent::update);
 }
 
-Result<void> FetchedContent::fetch()
+void FetchedContent::fetch()
 {
-    const auto fetched = m_results.performFetch();
-    const auto objects = m_results.fetchedObjects();
-    m_list.setContent({objects.begin(), objects.end()});
-    return fetched;
+    const Result<void> fetched = m_results.performFetch();
+    m_isFetched = fetched.has_value();
+    if (m_isFetched)
+        update();
+    else
+        setReadError(fetched.error());
+}
+
+void FetchedContent::retry()
+{
+    if (m_isFetched)
+        update();
+    else
+        fetch();
 }
 
 int FetchedContent::rowOf(ObjectID id) const
@@ -38,9 +53,31 @@ void FetchedContent::selectWhenListed(ObjectID id)
 void FetchedContent::update()
 {
     const auto objects = m_results.fetchedObjects();
-    const bool hasNewRows = m_list.updateContent({objects.begin(), objects.end()});
+    ArrayController::ObjectList content;
+    if (objects) {
+        content = {objects->begin(), objects->end()};
+    } else {
+        for (const ArrayController::Object &listed : m_list.content()) {
+            if (!std::static_pointer_cast<ManagedObject>(listed)->isDeleted())
+                content.append(listed);
+        }
+    }
+    const bool hasNewRows = m_list.updateContent(content);
+    setReadError(objects ? std::nullopt : std::optional(objects.error()));
     Q_EMIT contentChanged(hasNewRows);
     selectPendingRecords();
+}
+
+void FetchedContent::setReadError(const std::optional<Error> &error)
+{
+    if (error)
+        m_retryTimer.start();
+    else
+        m_retryTimer.stop();
+    const bool changes = m_readError.has_value() != error.has_value();
+    m_readError = error;
+    if (changes)
+        Q_EMIT readErrorChanged();
 }
 
 void FetchedContent::selectPendingRecords()

@@ -5,6 +5,9 @@
 
 #include <QObject>
 #include <QSet>
+#include <QTimer>
+
+#include <optional>
 
 namespace tembra {
 
@@ -15,6 +18,9 @@ class FetchedResultsController;
 ///
 /// Rows come and go one by one, so that the selection, the scrolling and an open editor survive. The
 /// array controller arranges the rows; among equals they stand in the order of the result.
+///
+/// A result that cannot be read is not an empty one: the list keeps the rows it has, but for those
+/// that are known to be gone, and reading is retried every two seconds.
 class FetchedContent final : public QObject
 {
     Q_OBJECT
@@ -25,7 +31,11 @@ public:
                    QObject *parent = nullptr);
 
     /// Runs the request, fills the list, and follows the result from here on.
-    Result<void> fetch();
+    void fetch();
+    /// Reads once more, without waiting for the next attempt.
+    void retry();
+    /// Why the list cannot be read at present; null when it was read.
+    const std::optional<Error> &readError() const { return m_readError; }
 
     /// The row in which a record is listed; −1 when it is not.
     int rowOf(ObjectID id) const;
@@ -33,6 +43,8 @@ public:
     void selectWhenListed(ObjectID id);
 
 Q_SIGNALS:
+    /// readError() begins or ends.
+    void readErrorChanged();
     /// The list holds what the result holds. With @p hasNewRows some rows were appended, and the
     /// list is not arranged yet.
     void contentChanged(bool hasNewRows);
@@ -41,11 +53,15 @@ Q_SIGNALS:
 
 private:
     void update();
+    void setReadError(const std::optional<Error> &error);
     void selectPendingRecords();
 
     FetchedResultsController &m_results;
     ArrayController &m_list;
     QSet<ObjectID> m_pendingSelection;
+    std::optional<Error> m_readError;
+    bool m_isFetched = false; ///< The result follows the store.
+    QTimer m_retryTimer;
 };
 
 } // namespace tembra

@@ -122,7 +122,11 @@ void RecentTagsViewController::rebuildRows()
 {
     if (!m_isLoaded)
         return;
-    m_tags = recentTagsController->fetchedObjects();
+    if (auto tags = recentTagsController->fetchedObjects())
+        m_tags = std::move(*tags);
+    else
+        qCWarning(tagsLog, "Could not fetch recent tags: %s",
+                  qUtf8Printable(tags.error().description()));
     m_tagListModels.clear();
     for (const std::shared_ptr<ManagedObject> &object : std::as_const(m_tags)) {
         const auto tag = std::static_pointer_cast<Tag>(object);

@@ -9,8 +9,10 @@ const std::vector<TagCandidates::Candidate> &TagCandidates::candidates() const
     if (!m_candidates.empty())
         return m_candidates;
     const auto objects = m_tags.fetchedObjects();
-    m_candidates.reserve(size_t(objects.size()));
-    for (const std::shared_ptr<ManagedObject> &object : objects) {
+    if (!objects)
+        return m_candidates; // The next key tries again.
+    m_candidates.reserve(size_t(objects->size()));
+    for (const std::shared_ptr<ManagedObject> &object : *objects) {
         const auto tag = std::static_pointer_cast<Tag>(object);
         m_candidates.push_back({tag, tag->name().toLower(), tag->emoji()});
     }

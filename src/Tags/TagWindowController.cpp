@@ -266,6 +266,11 @@ QAction *TagWindowController::addTagAction(const QString &title, const QString &
 
 void TagWindowController::connectSignals()
 {
+    connect(&m_tags, &FetchedContent::readErrorChanged, this, [this] {
+        if (m_tags.readError())
+            qCWarning(tagsLog, "Could not fetch tags: %s",
+                      qUtf8Printable(m_tags.readError()->description()));
+    });
     connect(&m_tags, &FetchedContent::contentChanged, this, &TagWindowController::arrangeTags);
     connect(&m_tags, &FetchedContent::pendingRecordsSelected, this,
             &TagWindowController::scrollToCurrentTag);
@@ -286,9 +291,7 @@ void TagWindowController::connectSignals()
 
 void TagWindowController::windowDidLoad()
 {
-    if (const auto fetched = m_tags.fetch(); !fetched)
-        qCWarning(tagsLog, "Could not fetch tags: %s",
-                  qUtf8Printable(fetched.error().description()));
+    m_tags.fetch();
     setWindowTitle(tr("Tags", "Title of the tag browser"));
     tagsArrayController->bindSelection(tagsTableView->selectionModel());
     sessionsArrayController->bindSelection(sessionsTableView->selectionModel());
@@ -364,8 +367,13 @@ void TagWindowController::rebuildSessions()
     for (const std::shared_ptr<SessionViewModel> &row : std::as_const(m_sessionViewModels))
         known.insert(row->session().get(), row);
     QList<std::shared_ptr<ManagedObject>> sessions;
-    if (sessionsResultController)
-        sessions = sessionsResultController->fetchedObjects();
+    if (sessionsResultController) {
+        if (auto fetched = sessionsResultController->fetchedObjects())
+            sessions = std::move(*fetched);
+        else
+            qCWarning(tagsLog, "Could not fetch sessions for tag: %s",
+                      qUtf8Printable(fetched.error().description()));
+    }
     // One query for all rows; if it fails, each row loads its own tags.
     (void)m_context.prefetch(sessions, {"tags"});
     QList<std::shared_ptr<SessionViewModel>> rows;

@@ -4,6 +4,7 @@
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Store/Results/FetchedResultsController.h"
 #include "Store/Undo/UndoManager.h"
+#include "support/FaultVfs.h"
 #include "support/JournalFixture.h"
 #include "Toolkit/List/ArrayController.h"
 
@@ -24,7 +25,7 @@ struct TeammateList
         , content(results, list)
     {
         list.setColumns({"name"});
-        fetched = content.fetch().has_value();
+        content.fetch();
     }
 
     QStringList names() const
@@ -38,7 +39,6 @@ struct TeammateList
     ArrayController list;
     FetchedResultsController results;
     FetchedContent content;
-    bool fetched = false;
     QAbstractItemModelTester tester{&list, QAbstractItemModelTester::FailureReportingMode::QtTest};
 };
 
@@ -56,7 +56,7 @@ private Q_SLOTS:
             m_journal->addCounterpart(name);
         m_journal->settle();
         m_teammates = std::make_unique<TeammateList>(*m_journal);
-        QVERIFY(m_teammates->fetched);
+        QVERIFY(!m_teammates->content.readError());
     }
 
     void cleanup()
@@ -68,6 +68,34 @@ private Q_SLOTS:
     void theListHoldsTheResult()
     {
         QCOMPARE(m_teammates->names(), (QStringList{u"Ana"_s, u"Ben"_s, u"Chidi"_s}));
+    }
+
+    void whatCannotBeReadIsNotAnEmptyList()
+    {
+        FaultVfs vfs;
+        JournalFixture journal(utc(2026, 11, 20), vfs.name());
+        journal.addCounterpart(u"Ana"_s);
+        journal.settle();
+        journal.reopen();
+        vfs.failAt(1, FaultVfs::Fault::InputOutput, FaultVfs::Lasting::ForGood, FaultVfs::Read);
+        TeammateList teammates(journal);
+        QVERIFY(vfs.failures() > 0);
+        QVERIFY(teammates.content.readError());
+        QVERIFY(!teammates.content.readError()->message.isEmpty());
+
+        const QSignalSpy changed(&teammates.content, &FetchedContent::readErrorChanged);
+        teammates.content.retry();
+        QVERIFY(teammates.content.readError());
+        QCOMPARE(changed.size(), 0);
+
+        vfs.failNothing();
+        QTRY_COMPARE(teammates.names(), QStringList{u"Ana"_s}); // Without being asked to.
+        QVERIFY(!teammates.content.readError());
+        QCOMPARE(changed.size(), 1);
+
+        journal.addCounterpart(u"Ben"_s);
+        journal.context().processPendingChanges();
+        QCOMPARE(teammates.names(), (QStringList{u"Ana"_s, u"Ben"_s}));
     }
 
     void whatIsInsertedIsAppendedAndStandsInTheResultsOrderOnceArranged()

@@ -350,6 +350,27 @@ private Q_SLOTS:
 
     // Nothing yet.
 
+    void teammatesThatCannotBeReadAreNotMissing()
+    {
+        FaultVfs vfs;
+        const auto closeBeforeItGoes = qScopeGuard([this] { cleanup(); });
+        m_journal = std::make_unique<JournalFixture>(utc(2026, 11, 20), vfs.name());
+        addThree();
+        m_journal->settle();
+        m_journal->reopen();
+        vfs.failAt(1, FaultVfs::Fault::InputOutput, FaultVfs::Lasting::ForGood, FaultVfs::Read);
+        show();
+        auto *empty = m_panes->list->findChild<EmptyState *>(u"noTeammates"_s);
+        auto *unreadable = m_panes->list->findChild<EmptyState *>(u"unreadableTeammates"_s);
+        QVERIFY(!empty->isVisible());
+        QVERIFY(unreadable->isVisible());
+        vfs.failNothing();
+        QTest::mouseClick(unreadable->button(), Qt::LeftButton);
+        QVERIFY(!unreadable->isVisible());
+        QCOMPARE(m_panes->names(), (QStringList{u"Ana"_s, u"Ben"_s, u"Chidi"_s}));
+        QVERIFY(m_panes->view->hasFocus());
+    }
+
     void anEmptyListOffersToAddATeammate()
     {
         show();

@@ -134,7 +134,7 @@ void tst_Counterpart::filterByTwoTagsWantsBoth()
     both->addTag(*b);
     const auto controller = ana->sessionsResultController({a, b});
     QVERIFY(controller->performFetch().has_value());
-    QCOMPARE(controller->fetchedObjects(), QList<std::shared_ptr<ManagedObject>>{both});
+    QCOMPARE(*controller->fetchedObjects(), QList<std::shared_ptr<ManagedObject>>{both});
 }
 
 void tst_Counterpart::searchIgnoresCaseAndAccents_data()

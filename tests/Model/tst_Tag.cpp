@@ -86,7 +86,7 @@ void tst_Tag::allTagsByNameDescending()
     const auto controller = Tag::allTagsResultController(journal.context());
     QVERIFY(controller->performFetch().has_value());
     QStringList names;
-    for (const auto &tag : controller->fetchedObjects())
+    for (const auto &tag : *controller->fetchedObjects())
         names.append(tag->property("name").toString());
     QCOMPARE(names, QStringList({u"c"_s, u"b"_s, u"a"_s}));
 }
@@ -103,7 +103,7 @@ void tst_Tag::sessionsCarryingTheTagNewestFirst()
     newer->addTag(*tag);
     const auto controller = tag->sessionsResultController();
     QVERIFY(controller->performFetch().has_value());
-    QCOMPARE(controller->fetchedObjects(), (QList<std::shared_ptr<ManagedObject>>{newer, older}));
+    QCOMPARE(*controller->fetchedObjects(), (QList<std::shared_ptr<ManagedObject>>{newer, older}));
 }
 
 QTEST_GUILESS_MAIN(tst_Tag)

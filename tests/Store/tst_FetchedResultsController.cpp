@@ -111,7 +111,7 @@ void tst_FetchedResultsController::hasNoRowsBeforeItFetches()
     FetchedResultsController controller(context(), itemsOf(owner));
     Listener listener(controller);
     QCOMPARE(controller.count(), 0);
-    QVERIFY(controller.fetchedObjects().isEmpty());
+    QVERIFY(controller.fetchedObjects()->isEmpty());
     addItem(owner, 1);
     QCOMPARE(listener.take(), QString());
 }
@@ -132,7 +132,7 @@ void tst_FetchedResultsController::fetchesInOrder()
     QCOMPARE(controller.idAt(1), second->objectID());
     QCOMPARE(controller.rowOf(undated->objectID()), 2);
     QCOMPARE(controller.rowOf(owner->objectID()), -1);
-    QCOMPARE(controller.fetchedObjects(),
+    QCOMPARE(*controller.fetchedObjects(),
              (QList<std::shared_ptr<ManagedObject>>{first, second, undated}));
 }
 
@@ -433,7 +433,7 @@ void tst_FetchedResultsController::knowsDeletedRowsUntilItIsTold()
     QVERIFY(context().deleteObject(item));
     QCOMPARE(controller.count(), 2);
     QCOMPARE(controller.objectAt(1), item);
-    QVERIFY(!controller.fetchedObjects().contains(item));
+    QVERIFY(!controller.fetchedObjects()->contains(item));
     endTurn();
     QCOMPARE(controller.count(), 1);
 }
@@ -501,7 +501,7 @@ void tst_FetchedResultsController::outlivesTheContext()
     m_store->close();
     QCOMPARE(controller.count(), 3);
     QVERIFY(!controller.objectAt(0));
-    QVERIFY(controller.fetchedObjects().isEmpty());
+    QVERIFY(controller.fetchedObjects()->isEmpty());
     QVERIFY(!controller.performFetch());
     QCOMPARE(controller.count(), 0);
 }

@@ -83,9 +83,11 @@ void CounterpartsPaneViewController::buildLayout()
     setBackgroundRole(QPalette::Base);
     buildList();
     buildEmptyState();
+    buildUnreadableState();
     m_stack = new QStackedWidget;
     m_stack->addWidget(m_tableView);
     m_stack->addWidget(m_emptyState);
+    m_stack->addWidget(m_unreadableState);
     setFocusProxy(m_tableView);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
@@ -150,6 +152,16 @@ void CounterpartsPaneViewController::buildEmptyState()
     connect(m_emptyState, &EmptyState::triggered, this, [this] { handleTeammateAddDelete(0); });
 }
 
+void CounterpartsPaneViewController::buildUnreadableState()
+{
+    m_unreadableState = new EmptyState(tr("The teammates could not be read",
+                                          "Stands in the list of teammates after a failure"),
+                                       QString(),
+                                       tr("Try Again", "Button: reads the teammates once more"));
+    m_unreadableState->setObjectName(u"unreadableTeammates"_s);
+    connect(m_unreadableState, &EmptyState::triggered, &m_content, &FetchedContent::retry);
+}
+
 QWidget *CounterpartsPaneViewController::buildFooter()
 {
     auto *tags = new QPushButton(tr("Tags", "Button: opens the window of all tags"));
@@ -193,6 +205,8 @@ void CounterpartsPaneViewController::createActions()
 
 void CounterpartsPaneViewController::connectSignals()
 {
+    connect(&m_content, &FetchedContent::readErrorChanged, this,
+            &CounterpartsPaneViewController::readErrorDidChange);
     connect(&m_content, &FetchedContent::contentChanged, this, [this](bool hasNewRows) {
         if (hasNewRows)
             m_counterpartsArrayController->rearrangeObjects();
@@ -252,9 +266,16 @@ void CounterpartsPaneViewController::viewDidLoad()
         [this] { return m_coreData.viewContext().insert<Counterpart>(); });
     m_counterpartsArrayController->setTableView(m_tableView);
     m_counterpartsArrayController->bindSelection(m_tableView->selectionModel());
-    if (const auto fetched = m_content.fetch(); !fetched)
-        qCWarning(windowLog, "Failed to fetch entities: %s",
-                  qUtf8Printable(fetched.error().description()));
+    m_content.fetch();
+    updateVisiblePage();
+}
+
+void CounterpartsPaneViewController::readErrorDidChange()
+{
+    if (const std::optional<Error> &error = m_content.readError()) {
+        qCWarning(windowLog, "Failed to fetch entities: %s", qUtf8Printable(error->description()));
+        m_unreadableState->setSentence(error->message);
+    }
     updateVisiblePage();
 }
 
@@ -352,13 +373,18 @@ void CounterpartsPaneViewController::reload()
 
 void CounterpartsPaneViewController::updateVisiblePage()
 {
-    const bool isEmpty = m_counterpartsArrayController->rowCount() == 0;
-    QWidget *page = isEmpty ? static_cast<QWidget *>(m_emptyState) : m_tableView;
+    QWidget *page = m_tableView;
+    QWidget *focusProxy = m_tableView;
+    if (m_counterpartsArrayController->rowCount() == 0) {
+        EmptyState *state = m_content.readError() ? m_unreadableState : m_emptyState;
+        page = state;
+        focusProxy = state->button();
+    }
     if (m_stack->currentWidget() == page)
         return;
     const bool hadFocus = m_stack->isAncestorOf(QApplication::focusWidget());
     m_stack->setCurrentWidget(page);
-    setFocusProxy(isEmpty ? static_cast<QWidget *>(m_emptyState->button()) : m_tableView);
+    setFocusProxy(focusProxy);
     if (hadFocus)
         setFocus();
 }

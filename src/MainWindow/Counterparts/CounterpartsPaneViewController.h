@@ -72,11 +72,13 @@ private:
     QWidget *buildFooter();
     void buildList();
     void buildEmptyState();
+    void buildUnreadableState();
     void createActions();
     void connectSignals();
     void viewDidLoad();
 
     void updateVisiblePage();
+    void readErrorDidChange();
     void scrollToSelection();
     void tableViewSelectionDidChange();
     void setTimelineCounterpart(const std::shared_ptr<Counterpart> &counterpart);
@@ -94,6 +96,7 @@ private:
     CounterpartRowDelegate *m_rowDelegate = nullptr;
     QStackedWidget *m_stack = nullptr;
     EmptyState *m_emptyState = nullptr;
+    EmptyState *m_unreadableState = nullptr;
     QAction *m_renameAction = nullptr;
 };
 

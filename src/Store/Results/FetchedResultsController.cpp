@@ -237,19 +237,17 @@ std::shared_ptr<ManagedObject> FetchedResultsController::objectAmong(std::span<c
     return d->objects ? d->objects->object(rows, row) : nullptr;
 }
 
-QList<std::shared_ptr<ManagedObject>> FetchedResultsController::fetchedObjects()
+Result<QList<std::shared_ptr<ManagedObject>>> FetchedResultsController::fetchedObjects()
 {
     if (!d->context || d->keys.empty())
-        return {};
+        return QList<std::shared_ptr<ManagedObject>>();
     auto objects = d->context->objects(d->entity, d->keys);
-    Result<void> prefetched;
-    if (objects)
-        prefetched = d->context->prefetch(*objects, d->request.relationshipKeyPathsForPrefetching);
-    if (!objects || !prefetched) {
-        const Error &error = objects ? prefetched.error() : objects.error();
-        qCWarning(storeLog, "Results could not be read: %s", qUtf8Printable(error.description()));
-    }
-    return std::move(objects).value_or(QList<std::shared_ptr<ManagedObject>>());
+    if (!objects)
+        return objects;
+    const auto &prefetched = d->request.relationshipKeyPathsForPrefetching;
+    if (const Result<void> done = d->context->prefetch(*objects, prefetched); !done)
+        return failure(done.error());
+    return objects;
 }
 
 } // namespace tembra

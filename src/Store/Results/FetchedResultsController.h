@@ -47,8 +47,9 @@ public:
     std::shared_ptr<ManagedObject> objectAt(int row);
     /// As objectAt(), among rows that someone shows while they are not the latest ones.
     std::shared_ptr<ManagedObject> objectAmong(std::span<const qint64> rows, int row);
-    /// The objects of all rows, which the caller then holds.
-    QList<std::shared_ptr<ManagedObject>> fetchedObjects();
+    /// The objects of all rows, which the caller then holds. Fails when they cannot be read: then
+    /// there may be rows all the same.
+    Result<QList<std::shared_ptr<ManagedObject>>> fetchedObjects();
 
 Q_SIGNALS:
     /// The rows are about to change; they are the old ones here, and the new ones from here on.
