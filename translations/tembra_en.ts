@@ -965,6 +965,21 @@ Tembra tries again with every save. If none succeeds before you quit, the flags 
         <comment>Edit menu</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>This could not be undone.</source>
+        <comment>Alert after Undo</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This could not be redone.</source>
+        <comment>Alert after Redo</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <comment>Button that closes an alert</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tembra::EmojiPalette</name>

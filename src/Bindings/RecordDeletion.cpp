@@ -4,6 +4,7 @@
 #include "Store/Objects/ManagedObject.h"
 #include "Store/Objects/ManagedObjectContext.h"
 #include "Toolkit/Alert.h"
+#include "Toolkit/WaitCursor.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -27,6 +28,7 @@ Result<void> deleteRecords(ManagedObjectContext &context,
                            QList<std::shared_ptr<ManagedObject>> records)
 {
     // Some may have been deleted elsewhere while the question stood there.
+    const WaitCursor waiting;
     records.removeIf([](const auto &record) { return record->isDeleted(); });
     auto deleted = context.deleteObjects(records);
     if (deleted)

@@ -1,7 +1,10 @@
 #include "MainWindow/EditCommands.h"
 
+#include "Foundation/Logging.h"
 #include "Store/Undo/UndoManager.h"
+#include "Toolkit/Alert.h"
 #include "Toolkit/Icons.h"
+#include "Toolkit/WaitCursor.h"
 
 #include <QAction>
 #include <QApplication>
@@ -11,6 +14,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+
+#include <optional>
 
 namespace tembra {
 
@@ -140,16 +145,38 @@ void EditCommands::undo()
 {
     if (canUndoTyping())
         lineEdit()->undo();
-    else if (m_commitEditing())
-        m_undoManager.undo();
+    else
+        reverse(&UndoManager::undo, tr("This could not be undone.", "Alert after Undo"));
 }
 
 void EditCommands::redo()
 {
     if (canRedoTyping())
         lineEdit()->redo();
-    else if (m_commitEditing())
-        m_undoManager.redo();
+    else
+        reverse(&UndoManager::redo, tr("This could not be redone.", "Alert after Redo"));
+}
+
+void EditCommands::reverse(void (UndoManager::*step)(), const QString &failureText)
+{
+    if (!m_commitEditing())
+        return;
+    std::optional<Error> error;
+    {
+        const WaitCursor waiting;
+        const auto connection = connect(&m_undoManager, &UndoManager::failed, this,
+                                        [&error](const Error &reason) { error = reason; });
+        (m_undoManager.*step)();
+        disconnect(connection);
+    }
+    if (!error)
+        return;
+    qCWarning(windowLog, "A step could not be undone or redone: %s",
+              qUtf8Printable(error->description()));
+    Alert::beginSheet({.messageText = failureText,
+                       .informativeText = error->description(),
+                       .buttons = {tr("OK", "Button that closes an alert")}},
+                      m_window, [](int) {});
 }
 
 void EditCommands::updateUndo()

@@ -42,6 +42,8 @@ private:
     void followFocus(QWidget *focused);
     void undo();
     void redo();
+    /// Undoes or redoes a step of the journal; a failure is told on a sheet.
+    void reverse(void (UndoManager::*step)(), const QString &failureText);
     void updateUndo();
     void enablePossible();
     void enableAll();

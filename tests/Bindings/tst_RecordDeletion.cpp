@@ -52,6 +52,20 @@ private Q_SLOTS:
         QCOMPARE(m_journal->counterparts().size(), 2);
     }
 
+    void theCursorSaysToWaitWhileRecordsAreDeleted()
+    {
+        ask({m_ana});
+        int waits = 0;
+        connect(&m_journal->context(), &ManagedObjectContext::objectsDidChange, this, [&waits] {
+            const QCursor *cursor = QGuiApplication::overrideCursor();
+            waits += cursor && cursor->shape() == Qt::WaitCursor ? 1 : 0;
+        });
+        press(0);
+        QCOMPARE(waits, 1);
+        QVERIFY(!QGuiApplication::overrideCursor());
+        disconnect(&m_journal->context(), nullptr, this, nullptr);
+    }
+
     void whatIsDeletedElsewhereMeanwhileIsPassedOver()
     {
         ask({m_ana, m_ben});

@@ -7,6 +7,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QScopeGuard>
 
 using namespace tembra;
 using namespace Qt::StringLiterals;

@@ -21,6 +21,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QSplitter>
 #include <QTest>
@@ -318,6 +319,49 @@ private Q_SLOTS:
         QCOMPARE(noteField()->text(), QString());
         command(u"redoAction"_s)->trigger();
         QCOMPARE(noteField()->text(), u"shipped"_s);
+    }
+
+    void theCursorSaysToWaitWhileUndoAndRedoWork()
+    {
+        const auto ana = m_journal->addCounterpart(u"Ana"_s);
+        m_journal->settle();
+        open();
+        QVERIFY(m_journal->context().deleteObject(ana).has_value());
+        gui::handlePendingEvents();
+        int waits = 0;
+        connect(m_journal->context().undoManager(), &UndoManager::willChangeObject, m_window.get(),
+                [&waits] {
+                    const QCursor *cursor = QGuiApplication::overrideCursor();
+                    waits += cursor && cursor->shape() == Qt::WaitCursor ? 1 : 0;
+                });
+        command(u"undoAction"_s)->trigger();
+        QCOMPARE(waits, 1);
+        command(u"redoAction"_s)->trigger();
+        QCOMPARE(waits, 2);
+        QVERIFY(!QGuiApplication::overrideCursor());
+    }
+
+    void anUndoThatFailsSaysSoAndCanBeTriedAgain()
+    {
+        FaultVfs disk;
+        m_journal = std::make_unique<JournalFixture>(utc(2026, 11, 20), disk.name());
+        const auto closeBeforeItGoes = qScopeGuard([this] { cleanup(); });
+        const auto ana = m_journal->addCounterpart(u"Ana"_s);
+        m_journal->settle();
+        open();
+        QVERIFY(m_journal->context().deleteObject(ana).has_value());
+        gui::handlePendingEvents();
+        disk.failAt(1, FaultVfs::Fault::DiskFull, FaultVfs::Lasting::ForGood);
+        command(u"undoAction"_s)->trigger();
+        Alert *sheet = gui::sheetOf(*m_window);
+        QVERIFY(sheet);
+        QCOMPARE(sheet->findChild<QLabel *>(u"messageText"_s)->text(),
+                 u"This could not be undone."_s);
+        gui::pressAlertButton(*sheet, 0);
+        QCOMPARE(m_journal->counterparts().size(), 0);
+        disk.failNothing();
+        command(u"undoAction"_s)->trigger();
+        QCOMPARE(m_journal->counterparts().size(), 1);
     }
 
     void undoOfADeletionShowsWhatCameBack()

@@ -85,8 +85,10 @@ void tst_Tag::allTagsByNameDescending()
         Tag::findOrCreate(journal.context(), name, u"🚀"_s);
     const auto controller = Tag::allTagsResultController(journal.context());
     QVERIFY(controller->performFetch().has_value());
+    const auto tags = controller->fetchedObjects();
+    QVERIFY(tags.has_value());
     QStringList names;
-    for (const auto &tag : *controller->fetchedObjects())
+    for (const auto &tag : *tags)
         names.append(tag->property("name").toString());
     QCOMPARE(names, QStringList({u"c"_s, u"b"_s, u"a"_s}));
 }

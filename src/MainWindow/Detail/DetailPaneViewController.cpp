@@ -23,10 +23,10 @@
 #include "Toolkit/List/PropertyObservation.h"
 #include "Toolkit/PlainToolTip.h"
 #include "Toolkit/Theme.h"
+#include "Toolkit/WaitCursor.h"
 
 #include <QAction>
 #include <QFrame>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLayout>
 #include <QLineEdit>
@@ -546,12 +546,11 @@ void DetailPaneViewController::selectNextSession()
 void DetailPaneViewController::stuffSessions()
 {
     require(m_selectedCounterpart != nullptr, "a teammate is selected to be given meetings");
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    const WaitCursor waiting;
     generateSessions(m_coreData.viewContext(), m_selectedCounterpart, generatedSessions,
                      m_services.clock.now());
     m_coreData.viewContext().processPendingChanges();
     rebuildFetch();
-    QGuiApplication::restoreOverrideCursor();
 }
 
 void DetailPaneViewController::contentWillChange()
