@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype digits = 16;
+constexpr qsizetype randomDigits = 16;
 /// So that a name that is not too long has a temporary name that is not too long either.
 constexpr qsizetype longestStem = 40;
 constexpr QLatin1String ending(".tmp");
@@ -65,16 +65,16 @@ void sweepFolder(const FileHandle &parent, const QString &temporary, const QStri
 QString newTemporaryName(const QString &name)
 {
     const quint64 number = QRandomGenerator::system()->generate64();
-    return temporaryStart(name) + QString::number(number, 16).rightJustified(digits, u'0') + ending;
+    return temporaryStart(name) + QString::number(number, 16).rightJustified(randomDigits, u'0') + ending;
 }
 
 bool isTemporaryName(const QString &candidate, const QString &name)
 {
     const QString start = temporaryStart(name);
-    if (candidate.size() != start.size() + digits + ending.size() || !candidate.startsWith(start)
+    if (candidate.size() != start.size() + randomDigits + ending.size() || !candidate.startsWith(start)
         || !candidate.endsWith(ending))
         return false;
-    const QStringView number = QStringView(candidate).sliced(start.size(), digits);
+    const QStringView number = QStringView(candidate).sliced(start.size(), randomDigits);
     return std::all_of(number.begin(), number.end(), isHexDigit);
 }
 

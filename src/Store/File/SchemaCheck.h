@@ -5,7 +5,7 @@
 namespace tembra {
 
 class Connection;
-struct ObjectModel;
+class ObjectModel;
 
 /// Makes sure that a store's tables and indexes are exactly those that the model's migrations up to
 /// @p version make. An index that says something else than its table, a trigger or a view would
