@@ -65,14 +65,15 @@ void sweepFolder(const FileHandle &parent, const QString &temporary, const QStri
 QString newTemporaryName(const QString &name)
 {
     const quint64 number = QRandomGenerator::system()->generate64();
-    return temporaryStart(name) + QString::number(number, 16).rightJustified(randomDigits, u'0') + ending;
+    return temporaryStart(name) + QString::number(number, 16).rightJustified(randomDigits, u'0')
+           + ending;
 }
 
 bool isTemporaryName(const QString &candidate, const QString &name)
 {
     const QString start = temporaryStart(name);
-    if (candidate.size() != start.size() + randomDigits + ending.size() || !candidate.startsWith(start)
-        || !candidate.endsWith(ending))
+    if (candidate.size() != start.size() + randomDigits + ending.size()
+        || !candidate.startsWith(start) || !candidate.endsWith(ending))
         return false;
     const QStringView number = QStringView(candidate).sliced(start.size(), randomDigits);
     return std::all_of(number.begin(), number.end(), isHexDigit);
