@@ -26,6 +26,7 @@
 #include <QSessionManager>
 
 #include <chrono>
+#include <optional>
 #include <utility>
 
 namespace tembra {
@@ -98,15 +99,17 @@ void AppDelegate::applicationDidFinishLaunching(const std::function<void()> &pre
 /// The only thing at a start that takes time in a large journal, and only once in its life.
 Result<void> AppDelegate::migrateFlags()
 {
-    QProgressDialog progress(tr("Turning the flags of your meetings into tags …",
-                                "Says what is going on"),
-                             {}, 0, 0);
-    progress.setWindowModality(Qt::ApplicationModal);
-    progress.setMinimumDuration(int(timeWithoutProgress / 1ms));
-    progress.reset();
+    std::optional<QProgressDialog> progress; // Hardly any start needs one.
     return m_services.coreData.migrateFlagsToTags([&](qsizetype done, qsizetype total) {
-        progress.setMaximum(int(total));
-        progress.setValue(int(done));
+        if (!progress) {
+            progress.emplace(tr("Turning the flags of your meetings into tags …",
+                                "Says what is going on"),
+                             QString(), 0, 0);
+            progress->setWindowModality(Qt::ApplicationModal);
+            progress->setMinimumDuration(int(timeWithoutProgress / 1ms));
+        }
+        progress->setMaximum(int(total));
+        progress->setValue(int(done));
     });
 }
 

@@ -144,13 +144,22 @@ void DetailPaneViewController::buildSearchField()
 {
     searchField->setObjectName(u"searchField"_s);
     searchField->setClearButtonEnabled(true);
-    searchField->setFont(emojiSafeFont(searchField->font()));
     searchField->setFixedWidth(searchFieldWidth);
     searchField->setAccessibleName(tr("Search notes"));
     searchField->addAction(icons::icon(icons::Name::Search), QLineEdit::LeadingPosition);
     auto *escape = new QShortcut(Qt::Key_Escape, searchField);
     escape->setContext(Qt::WidgetShortcut);
     connect(escape, &QShortcut::activated, searchField, &QLineEdit::clear);
+    connect(searchField, &QLineEdit::textChanged, this,
+            &DetailPaneViewController::updateSearchFont);
+}
+
+/// Fonts with emoji take a while to load, so they wait for a text that has some.
+void DetailPaneViewController::updateSearchFont()
+{
+    const bool showsEmoji = hasEmoji(searchField->text())
+                            || hasEmoji(searchField->placeholderText());
+    searchField->setFont(showsEmoji ? emojiSafeFont(font()) : QFont());
 }
 
 void DetailPaneViewController::buildTagFilterField()
@@ -256,6 +265,7 @@ void DetailPaneViewController::refreshLabels()
     m_nameLabel->setText(name.isEmpty() ? tr("Unnamed teammate") : name);
     searchField->setPlaceholderText(tr("Search notes for", "Followed by a teammate's name") + u' '
                                     + displayText(name));
+    updateSearchFont();
     if (days < 0 && !m_selectedSession)
         daysSinceLastMeetingLabel->clear();
     else

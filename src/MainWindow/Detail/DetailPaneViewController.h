@@ -119,6 +119,7 @@ private:
     void reload();
     void rearrangeCounterparts();
     void refreshLabels();
+    void updateSearchFont();
     void selectAndShow();
     void updateVisibleViews();
     void updateNoTilesState();
