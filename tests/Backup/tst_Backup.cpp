@@ -164,9 +164,9 @@ private Q_SLOTS:
             std::condition_variable opened;
             bool isOpen = false;
         };
-        // They outlive this test, as the thread that is left to itself may.
-        static FaultFileSystem stuck;
-        static Gate gate;
+        // They outlive this program, as the thread that is left to itself may.
+        static FaultFileSystem &stuck = *new FaultFileSystem;
+        static Gate &gate = *new Gate;
         stuck.before(FaultFileSystem::Call::Sync, 1, [] {
             std::unique_lock lock(gate.mutex);
             gate.opened.wait(lock, [] { return gate.isOpen; });

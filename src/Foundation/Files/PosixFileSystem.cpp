@@ -224,7 +224,8 @@ SystemResult<void> PosixFileSystem::removeFolder(FileId parent, const QString &n
 
 FileSystem &systemFileSystem()
 {
-    static PosixFileSystem system;
+    // Never destroyed: a thread that is left to itself may use it until the program has ended.
+    static PosixFileSystem &system = *new PosixFileSystem;
     return system;
 }
 
