@@ -35,7 +35,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto timeWithoutProgress = 300ms;
 /// For a backup that is being written when the program is to quit.
 constexpr auto backupTimeout = 10s;
 
@@ -106,7 +105,7 @@ Result<void> AppDelegate::migrateFlags()
                                 "Says what is going on"),
                              QString(), 0, 0);
             progress->setWindowModality(Qt::ApplicationModal);
-            progress->setMinimumDuration(int(timeWithoutProgress / 1ms));
+            progress->setMinimumDuration(int(m_progressDelay.count()));
         }
         progress->setMaximum(int(total));
         progress->setValue(int(done));
@@ -205,14 +204,13 @@ void AppDelegate::endTasksAndBackUp()
 /// takes no input, and shows the activity once it takes long.
 std::function<void()> AppDelegate::progressPainter(const QString &activity)
 {
-    return
-        [this, activity, delay = QDeadlineTimer(timeWithoutProgress), isShown = false]() mutable {
-            if (!isShown && delay.hasExpired()) {
-                isShown = true;
-                m_window->statusLine().showProgress(activity, false);
-            }
-            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-        };
+    return [this, activity, delay = QDeadlineTimer(m_progressDelay), isShown = false]() mutable {
+        if (!isShown && delay.hasExpired()) {
+            isShown = true;
+            m_window->statusLine().showProgress(activity, false);
+        }
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    };
 }
 
 bool AppDelegate::commitEditing()

@@ -5,6 +5,7 @@
 
 #include <QObject>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -68,6 +69,8 @@ public:
     /// Replaces the alert about an error that kept the program from saving; the function answers
     /// true when the user resolved it meanwhile.
     void setPresentError(std::function<bool(const Error &)> presentError);
+    /// How long work may take before its progress is shown; 300 ms unless told otherwise.
+    void setProgressDelay(std::chrono::milliseconds delay) { m_progressDelay = delay; }
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -91,6 +94,7 @@ private:
     std::unique_ptr<AuxiliaryWindows> m_auxiliaryWindows;
     std::unique_ptr<MainWindow> m_window;
     QString m_windowStateFile;
+    std::chrono::milliseconds m_progressDelay{300};
     bool m_hasRunBefore; ///< The window has written where it stood.
     QStringList m_packagesToOpen; ///< Asked for before the window was there.
     bool m_presentingError = false;

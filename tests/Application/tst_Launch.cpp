@@ -174,6 +174,7 @@ void tst_Launch::aLongMigrationShowsHowFarItIs()
     const auto folder = DataFolder::forOptions({.dataDirectory = journal()});
     ProgramServices services(*folder);
     AppDelegate delegate(services, *folder);
+    delegate.setProgressDelay(std::chrono::milliseconds(0)); // However quick the computer is.
     int shown = 0;
     QList<int> values;
     services.coreData.viewContext();
@@ -190,11 +191,7 @@ void tst_Launch::aLongMigrationShowsHowFarItIs()
         }
     });
     watch.start(10);
-    QElapsedTimer launch;
-    launch.start();
     delegate.applicationDidFinishLaunching();
-    if (launch.elapsed() < 600)
-        QSKIP("This computer is too quick to show anything.");
     QVERIFY(shown > 0);
     QVERIFY(std::is_sorted(values.begin(), values.end()));
     for (QWidget *widget : QApplication::topLevelWidgets())
